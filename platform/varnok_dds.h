@@ -1,18 +1,21 @@
 #pragma once
 
-// The OpenDDS and TAO headers below bring their own file-scope start-up calls: whoever includes this header links the
-// portable object adapter and registers the DDS monitor service before any entity is made.
+#include <iostream>
+
+// The TAO and OpenDDS headers bring their own file-scope start-up calls: whoever includes this header links the portable
+// object adapter, then registers the DDS monitor service, before any entity is made. The order of the two matters.
+#include <tao/PortableServer/PortableServer.h>
+
+#include <dds/DCPS/MonitorFactory.h>
+
+#include <boost/thread/mutex.hpp>
 #include <dds/DCPS/LocalObject.h>
 #include <dds/DCPS/Marked_Default_Qos.h>
-#include <dds/DCPS/MonitorFactory.h>
 #include <dds/DCPS/Service_Participant.h>
 #include <dds/DdsDcpsInfrastructureC.h>
 #include <dds/DdsDcpsPublicationC.h>
 #include <dds/DdsDcpsSubscriptionC.h>
 #include <dds/DdsDcpsTopicC.h>
-#include <tao/PortableServer/PortableServer.h>
-
-#include <boost/thread/mutex.hpp>
 
 namespace Varnok {
 

@@ -1,0 +1,135 @@
+#pragma once
+
+// Definitions of the templates of dds_subscriber.h.
+
+#include <iostream>
+
+#include <boost/bind/bind.hpp>
+#include <boost/date_time/posix_time/posix_time_types.hpp>
+#include <boost/thread/thread.hpp>
+
+#include "dds_subscriber.h"
+
+namespace Varnok {
+
+template <typename T, typename U>
+DDS_SubscriberBase<T, U>::DDS_SubscriberBase(const char* topicName, const boost::function<U>& callback)
+    : reader_(new Reader), topic_name_(topicName), callback_(callback), init_done_(false) {}
+
+template <typename T, typename U>
+DDS_SubscriberBase<T, U>::~DDS_SubscriberBase() {
+  const boost::mutex::scoped_lock one_at_a_time(SerializeSubscriberDestructionMutex);
+  waitForInitDone();
+  disconnect();
+  reader_.reset();
+}
+
+template <typename T, typename U>
+void DDS_SubscriberBase<T, U>::InitSubBase(DDS_Subscriber<T>* owner, long minSeparationSec,
+                                           unsigned long minSeparationNanosec,
+                                           DDS::DurabilityQosPolicyKind durability) {
+  const DDS::DomainParticipant_ptr participant = this->DdsBase().participant;
+  if (CORBA::is_nil(participant)) fail(std::string(Texts::init) + " err: Participant NULL");
+  subscriber_ = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(),
+                                               OpenDDS::DCPS::ALL_STATUS_MASK);
+  if (CORBA::is_nil(subscriber_.in())) fail(std::string(Texts::init) + " err: create_subscriber");
+  create_topic(participant);
+  DDS::Duration_t minimum_separation;
+  minimum_separation.sec = static_cast<CORBA::Long>(minSeparationSec);
+  minimum_separation.nanosec = static_cast<CORBA::ULong>(minSeparationNanosec);
+  create_reader(owner, minimum_separation, durability);
+  boost::this_thread::at_thread_exit(boost::bind(&DDS_SubscriberBase::FinishedInitSubBase, this));
+}
+
+template <typename T, typename U>
+void DDS_SubscriberBase<T, U>::create_topic(DDS::DomainParticipant_ptr participant) {
+  if (reader_->type_support->register_type(participant, "") != DDS::RETCODE_OK)
+    fail(std::string(Texts::init) + " err: Osts->register_type");
+  const CORBA::String_var type_name = reader_->type_support->get_type_name();
+  topic_ = participant->create_topic(topic_name_.c_str(), type_name.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
+                                     OpenDDS::DCPS::ALL_STATUS_MASK);
+  if (CORBA::is_nil(topic_.in()))
+    fail(std::string(Texts::init) + " err: Participant->create_topic [" + type_name.in() + "] [" + topic_name_ + "]");
+}
+
+template <typename T, typename U>
+void DDS_SubscriberBase<T, U>::create_reader(DDS_Subscriber<T>* owner, const DDS::Duration_t& minimum_separation,
+                                             DDS::DurabilityQosPolicyKind durability) {
+  // The initial QoS is what the record holds when its defaults cannot be fetched; the reader is made all the same.
+  DDS::DataReaderQos qos = TheServiceParticipant->initial_DataReaderQos();
+  if (subscriber_->get_default_datareader_qos(qos) != DDS::RETCODE_OK)
+    std::cout << "DDS_Subscriber:: ERROR: create_datareader failed" << std::endl;
+  qos.durability.kind = durability;
+  qos.history.kind = DDS::KEEP_ALL_HISTORY_QOS;
+  qos.time_based_filter.minimum_separation = minimum_separation;
+  listener_.dispatch_to(owner);
+  data_reader_ = subscriber_->create_datareader(topic_.in(), qos, &listener_, OpenDDS::DCPS::ALL_STATUS_MASK);
+  if (CORBA::is_nil(data_reader_.in())) fail(std::string(Texts::init) + " err: Subscriber->create_datareader");
+}
+
+template <typename T, typename U>
+void DDS_SubscriberBase<T, U>::FinishedInitSubBase() {
+  init_done_ = true;
+}
+
+template <typename T, typename U>
+void DDS_SubscriberBase<T, U>::waitForInitDone() const {
+  while (!init_done_) boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::microseconds(1000));
+}
+
+template <typename T, typename U>
+void DDS_SubscriberBase<T, U>::disconnect() {
+  subscriber_->delete_contained_entities();
+  reader_->typed_reader = Attribute::DataReader::_nil();
+  reader_->type_support = Attribute::TypeSupport::_nil();
+  data_reader_ = DDS::DataReader::_nil();
+  this->DdsBase().participant->delete_subscriber(subscriber_.in());
+  this->DdsBase().participant->delete_topic(topic_.in());
+}
+
+template <typename T, typename U>
+void DDS_SubscriberBase<T, U>::fail(const std::string& text) {
+  std::cerr << text << std::endl;
+  throw Connection_errors::Not_Connected(text);
+}
+
+template <typename T>
+DDS_Subscriber<T>::DDS_Subscriber(const char* topicName, const boost::function<void(char const*)>& callback)
+    : DDS_SubscriberBase<T, void(char const*)>(topicName, callback) {
+  boost::thread start_up(boost::bind(&DDS_Subscriber::InitSubBase, this, this, 0, 0, DDS::VOLATILE_DURABILITY_QOS));
+  start_up.detach();
+}
+
+template <typename T>
+DDS_Subscriber<T>::~DDS_Subscriber() = default;
+
+template <typename T>
+void DDS_DataReaderListener<T>::on_data_available(DDS::DataReader_ptr reader) {
+  if (!subscriber_) return;
+  auto& record = *subscriber_->reader_;
+  record.typed_reader = record.narrow(reader);
+  if (CORBA::is_nil(record.typed_reader.in())) return;
+  DDS::SampleInfo info;
+  if (record.typed_reader->take_next_sample(record.sample, info) != DDS::RETCODE_OK)
+    throw Runtime_errors::Generic(std::string(DDS_Subscriber_texts<T>::data_available) + " take_next_sample error.");
+  if (!info.valid_data) return report_without_data(info.instance_state);
+  subscriber_->waitForInitDone();
+  subscriber_->callback_(subscriber_->topic_name_.c_str());
+}
+
+template <typename T>
+void DDS_DataReaderListener<T>::report_without_data(DDS::InstanceStateKind state) {
+  const std::string reporter = DDS_Subscriber_texts<T>::data_available;
+  switch (state) {
+    case DDS::NOT_ALIVE_DISPOSED_INSTANCE_STATE:
+      std::cout << reporter + " instance is disposed\n" << std::flush;
+      return;
+    case DDS::NOT_ALIVE_NO_WRITERS_INSTANCE_STATE:
+      std::cout << reporter + " instance is unregistered\n" << std::flush;
+      return;
+    default:
+      throw Runtime_errors::Generic(reporter + " ERROR: received unknown instance state");
+  }
+}
+
+}  // namespace Varnok

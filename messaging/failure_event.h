@@ -1,0 +1,7 @@
+#pragma once
+
+#include "varnok_events.h"
+
+/// Sends one failure event over `channel`: category 3, severity 3, flags 0x10000, code 0, stamped with the local time.
+/// `source` is the reporting function's full name, `text` what failed. Any thread. Throws what the channel throws.
+void SendFailureEvent(Varnok::EngineEventMessage_i& channel, const char* source, const char* text);

@@ -1,0 +1,30 @@
+#pragma once
+
+/// The full signatures by which failure messages name the reporting function. They are part of what the unit's logs are
+/// searched for, so they are written out: compilers spell them differently.
+namespace Varnok {
+
+struct DDS_VoidMessage;
+
+template <typename T>
+struct DDS_Publisher_texts;
+
+template <>
+struct DDS_Publisher_texts<bool> {
+  static constexpr char constructor[] = "Varnok::DDS_Publisher<T>::DDS_Publisher(const char*) [with T = bool]";
+  static constexpr char send_data[] = "void Varnok::DDS_Publisher<T>::sendData(const T&) [with T = bool]";
+};
+
+template <typename T>
+struct DDS_Subscriber_texts;
+
+template <>
+struct DDS_Subscriber_texts<DDS_VoidMessage> {
+  static constexpr char init[] =
+      "void Varnok::DDS_SubscriberBase<T, U>::InitSubBase(Varnok::DDS_Subscriber<T>*, long int, long unsigned int, "
+      "DDS::DurabilityQosPolicyKind) [with T = Varnok::DDS_VoidMessage, F = void(const char*)]";
+  static constexpr char data_available[] =
+      "void Varnok::DDS_DataReaderListener<T>::on_data_available(DDS::DataReader*) [with T = Varnok::DDS_VoidMessage]";
+};
+
+}  // namespace Varnok
