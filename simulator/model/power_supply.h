@@ -1,0 +1,77 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+#include "shared_mutex.h"
+#include "signal.h"
+
+namespace simulator::model {
+
+/// The seven values that the power-supply controller can be asked for.
+enum class Reply : std::uint32_t {
+  BATTERY_RELATIVE_STATE_OF_CHARGE,  ///< per cent
+  CHARGER_BATTERY_STATUS,            ///< bit field; 0x01 external voltage, 0x08 charged, 0x10 no battery
+  SOFTWARE_VERSION_NUMBER,           ///< decimal, 10203 for 1.02.03
+  POWER_SUPPLY_TEMPERATURE,          ///< tenths of a degree Celsius
+  BATTERY_TEMPERATURE,               ///< degrees Celsius
+  BATTERY_AVERAGE_TIME_TO_EMPTY,     ///< minutes
+  BATTERY_RUN_TIME_TO_EMPTY,         ///< minutes
+  COUNT
+};
+
+/// The power-supply controller. Lives in the unit's model; any thread of any process.
+class PowerSupply {
+public:
+  static constexpr std::size_t INTERRUPTS_KEPT = 256;
+  /// What led_status() and communication_status() show before anything was set.
+  static constexpr std::int32_t NOT_SET = -1;
+
+  void set_reply(Reply reply, std::int32_t value) noexcept { replies_[index(reply)].store(value); }
+  std::int32_t reply(Reply reply) const noexcept { return replies_[index(reply)].load(); }
+
+  /// From a request to its reply, in microseconds.
+  void set_reply_delay(std::uint32_t microseconds) noexcept { reply_delay_us_.store(microseconds); }
+  std::chrono::microseconds reply_delay() const noexcept { return std::chrono::microseconds(reply_delay_us_.load()); }
+
+  /// The last status that the driver's user has set.
+  void set_led_status(std::int32_t status) noexcept { led_status_.store(status); }
+  std::int32_t led_status() const noexcept { return led_status_.load(); }
+  void set_communication_status(std::int32_t status) noexcept { communication_status_.store(status); }
+  std::int32_t communication_status() const noexcept { return communication_status_.load(); }
+
+  /// Raises a switch interrupt in every driver that has the controller open. Returns its number, counted from 1.
+  /// A driver that is more than INTERRUPTS_KEPT behind loses the oldest.
+  std::uint64_t raise_interrupt(std::int32_t communication_status);
+  /// How many interrupts have been raised since the unit was made.
+  std::uint64_t interrupts_raised() const noexcept { return raised_.load(); }
+  /// The value of interrupt `number`; none when it is not raised yet. One that is no longer kept gives the oldest kept.
+  std::optional<std::int32_t> interrupt(std::uint64_t number) const;
+
+  /// Called by the driver once the handler of interrupt `number` has returned.
+  void mark_interrupt_handled(std::uint64_t number) noexcept;
+  /// Waits until some driver has handled interrupt `number`; false when `limit` passes first.
+  bool wait_interrupt_handled(std::uint64_t number, std::chrono::milliseconds limit) const noexcept;
+
+  /// Raised when a driver may have something to do.
+  Signal& wake_up() noexcept { return wake_up_; }
+
+private:
+  static constexpr std::size_t index(Reply reply) noexcept { return static_cast<std::size_t>(reply); }
+
+  std::array<std::atomic<std::int32_t>, static_cast<std::size_t>(Reply::COUNT)> replies_{};
+  std::atomic<std::uint32_t> reply_delay_us_{0};
+  std::atomic<std::int32_t> led_status_{NOT_SET};
+  std::atomic<std::int32_t> communication_status_{NOT_SET};
+  mutable SharedMutex interrupts_mutex_;
+  std::atomic<std::uint64_t> raised_{0};
+  std::atomic<std::uint64_t> handled_{0};
+  std::array<std::int32_t, INTERRUPTS_KEPT> interrupts_{};
+  Signal wake_up_;
+  Signal handled_signal_;
+};
+
+}  // namespace simulator::model

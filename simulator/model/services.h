@@ -1,0 +1,62 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "signal.h"
+
+namespace simulator::model {
+
+/// The services that other processes of the unit offer.
+enum class Service : std::uint32_t { GUI_MANAGER, EVERYBODY_ENGINE, HW_ENUMERATE, COUNT };
+
+/// How a service behaves.
+enum class ServiceBehaviour : std::uint32_t {
+  PRESENT,       ///< registered, answers
+  ABSENT,        ///< not registered in the naming service
+  WRONG_TYPE,    ///< an object of another interface is registered under its path
+  SLOW,          ///< answers, `slow_ms` later
+  DIES_IN_CALL,  ///< its process ends while a call is in it
+  THROWS,        ///< every call ends in an exception
+  COUNT
+};
+
+std::string_view name_of(Service service) noexcept;             ///< "gui_manager", "everybody_engine", "hw_enumerate"
+std::string_view name_of(ServiceBehaviour behaviour) noexcept;  ///< "present", "absent", "wrong_type", …
+std::optional<ServiceBehaviour> behaviour_named(std::string_view name) noexcept;
+
+/// The behaviour of the unit's services, settable while they run. Lives in the unit's model; any thread of any process.
+class Services {
+public:
+  void set_behaviour(Service service, ServiceBehaviour behaviour) noexcept;
+  ServiceBehaviour behaviour(Service service) const noexcept;
+
+  /// How much longer a call of a SLOW service takes, in milliseconds.
+  void set_slow_ms(Service service, std::uint32_t milliseconds) noexcept;
+  std::uint32_t slow_ms(Service service) const noexcept;
+
+  /// Raised when a behaviour has been set.
+  Signal& changed() noexcept { return changed_; }
+
+  /// Set by the services process once the naming service shows the behaviours set up to `changed` count `seen`.
+  void mark_applied(std::uint32_t seen) noexcept;
+  /// Waits until what is set now has been applied; false when `limit` passes first.
+  bool wait_applied(std::chrono::milliseconds limit) const noexcept;
+
+private:
+  struct State {
+    std::atomic<ServiceBehaviour> behaviour{ServiceBehaviour::PRESENT};
+    std::atomic<std::uint32_t> slow_ms{0};
+  };
+
+  std::array<State, static_cast<std::size_t>(Service::COUNT)> states_;
+  Signal changed_;
+  std::atomic<std::uint32_t> applied_count_{0};
+  Signal applied_;
+};
+
+}  // namespace simulator::model

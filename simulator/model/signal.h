@@ -1,0 +1,26 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+
+namespace simulator::model {
+
+/// A wake-up call in shared memory: a counter that only grows, and whoever sleeps until it has grown.
+/// Lives in the unit's model; any thread of any process may use it, and a sleeper that is killed leaves no trace.
+class Signal {
+public:
+  /// The count now; read it before testing the condition that the signal stands for.
+  std::uint32_t count() const noexcept { return count_.load(std::memory_order_acquire); }
+
+  /// Counts one up and wakes every sleeper.
+  void raise() noexcept;
+
+  /// Sleeps until the count differs from `seen`, or `limit` has passed; may return early.
+  void wait(std::uint32_t seen, std::chrono::nanoseconds limit) const noexcept;
+
+private:
+  std::atomic<std::uint32_t> count_{0};
+};
+
+}  // namespace simulator::model

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "board.h"
+#include "call_record.h"
+#include "faults.h"
+#include "gui.h"
+#include "power_supply.h"
+#include "sensors.h"
+#include "services.h"
+#include "sysfs_files.h"
+
+namespace simulator::model {
+
+class UnitFile;
+
+/// The simulated unit: one file in shared memory that holds the state of everything behind the closed interfaces.
+/// Every process of the unit, and whoever works on it from outside, maps the same file and sees every change at once.
+/// Any thread may use any part at any time.
+class UnitModel {
+public:
+  /// Makes the model file of a new unit and its sysfs files, with the unit file's values. An older file of that name is
+  /// replaced; whoever has it open keeps the old unit. Throws std::system_error.
+  static UnitModel create(const std::string& path, const UnitFile& values);
+  /// Maps an existing model file. Throws std::system_error where it cannot, std::runtime_error where it is none.
+  static UnitModel open(const std::string& path);
+  /// The model of the unit that this process belongs to, ${UNIT_RUN:-/run/unit}/model, mapped by the first call and
+  /// kept until the process ends. Throws as open(); the next call then tries again.
+  static UnitModel& of_this_unit();
+
+  UnitModel(UnitModel&& other) noexcept;
+  UnitModel& operator=(UnitModel&&) = delete;
+  ~UnitModel();
+
+  Board& board() noexcept { return shared_->board; }
+  PowerSupply& power_supply() noexcept { return shared_->power_supply; }
+  Sensors& sensors() noexcept { return shared_->sensors; }
+  Services& services() noexcept { return shared_->services; }
+  Gui& gui() noexcept { return shared_->gui; }
+  Faults& faults() noexcept { return shared_->faults; }
+  CallRecord& record() noexcept { return record_; }
+  /// The sysfs files of the unit: those in the folder sys/ of the unit's state folder (for a model elsewhere than in
+  /// run/unit/: the folder sys/ beside the model).
+  SysfsFiles& sysfs() noexcept { return sysfs_; }
+
+  /// True where crossings are of interest to anybody: the record is on, calls are counted or a fault is armed. Costs
+  /// one plain load; everything that a crossing does beyond the operation itself happens only then.
+  bool watched() const noexcept { return shared_->faults.watch().any(); }
+  /// Switches the counting of calls on and off; recorded and faulted units count anyway.
+  void count_calls(bool on) noexcept { shared_->faults.watch().set(Watch::COUNTED, on); }
+
+  /// Where a closed interface is crossed: counts the call, records it with its arguments (JSON text), and tells what
+  /// shall go wrong with it. A SLOW fault has been slept off when this returns.
+  Fault cross(Point point, const std::string& args);
+
+  /// The folder that holds the model ("/run/unit").
+  const std::string& run_folder() const noexcept { return run_folder_; }
+
+private:
+  /// What the file holds.
+  struct Shared {
+    static constexpr std::uint64_t MAGIC = 0x31304C444D54494E;
+    static constexpr std::uint32_t VERSION = 1;
+
+    std::uint64_t magic = MAGIC;
+    std::uint32_t version = VERSION;
+    std::uint32_t size = sizeof(Shared);
+    Board board;
+    PowerSupply power_supply;
+    Sensors sensors;
+    Services services;
+    Gui gui;
+    Faults faults;
+  };
+
+  UnitModel(const std::string& path, Shared* shared);
+  static Shared* map(int descriptor);
+
+  Shared* shared_;
+  std::string run_folder_;
+  CallRecord record_;
+  SysfsFiles sysfs_;
+};
+
+}  // namespace simulator::model
