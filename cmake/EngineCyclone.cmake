@@ -1,0 +1,85 @@
+# The engine made of Cyclone DDS and omniORB, behind the DCPS API of dcps/.
+
+find_package(CycloneDDS CONFIG QUIET)
+if(NOT CycloneDDS_FOUND)
+  message(FATAL_ERROR "Cyclone DDS is missing: install the Debian package cyclonedds-dev")
+endif()
+find_program(IDLC_EXECUTABLE idlc DOC "Cyclone DDS's IDL compiler")
+if(NOT IDLC_EXECUTABLE)
+  message(FATAL_ERROR "idlc is missing: install the Debian package cyclonedds-tools")
+endif()
+find_program(OMNIIDL_EXECUTABLE omniidl DOC "omniORB's IDL compiler")
+if(NOT OMNIIDL_EXECUTABLE)
+  message(FATAL_ERROR "omniidl is missing: install the Debian package omniidl")
+endif()
+find_path(OMNIORB_INCLUDE_DIR omniORB4/CORBA.h)
+find_library(OMNIORB_LIBRARY omniORB4)
+find_library(OMNITHREAD_LIBRARY omnithread)
+if(NOT OMNIORB_INCLUDE_DIR OR NOT OMNIORB_LIBRARY OR NOT OMNITHREAD_LIBRARY)
+  message(FATAL_ERROR "omniORB is missing: install the Debian package libomniorb4-dev")
+endif()
+find_package(Threads REQUIRED)
+
+if(NOT TARGET dcps_omniorb)
+  add_library(dcps_omniorb INTERFACE IMPORTED GLOBAL)
+  target_include_directories(dcps_omniorb SYSTEM INTERFACE ${OMNIORB_INCLUDE_DIR})
+  target_link_libraries(dcps_omniorb INTERFACE ${OMNIORB_LIBRARY} ${OMNITHREAD_LIBRARY} Threads::Threads)
+endif()
+
+set(DCPS_TEMPLATE_DIR ${CMAKE_CURRENT_LIST_DIR}/cyclone)
+
+# Where the generated files of this folder go. Their users take them as system headers: the code is not ours.
+function(_dcps_generated_dir target directory_variable)
+  set(directory ${CMAKE_CURRENT_BINARY_DIR}/idl)
+  file(MAKE_DIRECTORY ${directory})
+  target_include_directories(${target} SYSTEM PUBLIC ${directory})
+  set(${directory_variable} ${directory} PARENT_SCOPE)
+endfunction()
+
+# Runs omniidl: <stem>C.h and <stem>C.cpp. `depends`: every IDL file of the call, because one may include another.
+function(_dcps_omniidl target idl directory depends)
+  get_filename_component(stem ${idl} NAME_WE)
+  get_filename_component(idl_directory ${idl} DIRECTORY)
+  add_custom_command(
+    OUTPUT ${directory}/${stem}C.h ${directory}/${stem}C.cpp
+    COMMAND ${OMNIIDL_EXECUTABLE} -bcxx -Wbh=C.h -Wbs=C.cpp -Wbuse-quotes -C${directory} -I${idl_directory} ${idl}
+    DEPENDS ${depends}
+    COMMENT "Generating ${stem}C.h"
+    VERBATIM)
+  target_sources(${target} PRIVATE ${directory}/${stem}C.h ${directory}/${stem}C.cpp)
+endfunction()
+
+# dcps_corba_interfaces(<target> <idl>…): stubs and skeletons. omniidl puts both into <stem>C.h; <stem>S.h, where the
+# skeletons are looked for, forwards to it.
+function(dcps_corba_interfaces target)
+  _dcps_generated_dir(${target} directory)
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ OUTPUT_VARIABLE idls)
+  foreach(idl IN LISTS idls)
+    _dcps_omniidl(${target} ${idl} ${directory} "${idls}")
+    get_filename_component(stem ${idl} NAME_WE)
+    configure_file(${DCPS_TEMPLATE_DIR}/Skeleton.h.in ${directory}/${stem}S.h @ONLY)
+  endforeach()
+endfunction()
+
+# dcps_topic_types(<target> <idl>…): the types (<stem>C.h, by omniidl), their description for the wire (by idlc, for
+# this folder only) and their type supports, writers and readers (<stem>TypeSupportC.h, <stem>TypeSupportImpl.h).
+function(dcps_topic_types target)
+  _dcps_generated_dir(${target} directory)
+  set(wire_directory ${CMAKE_CURRENT_BINARY_DIR}/wire)
+  file(MAKE_DIRECTORY ${wire_directory})
+  target_include_directories(${target} PRIVATE ${wire_directory})
+  target_link_libraries(${target} PRIVATE CycloneDDS::ddsc)
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ OUTPUT_VARIABLE idls)
+  foreach(idl IN LISTS idls)
+    get_filename_component(STEM ${idl} NAME_WE)
+    _dcps_omniidl(${target} ${idl} ${directory} "${idls}")
+    add_custom_command(
+      OUTPUT ${wire_directory}/${STEM}.h ${wire_directory}/${STEM}.c
+      COMMAND ${IDLC_EXECUTABLE} -t -x final -o ${wire_directory} ${idl}
+      DEPENDS ${idls}
+      COMMENT "Generating the wire description of ${STEM}"
+      VERBATIM)
+    target_sources(${target} PRIVATE
+      ${wire_directory}/${STEM}.h ${wire_directory}/${STEM}.c)
+  endforeach()
+endfunction()
