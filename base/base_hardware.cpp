@@ -6,7 +6,9 @@
 
 namespace {
 
-void error_line(const char* text) { std::cerr << text << std::endl; }
+void error_line(const char* text) {
+  std::cerr << text << std::endl;
+}
 
 template <typename Value>
 void error_line(const char* text, Value value) {
@@ -47,7 +49,9 @@ void BASE_HARDWARE::Get_PowerDown_HomeButton(std::string&, std::string&) {
   error_line("BASE_HARDWARE::Get_PowerDown_HomeButton err");
 }
 
-void BASE_HARDWARE::SetRefOscillator(int setting) { error_line("BASE_HARDWARE::SetRefOscillator err ", setting); }
+void BASE_HARDWARE::SetRefOscillator(int setting) {
+  error_line("BASE_HARDWARE::SetRefOscillator err ", setting);
+}
 
 void BASE_HARDWARE::AlarmAnnunciatorState(bool on) {
   std::cout << "BASE_HARDWARE::AlarmAnnunciatorState : " << (on ? 1 : 0) << std::endl;
@@ -57,7 +61,9 @@ void BASE_HARDWARE::SetQM2760LoopBandwidth(int setting) {
   error_line("BASE_HARDWARE::SetQM2760LoopBandwidth err ", setting);
 }
 
-void BASE_HARDWARE::ReadBusVoltages() { error_line("BASE_HARDWARE::ReadBusVoltages err "); }
+void BASE_HARDWARE::ReadBusVoltages() {
+  error_line("BASE_HARDWARE::ReadBusVoltages err ");
+}
 
 void BASE_HARDWARE::SetAutoTuneThreshold(double threshold) {
   error_line("BASE_HARDWARE::SetAutoTuneThreshold err ", threshold);
@@ -83,22 +89,52 @@ void BASE_HARDWARE::CopyScripts(const std::string&, bool, Varnok::EngineReadingS
   error_line("BASE_HARDWARE::CopyScripts err ");
 }
 
-void BASE_HARDWARE::SetCurrentlyActive(int) { error_line("BASE_HARDWARE::SetCurrentlyActive err "); }
-void BASE_HARDWARE::SetRs232BaudRate(int) { error_line("BASE_HARDWARE::SetRs232BaudRate err "); }
-void BASE_HARDWARE::SetRs232Parity(int) { error_line("BASE_HARDWARE::SetRs232Parity err "); }
-void BASE_HARDWARE::SetRs232DataBits(int) { error_line("BASE_HARDWARE::SetRs232DataBits err "); }
-void BASE_HARDWARE::SetRs232StopBits(int) { error_line("BASE_HARDWARE::SetRs232StopBits err "); }
-void BASE_HARDWARE::SetRs232FlowControl(int) { error_line("BASE_HARDWARE::SetRs232FlowControl err "); }
-void BASE_HARDWARE::SetRs232Echo(int) { error_line("BASE_HARDWARE::SetRs232Echo err "); }
+void BASE_HARDWARE::SetCurrentlyActive(int) {
+  error_line("BASE_HARDWARE::SetCurrentlyActive err ");
+}
+void BASE_HARDWARE::SetRs232BaudRate(int) {
+  error_line("BASE_HARDWARE::SetRs232BaudRate err ");
+}
+void BASE_HARDWARE::SetRs232Parity(int) {
+  error_line("BASE_HARDWARE::SetRs232Parity err ");
+}
+void BASE_HARDWARE::SetRs232DataBits(int) {
+  error_line("BASE_HARDWARE::SetRs232DataBits err ");
+}
+void BASE_HARDWARE::SetRs232StopBits(int) {
+  error_line("BASE_HARDWARE::SetRs232StopBits err ");
+}
+void BASE_HARDWARE::SetRs232FlowControl(int) {
+  error_line("BASE_HARDWARE::SetRs232FlowControl err ");
+}
+void BASE_HARDWARE::SetRs232Echo(int) {
+  error_line("BASE_HARDWARE::SetRs232Echo err ");
+}
 void BASE_HARDWARE::SetCpuUsageAttr(Varnok::EngineReadingValueLong_i*) {}
 void BASE_HARDWARE::SetTime() {}
-double BASE_HARDWARE::GetThreshold() { return 0.0; }
-double BASE_HARDWARE::GetStartFreq() { return 0.0; }
-double BASE_HARDWARE::GetStopFreq() { return 0.0; }
-double BASE_HARDWARE::GetBW() { return 0.0; }
+double BASE_HARDWARE::GetThreshold() {
+  return 0.0;
+}
+double BASE_HARDWARE::GetStartFreq() {
+  return 0.0;
+}
+double BASE_HARDWARE::GetStopFreq() {
+  return 0.0;
+}
+double BASE_HARDWARE::GetBW() {
+  return 0.0;
+}
 
 // A unit without these sensors is no fault of the unit: the four lines go to standard output.
-int BASE_HARDWARE::PsTemperature() { return output_line("BASE_HARDWARE::PsTemperature"); }
-int BASE_HARDWARE::BatteryTemperature() { return output_line("BASE_HARDWARE::BatteryTemperature"); }
-int BASE_HARDWARE::Slot1MIC284Temperature() { return output_line("BASE_HARDWARE::Slot1MIC284Temperature"); }
-int BASE_HARDWARE::BatteryPresent() { return output_line("BASE_HARDWARE::BatteryPresent"); }
+int BASE_HARDWARE::PsTemperature() {
+  return output_line("BASE_HARDWARE::PsTemperature");
+}
+int BASE_HARDWARE::BatteryTemperature() {
+  return output_line("BASE_HARDWARE::BatteryTemperature");
+}
+int BASE_HARDWARE::Slot1MIC284Temperature() {
+  return output_line("BASE_HARDWARE::Slot1MIC284Temperature");
+}
+int BASE_HARDWARE::BatteryPresent() {
+  return output_line("BASE_HARDWARE::BatteryPresent");
+}

@@ -9,13 +9,13 @@
 /// Every hardware service of a unit, as its host sees it: one object behind the global `Hardware`, called only through
 /// the virtual operations below.
 ///
-/// The order of the virtual operations is part of the binary interface and never changes. The destructor is not virtual:
-/// the object lives until its process ends.
+/// The order of the virtual operations is part of the binary interface and never changes. The destructor is not
+/// virtual: the object lives until its process ends.
 ///
 /// An operation that a unit does not provide keeps the default of this class: it writes one diagnostic line, returns a
 /// neutral value (0: nothing was done) and never throws. Defaults may be called from any thread; they take no lock, so
 /// the lines of two callers may interleave.
-class BASE_HARDWARE {
+class __attribute__((visibility("default"))) BASE_HARDWARE {
 public:
   /// State of one fan. Only `FAN_UNKNOWN` is ever set here; 0 to 3 are left to units that drive fans.
   enum FAN_STATES : int { FAN_STATE_0, FAN_STATE_1, FAN_STATE_2, FAN_STATE_3, FAN_UNKNOWN };

@@ -67,8 +67,7 @@ template <typename T>
 void DDS_Publisher<T>::connect() {
   const DDS::DomainParticipant_ptr participant = DdsBase().participant;
   if (!CORBA::is_nil(participant))
-    publisher_ = participant->create_publisher(PUBLISHER_QOS_DEFAULT, DDS::PublisherListener::_nil(),
-                                               OpenDDS::DCPS::ALL_STATUS_MASK);
+    publisher_ = participant->create_publisher(PUBLISHER_QOS_DEFAULT, DDS::PublisherListener::_nil(), ALL_STATUSES);
   if (CORBA::is_nil(publisher_.in()))
     throw Connection_errors::Not_Connected("DDS_Publisher::Init err: Participant->create_publisher");
   create_topic();
@@ -82,7 +81,7 @@ void DDS_Publisher<T>::create_topic() {
     fail(std::string(Texts::constructor) + " err: Osts->register_type");
   const CORBA::String_var type_name = writer_->type_support->get_type_name();
   topic_ = participant->create_topic(topic_name_.c_str(), type_name.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
-                                     OpenDDS::DCPS::ALL_STATUS_MASK);
+                                     ALL_STATUSES);
   if (CORBA::is_nil(topic_.in()))
     fail(std::string(Texts::constructor) + ":  Participant->create_topic [" + topic_name_ + "] [" + type_name.in() +
          "]");
@@ -95,8 +94,7 @@ void DDS_Publisher<T>::create_writer() {
   if (publisher_->get_default_datawriter_qos(qos) != DDS::RETCODE_OK)
     std::cout << "DDS_Publisher:: ERROR: create_datawriter failed" << std::endl;
   qos.durability.kind = DDS::TRANSIENT_LOCAL_DURABILITY_QOS;
-  data_writer_ = publisher_->create_datawriter(topic_.in(), qos, DDS::DataWriterListener::_nil(),
-                                               OpenDDS::DCPS::ALL_STATUS_MASK);
+  data_writer_ = publisher_->create_datawriter(topic_.in(), qos, DDS::DataWriterListener::_nil(), ALL_STATUSES);
   if (CORBA::is_nil(data_writer_.in())) fail(std::string(Texts::constructor) + " err: Publisher->create_datawriter");
   writer_->typed_writer = writer_->narrow(data_writer_.in());
   if (CORBA::is_nil(writer_->typed_writer.in()))

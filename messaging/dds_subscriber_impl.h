@@ -30,8 +30,7 @@ void DDS_SubscriberBase<T, U>::InitSubBase(DDS_Subscriber<T>* owner, long minSep
                                            DDS::DurabilityQosPolicyKind durability) {
   const DDS::DomainParticipant_ptr participant = this->DdsBase().participant;
   if (CORBA::is_nil(participant)) fail(std::string(Texts::init) + " err: Participant NULL");
-  subscriber_ = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(),
-                                               OpenDDS::DCPS::ALL_STATUS_MASK);
+  subscriber_ = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(), ALL_STATUSES);
   if (CORBA::is_nil(subscriber_.in())) fail(std::string(Texts::init) + " err: create_subscriber");
   create_topic(participant);
   DDS::Duration_t minimum_separation;
@@ -47,7 +46,7 @@ void DDS_SubscriberBase<T, U>::create_topic(DDS::DomainParticipant_ptr participa
     fail(std::string(Texts::init) + " err: Osts->register_type");
   const CORBA::String_var type_name = reader_->type_support->get_type_name();
   topic_ = participant->create_topic(topic_name_.c_str(), type_name.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
-                                     OpenDDS::DCPS::ALL_STATUS_MASK);
+                                     ALL_STATUSES);
   if (CORBA::is_nil(topic_.in()))
     fail(std::string(Texts::init) + " err: Participant->create_topic [" + type_name.in() + "] [" + topic_name_ + "]");
 }
@@ -63,7 +62,7 @@ void DDS_SubscriberBase<T, U>::create_reader(DDS_Subscriber<T>* owner, const DDS
   qos.history.kind = DDS::KEEP_ALL_HISTORY_QOS;
   qos.time_based_filter.minimum_separation = minimum_separation;
   listener_.dispatch_to(owner);
-  data_reader_ = subscriber_->create_datareader(topic_.in(), qos, &listener_, OpenDDS::DCPS::ALL_STATUS_MASK);
+  data_reader_ = subscriber_->create_datareader(topic_.in(), qos, &listener_, ALL_STATUSES);
   if (CORBA::is_nil(data_reader_.in())) fail(std::string(Texts::init) + " err: Subscriber->create_datareader");
 }
 

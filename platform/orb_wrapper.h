@@ -15,7 +15,7 @@ public:
     ClientInfo() = default;
     explicit ClientInfo(std::vector<std::string> naming_path) : path(std::move(naming_path)) {}
 
-    std::vector<std::string> path;              ///< the naming path, outermost name first
+    std::vector<std::string> path;                     ///< the naming path, outermost name first
     CORBA::Object_ptr object = CORBA::Object::_nil();  ///< the object found; it belongs to the wrapper that found it
   };
 

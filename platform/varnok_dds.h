@@ -2,13 +2,13 @@
 
 #include <iostream>
 
-// The TAO and OpenDDS headers bring their own file-scope start-up calls: whoever includes this header links the portable
-// object adapter, then registers the DDS monitor service, before any entity is made. The order of the two matters.
+// The TAO and OpenDDS headers bring their own file-scope start-up calls: whoever includes this header links the
+// portable object adapter, then registers the DDS monitor service, before any entity is made. The order of the two
+// matters.
 #include <tao/PortableServer/PortableServer.h>
 
 #include <dds/DCPS/MonitorFactory.h>
 
-#include <boost/thread/mutex.hpp>
 #include <dds/DCPS/LocalObject.h>
 #include <dds/DCPS/Marked_Default_Qos.h>
 #include <dds/DCPS/Service_Participant.h>
@@ -16,8 +16,12 @@
 #include <dds/DdsDcpsPublicationC.h>
 #include <dds/DdsDcpsSubscriptionC.h>
 #include <dds/DdsDcpsTopicC.h>
+#include <boost/thread/mutex.hpp>
 
 namespace Varnok {
+
+/// The status mask that asks for every communication status.
+constexpr DDS::StatusMask ALL_STATUSES = 0xFFFFFFFF;
 
 /// The process's shared DDS context. Made on first use, kept until the process ends.
 struct DDS_Context {

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "handheld_hardware.h"
+#include "varnok_events.h"
+
+/// The radar-altimeter unit: the handheld unit with the radar-altimeter board in it.
+///
+/// Board sequences take the board lock, shared by all processes that use the driver, once each and hold it to their
+/// end. A lock that cannot be taken is reported on standard output and the sequence goes on.
+class __attribute__((visibility("default"))) HARDWARE : public Handheld_Hardware {
+public:
+  /// Makes the unit without fans and opens its board. Throws what the handheld layer throws.
+  HARDWARE();
+  ~HARDWARE();
+
+  /// Opens the board driver, then registers with the power-supply driver. A board that cannot be opened ends the
+  /// process with exit status 1.
+  void Init();
+
+  /// Takes the board lock.
+  void Lock();
+  /// Gives the board lock back.
+  void UnLock();
+
+  /// Replaces `list` by the unit's ten versions; always 1. A part that cannot be read shows in its row's text.
+  int GetVersionList(std::vector<VERSIONSDATA>& list) override;
+
+  std::string i2c_command_str() override;
+  int write_hw(int handle, unsigned int space, unsigned int address, unsigned int value) override;
+  int read_hw(int handle, unsigned int space, unsigned int address, unsigned int* value) override;
+  /// -49.99 to 150.02 degrees Celsius; else the row says that the reading is not valid.
+  TEMPERATUREDATA rftemp() override;
+  /// The low 3 bits of `channel` count. Takes at least 450 microseconds under the board lock.
+  unsigned int get_RFAdc(unsigned int channel) override;
+  float getDigitalBoardTemp(float scale) override;
+
+private:
+  void select_rf_channel(unsigned int control, unsigned int selection);
+
+  Varnok::EngineEventMessage_i event_message_;
+};

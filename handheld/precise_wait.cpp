@@ -1,0 +1,34 @@
+#include "precise_wait.h"
+
+#include <sys/prctl.h>
+
+#include <boost/date_time/posix_time/posix_time_types.hpp>
+#include <boost/thread/thread.hpp>
+
+namespace {
+
+/// How long before the deadline to be awake: what waking up takes, with some to spare.
+const boost::posix_time::microseconds WAKE_UP_TIME(40);
+
+/// By default the kernel lets a thread's sleeps run 50 microseconds over; this takes the allowance away while it lives.
+class ExactTimers {
+public:
+  ExactTimers() : slack_ns_(prctl(PR_GET_TIMERSLACK)) { prctl(PR_SET_TIMERSLACK, 1UL); }
+  ~ExactTimers() { prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(slack_ns_)); }
+  ExactTimers(const ExactTimers&) = delete;
+  ExactTimers& operator=(const ExactTimers&) = delete;
+
+private:
+  int slack_ns_;
+};
+
+}  // namespace
+
+void WaitUntil(const boost::system_time& deadline) {
+  {
+    const ExactTimers exact;
+    boost::this_thread::sleep(deadline - WAKE_UP_TIME);
+  }
+  while (boost::get_system_time() < deadline) {
+  }
+}
