@@ -27,17 +27,3 @@ void HARDWARE::Init() {
   board_handle_ = handle;
   InitHardware();
 }
-
-namespace {
-
-/// Loading the library is the host's only way to ask for the object: it is made here, once, and never destroyed.
-struct Entry {
-  Entry() {
-    if (Hardware)
-      std::cerr << "so proxy err" << std::endl;
-    else
-      Hardware = new HARDWARE;
-  }
-} entry;
-
-}  // namespace

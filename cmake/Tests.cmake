@@ -1,0 +1,33 @@
+# project_test(<name> LABEL unit|contract|system SOURCES … LIBRARIES … [IN_PRIVATE_ROOT] [WITH_MAIN] [TIMEOUT s])
+#
+# One test program of GoogleTest, bin/tests/<name>, run by CTest under that name. IN_PRIVATE_ROOT runs it inside a fresh
+# private root, where the unit's fixed paths exist. WITH_MAIN: the sources bring their own main.
+find_package(GTest REQUIRED)
+
+set(TEST_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/tests)
+configure_file(${PROJECT_SOURCE_DIR}/tests/tsan.supp ${PROJECT_BINARY_DIR}/tsan.supp COPYONLY)
+configure_file(${PROJECT_SOURCE_DIR}/tests/cyclonedds.xml ${PROJECT_BINARY_DIR}/cyclonedds.xml COPYONLY)
+
+function(project_test name)
+  cmake_parse_arguments(TEST "IN_PRIVATE_ROOT;WITH_MAIN" "LABEL;TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${TEST_SOURCES})
+  target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} GTest::gmock project_warnings)
+  if(NOT TEST_WITH_MAIN)
+    target_link_libraries(${name} PRIVATE GTest::gmock_main)
+  endif()
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${TEST_OUTPUT_DIRECTORY})
+  if(TEST_IN_PRIVATE_ROOT)
+    set(build_folder /opt/unit)
+    add_test(NAME ${name} COMMAND unit exec -- /opt/unit/bin/tests/${name})
+  else()
+    set(build_folder ${PROJECT_BINARY_DIR})
+    add_test(NAME ${name} COMMAND ${name})
+  endif()
+  if(NOT TEST_TIMEOUT)
+    set(TEST_TIMEOUT 120)
+  endif()
+  set_tests_properties(${name} PROPERTIES
+    LABELS ${TEST_LABEL}
+    TIMEOUT ${TEST_TIMEOUT}
+    ENVIRONMENT "CYCLONEDDS_URI=file://${build_folder}/cyclonedds.xml;OMNIORB_CONFIG=/dev/null;TSAN_OPTIONS=suppressions=${build_folder}/tsan.supp:halt_on_error=1;ASAN_OPTIONS=detect_leaks=1;UBSAN_OPTIONS=print_stacktrace=1")
+endfunction()
