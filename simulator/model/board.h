@@ -25,11 +25,12 @@ public:
 
   /// The board as the driver sees it. An RF register (but for the last) shows what the last transfer of it brought.
   std::uint32_t read(std::uint32_t space, std::uint32_t address) noexcept;
-  /// False when the board has no room for one more register (4096 different ones).
+  /// False when the board has no room for one more register (4096 different ones, none at the very last address of
+  /// the very last space).
   bool write(std::uint32_t space, std::uint32_t address, std::uint32_t value) noexcept;
 
   /// The board from the workbench: sets and shows what a register holds, without its side effects. RF registers are
-  /// the RF board's own.
+  /// the RF board's own. False as write(), and for the request register.
   bool set_register(std::uint32_t space, std::uint32_t address, std::uint32_t value) noexcept;
   std::uint32_t register_value(std::uint32_t space, std::uint32_t address) const noexcept;
 
@@ -70,7 +71,7 @@ private:
   void latch(std::size_t index) noexcept;
   bool adc_addressed() const noexcept;
 
-  SharedMutex lock_;
+  SharedMutex lock_{SharedMutex::Kind::CHECKED};
   std::atomic<std::int32_t> handle_{3};
   std::atomic<bool> rf_present_{true};
   std::atomic<std::uint32_t> rf_transfer_us_{20};

@@ -57,11 +57,11 @@ enum class Point : std::uint32_t {
 enum class FaultKind : std::uint32_t {
   NONE,
   FAIL,      ///< the operation fails; value: the error number it fails with (0: EIO)
-  NO_REPLY,  ///< requests: the reply never comes
+  NO_REPLY,  ///< requests and calls of services: the reply never comes
   LATE,      ///< requests: the reply comes `value` milliseconds later than it would
   TWICE,     ///< requests: the reply comes twice
   SLOW,      ///< the call itself takes `value` milliseconds longer
-  GARBAGE,   ///< requests and reads: `value` is delivered in place of the right one
+  GARBAGE,   ///< requests, reads, dialogs: `value` is delivered in place of the right one; GetShutdown: nil
   COUNT
 };
 
@@ -112,6 +112,8 @@ private:
 
   Slot& slot(Point point) noexcept { return slots_[static_cast<std::size_t>(point)]; }
   const Slot& slot(Point point) const noexcept { return slots_[static_cast<std::size_t>(point)]; }
+
+  void update_watch() noexcept;
 
   mutable SharedMutex mutex_;
   Watch watch_;

@@ -34,6 +34,8 @@ public:
   std::uint64_t show(const std::string& title, const std::string& text, const std::string& buttons, bool waits);
   /// Sizes the newest dialog of that title; false where there is none.
   bool set_size(const std::string& title, const std::string& size);
+  /// Takes every dialog off the screen, as the end of the user interface's process does.
+  void clear();
   /// Waits for the dialog's answer; none when `limit` passes first or the dialog is no longer kept.
   std::optional<std::int32_t> wait_answer(std::uint64_t id, std::chrono::milliseconds limit) const;
 

@@ -54,7 +54,7 @@ public:
   /// Called by the driver once the handler of interrupt `number` has returned.
   void mark_interrupt_handled(std::uint64_t number) noexcept;
   /// Waits until some driver has handled interrupt `number`; false when `limit` passes first.
-  bool wait_interrupt_handled(std::uint64_t number, std::chrono::milliseconds limit) const noexcept;
+  bool wait_interrupt_handled(std::uint64_t number, std::chrono::milliseconds limit) const;
 
   /// Raised when a driver may have something to do.
   Signal& wake_up() noexcept { return wake_up_; }

@@ -44,8 +44,9 @@ public:
 
   /// Set by the services process once the naming service shows the behaviours set up to `changed` count `seen`.
   void mark_applied(std::uint32_t seen) noexcept;
-  /// Waits until what is set now has been applied; false when `limit` passes first.
-  bool wait_applied(std::chrono::milliseconds limit) const noexcept;
+  /// Waits until what is set now has been applied; false when `limit` passes first. False as well while the services
+  /// have not been started.
+  bool wait_applied(std::chrono::milliseconds limit) const;
 
 private:
   struct State {
@@ -55,7 +56,7 @@ private:
 
   std::array<State, static_cast<std::size_t>(Service::COUNT)> states_;
   Signal changed_;
-  std::atomic<std::uint32_t> applied_count_{0};
+  std::atomic<std::uint32_t> applied_count_{UINT32_MAX};
   Signal applied_;
 };
 

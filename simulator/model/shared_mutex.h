@@ -8,17 +8,22 @@ namespace simulator::model {
 /// as it stands. Lives in the unit's model; meets std::lock_guard's needs.
 class SharedMutex {
 public:
-  SharedMutex();
+  /// What taking it twice in one thread, or giving it back without holding it, does.
+  enum class Kind {
+    PLAIN,   ///< undefined; takers in different process-id namespaces never mistake each other
+    CHECKED  ///< refused with an error number
+  };
+
+  explicit SharedMutex(Kind kind = Kind::PLAIN);
   SharedMutex(const SharedMutex&) = delete;
   SharedMutex& operator=(const SharedMutex&) = delete;
 
   void lock();  ///< throws std::system_error where the operating system refuses
   void unlock();
 
-  /// As lock() and unlock(), with the result as an error number: 0, EDEADLK (taken twice by one thread), EPERM (given
-  /// back by a thread that does not hold it).
-  int try_take() noexcept;
-  int try_give() noexcept;
+  /// As lock() and unlock(), with the result as an error number: 0; of a CHECKED one also EDEADLK and EPERM.
+  int take() noexcept;
+  int give() noexcept;
 
 private:
   pthread_mutex_t mutex_;

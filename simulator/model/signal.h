@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -19,7 +20,27 @@ public:
   /// Sleeps until the count differs from `seen`, or `limit` has passed; may return early.
   void wait(std::uint32_t seen, std::chrono::nanoseconds limit) const noexcept;
 
+  /// Sleeps until `done()` is true, testing it whenever the count grows; false when `limit` passes first.
+  template <typename Done>
+  bool wait_until(Done done, std::chrono::nanoseconds limit) const {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::min<std::chrono::nanoseconds>(limit, LONGEST);
+    for (;;) {
+      const std::uint32_t seen = count();
+      if (done()) {
+        return true;
+      }
+      const auto left = deadline - Clock::now();
+      if (left <= Clock::duration::zero()) {
+        return false;
+      }
+      wait(seen, left);
+    }
+  }
+
 private:
+  static constexpr std::chrono::hours LONGEST{24 * 365};
+
   std::atomic<std::uint32_t> count_{0};
 };
 

@@ -31,8 +31,8 @@ public:
   /// kept until the process ends. Throws as open(); the next call then tries again.
   static UnitModel& of_this_unit();
 
-  UnitModel(UnitModel&& other) noexcept;
-  UnitModel& operator=(UnitModel&&) = delete;
+  UnitModel(const UnitModel&) = delete;
+  UnitModel& operator=(const UnitModel&) = delete;
   ~UnitModel();
 
   Board& board() noexcept { return shared_->board; }
@@ -77,7 +77,8 @@ private:
   };
 
   UnitModel(const std::string& path, Shared* shared);
-  static Shared* map(int descriptor);
+  static void prepare(const std::string& path, const UnitFile& values);
+  static void* map(int descriptor, const std::string& path);
 
   Shared* shared_;
   std::string run_folder_;
