@@ -70,6 +70,7 @@ void shut_down_everybody_engine(const Varnok::Locker& locker) {
   std::cout << "Shutting down everybody engine" << std::endl;
   attempt([&locker] {
     const Varnok::EverybodyEng::Shutdown_var engine = EverBdyPtr->GetShutdown();
+    if (CORBA::is_nil(engine.in())) return;
     if (!locker.core()) locker.Init_core();
     engine->ShutdownAll(*locker.core());
   });
