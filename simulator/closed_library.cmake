@@ -1,0 +1,22 @@
+# closed_library(<target> <VARIABLE> <what it is>) makes the target of a closed library: the one at the path that the
+# cache variable holds, as an imported target, else nothing. Sets <VARIABLE>_STANDS_IN where the stand-in is to be built.
+function(closed_library target variable what)
+  set(${variable} "" CACHE FILEPATH "Path of the real ${what}; empty builds the simulated unit's stand-in")
+  if(NOT ${variable})
+    set(${variable}_STANDS_IN TRUE PARENT_SCOPE)
+    return()
+  endif()
+  if(NOT EXISTS ${${variable}})
+    message(FATAL_ERROR "${variable} is \"${${variable}}\": no such file")
+  endif()
+  set(${variable}_STANDS_IN FALSE PARENT_SCOPE)
+  add_library(${target} SHARED IMPORTED GLOBAL)
+  set_target_properties(${target} PROPERTIES IMPORTED_LOCATION ${${variable}})
+endfunction()
+
+# stand_in_exports(<target> <map>) keeps everything but the symbols of the map file inside the library.
+function(stand_in_exports target map)
+  target_link_options(${target} PRIVATE
+    -Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/${map} -Wl,--exclude-libs,ALL -Wl,-z,nodelete)
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${map})
+endfunction()

@@ -1,0 +1,202 @@
+#include "simulator/drivers/psdriver_link.h"
+
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <exception>
+
+namespace {
+
+using simulator::model::Fault;
+using simulator::model::FaultKind;
+using simulator::model::Point;
+using simulator::model::PowerSupply;
+using simulator::model::Reply;
+using simulator::model::UnitModel;
+
+constexpr std::chrono::hours IDLE{1};
+/// How long the exiting process lets a running call-back finish.
+constexpr std::chrono::milliseconds LAST_CALL{100};
+
+Point point_of(Point first, Reply kind) {
+  return static_cast<Point>(static_cast<std::uint32_t>(first) + static_cast<std::uint32_t>(kind));
+}
+
+Point request_point(Reply kind) {
+  return point_of(Point::GET_BATTERY_RELATIVE_STATE_OF_CHARGE, kind);
+}
+
+[[noreturn]] void refuse(Point point, int error) {
+  throw psdriverError(std::string(name_of(point)) + ": " + std::strerror(error));
+}
+
+/// Crosses at the point; throws psdriverError where its fault fails the operation or the record cannot be written, else
+/// hands the fault on.
+Fault cross(UnitModel& unit, Point point, const std::string& args) {
+  Fault fault;
+  try {
+    fault = unit.cross(point, args);
+  } catch (const std::exception& error) {
+    throw psdriverError(error.what());
+  }
+  if (fault.kind == FaultKind::FAIL) {
+    refuse(point, fault.value == 0 ? EIO : fault.value);
+  }
+  return fault;
+}
+
+/// Records a call-back. One that cannot be recorded happens all the same.
+void record(UnitModel& unit, Point point, const std::string& args) noexcept {
+  try {
+    unit.cross(point, args);
+  } catch (const std::exception&) {
+  }
+}
+
+UnitModel& opened_unit(const std::string& device) {
+  try {
+    UnitModel& unit = UnitModel::of_this_unit();
+    cross(unit, Point::PSDRIVER_OPEN, "{\"device\":" + simulator::model::json_text(device) + "}");
+    if (::access(device.c_str(), F_OK) != 0) {
+      throw psdriverError(device + ": " + std::strerror(errno));
+    }
+    return unit;
+  } catch (const psdriverError&) {
+    throw;
+  } catch (const std::exception& error) {
+    throw psdriverError(error.what());
+  }
+}
+
+std::string value_args(int value) {
+  return "{\"value\":" + std::to_string(value) + "}";
+}
+
+}  // namespace
+
+psdriver::Link::Link(const std::string& device)
+    : unit_(opened_unit(device)), next_interrupt_(unit_.power_supply().interrupts_raised() + 1) {
+  thread_ = std::thread([this] { run(); });
+  simulator::drivers::silence_at_exit(*this);
+}
+
+psdriver::Link::~Link() {
+  simulator::drivers::forget_at_exit(*this);
+  stopping_.store(true);
+  unit_.power_supply().wake_up().raise();
+  thread_.join();
+}
+
+void psdriver::Link::register_reply(Reply kind, Callback reply) {
+  cross(unit_, point_of(Point::SET_BATTERY_RELATIVE_STATE_OF_CHARGE_CALLBACK, kind), "{}");
+  replies_[static_cast<std::size_t>(kind)].store(reply);
+}
+
+void psdriver::Link::register_interrupt(Callback handler) {
+  cross(unit_, Point::SET_SWITCH_INTERRUPT_CALLBACK, "{}");
+  interrupt_.store(handler);
+}
+
+void psdriver::Link::request(Reply kind) {
+  const Fault fault = cross(unit_, request_point(kind), "{}");
+  if (fault.kind == FaultKind::NO_REPLY) {
+    return;
+  }
+  Delivery delivery{kind, std::nullopt};
+  if (fault.kind == FaultKind::GARBAGE) {
+    delivery.garbage = fault.value;
+  }
+  enqueue(delivery, std::chrono::milliseconds(fault.kind == FaultKind::LATE ? fault.value : 0));
+  if (fault.kind == FaultKind::TWICE) {
+    enqueue(delivery, std::chrono::milliseconds(0));
+  }
+}
+
+void psdriver::Link::set_led_status(int status) {
+  cross(unit_, Point::SET_SYSTEM_LED_STATUS, value_args(status));
+  unit_.power_supply().set_led_status(status);
+}
+
+void psdriver::Link::set_communication_status(int status) {
+  cross(unit_, Point::SET_USER_INTERFACE_COMMUNICATION_STATUS, value_args(status));
+  unit_.power_supply().set_communication_status(status);
+}
+
+void psdriver::Link::enqueue(const Delivery& delivery, std::chrono::milliseconds lateness) {
+  {
+    const std::lock_guard guard(mutex_);
+    last_due_ = std::max(last_due_, Clock::now() + unit_.power_supply().reply_delay());
+    outstanding_.emplace(last_due_ + lateness, delivery);
+  }
+  unit_.power_supply().wake_up().raise();
+}
+
+void psdriver::Link::run() {
+  ::prctl(PR_SET_TIMERSLACK, 1UL);
+  while (!stopping_.load()) {
+    const std::uint32_t seen = unit_.power_supply().wake_up().count();
+    if (!deliver_reply() && !deliver_interrupt() && !stopping_.load()) {
+      unit_.power_supply().wake_up().wait(seen, until_next_reply());
+    }
+  }
+}
+
+std::chrono::nanoseconds psdriver::Link::until_next_reply() {
+  const std::lock_guard guard(mutex_);
+  return outstanding_.empty() ? IDLE : outstanding_.begin()->first - Clock::now();
+}
+
+bool psdriver::Link::deliver_reply() {
+  std::unique_lock guard(mutex_);
+  if (outstanding_.empty() || outstanding_.begin()->first > Clock::now()) {
+    return false;
+  }
+  const Delivery due = outstanding_.begin()->second;
+  outstanding_.erase(outstanding_.begin());
+  guard.unlock();
+  const int value = due.garbage.value_or(unit_.power_supply().reply(due.kind));
+  if (unit_.watched()) {
+    record(unit_, Point::PSDRIVER_REPLY,
+           "{\"to\":" + simulator::model::json_text(name_of(request_point(due.kind))) +
+               ",\"value\":" + std::to_string(value) + "}");
+  }
+  call(replies_[static_cast<std::size_t>(due.kind)].load(), value);
+  return true;
+}
+
+bool psdriver::Link::deliver_interrupt() {
+  PowerSupply& power_supply = unit_.power_supply();
+  const std::uint64_t raised = power_supply.interrupts_raised();
+  if (raised < next_interrupt_) {
+    return false;
+  }
+  if (raised - next_interrupt_ >= PowerSupply::INTERRUPTS_KEPT) {
+    next_interrupt_ = raised - PowerSupply::INTERRUPTS_KEPT + 1;
+  }
+  const int value = power_supply.interrupt(next_interrupt_).value();
+  if (unit_.watched()) {
+    record(unit_, Point::PSDRIVER_INTERRUPT, value_args(value));
+  }
+  call(interrupt_.load(), value);
+  power_supply.mark_interrupt_handled(next_interrupt_++);
+  return true;
+}
+
+void psdriver::Link::call(Callback callback, int value) {
+  calling_.store(true);
+  if (callback != nullptr && !silent_.load()) {
+    callback(value);
+  }
+  calling_.store(false);
+}
+
+void psdriver::Link::fall_silent() noexcept {
+  silent_.store(true);
+  const auto deadline = Clock::now() + LAST_CALL;
+  while (calling_.load() && std::this_thread::get_id() != thread_.get_id() && Clock::now() < deadline) {
+    std::this_thread::yield();
+  }
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <psdriver.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "simulator/drivers/psdriver_exit.h"
+#include "simulator/model/unit_model.h"
+
+/// The stand-in's link to the unit's controller: the queue of outstanding replies and the thread that delivers them and
+/// the switch interrupts. Any thread may use it, also from within a call-back; only its destruction may not.
+class psdriver::Link final : public simulator::drivers::Caller {
+public:
+  /// Throws psdriverError where the device does not exist or refuses.
+  explicit Link(const std::string& device);
+  ~Link();
+  Link(const Link&) = delete;
+  Link& operator=(const Link&) = delete;
+
+  /// Throw psdriverError where the operation's fault point says so; nothing has happened then.
+  void register_reply(simulator::model::Reply kind, Callback reply);
+  void register_interrupt(Callback handler);
+  void request(simulator::model::Reply kind);
+  void set_led_status(int status);
+  void set_communication_status(int status);
+
+  void fall_silent() noexcept override;
+
+private:
+  using Clock = std::chrono::steady_clock;
+
+  /// One reply to come.
+  struct Delivery {
+    simulator::model::Reply kind;
+    std::optional<int> garbage;  ///< delivered in place of the controller's value
+  };
+
+  void enqueue(const Delivery& delivery, std::chrono::milliseconds lateness);
+  void run();
+  bool deliver_reply();
+  bool deliver_interrupt();
+  void call(Callback callback, int value);
+  std::chrono::nanoseconds until_next_reply();
+
+  simulator::model::UnitModel& unit_;
+  std::array<std::atomic<Callback>, static_cast<std::size_t>(simulator::model::Reply::COUNT)> replies_{};
+  std::atomic<Callback> interrupt_{nullptr};
+  std::uint64_t next_interrupt_;
+  std::mutex mutex_;
+  std::multimap<Clock::time_point, Delivery> outstanding_;
+  Clock::time_point last_due_{};
+  std::atomic<bool> stopping_{false};
+  std::atomic<bool> silent_{false};
+  std::atomic<bool> calling_{false};
+  std::thread thread_;
+};
