@@ -1,0 +1,18 @@
+#include "simulator/framework/crossing.h"
+
+#include <exception>
+
+#include "simulator/model/unit_model.h"
+
+namespace simulator::framework {
+
+model::Fault cross(model::Point point, const std::string& args) noexcept {
+  try {
+    model::UnitModel& unit = model::UnitModel::of_this_unit();
+    return unit.watched() ? unit.cross(point, args) : model::Fault{};
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
+}  // namespace simulator::framework
