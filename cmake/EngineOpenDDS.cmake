@@ -1,9 +1,13 @@
 # The genuine engine: OpenDDS on ACE and TAO. It is found by its own CMake package where it has one (OpenDDS 3.14 and
 # later), else by the environment variables that OpenDDS's setenv script sets.
 #   dcps          the DCPS API and CORBA; its headers are system headers
-#   dcps_runtime  copies the engine's shared libraries beside ours, so that the build folder runs where only it is seen
+#   dcps_runtime  copies the engine's shared libraries beside ours, so that the build folder runs where only it is seen.
+#                 The engine loads some of them by name: LD_LIBRARY_PATH has to hold their folder.
 
-find_package(OpenDDS CONFIG QUIET)
+# The package refuses to be found a second time.
+if(NOT OpenDDS_FOUND)
+  find_package(OpenDDS CONFIG QUIET)
+endif()
 if(OpenDDS_FOUND)
   set(dcps_origin "the CMake package in ${OpenDDS_DIR}")
 elseif(DEFINED ENV{DDS_ROOT} AND DEFINED ENV{ACE_ROOT} AND DEFINED ENV{TAO_ROOT})
@@ -26,13 +30,17 @@ set(dcps_library_hints ${OPENDDS_LIB_DIR} ${DDS_ROOT}/lib ${ACE_LIB_DIR} ${TAO_L
 set(dcps_header_hints
   ${OPENDDS_INCLUDE_DIRS} ${OPENDDS_INCLUDE_DIR} ${DDS_ROOT} ${ACE_INCLUDE_DIRS} ${ACE_INCLUDE_DIR} ${ACE_ROOT}
   ${TAO_INCLUDE_DIRS} ${TAO_INCLUDE_DIR} ${TAO_ROOT} ${TAO_ROOT}/orbsvcs)
+foreach(hints dcps_program_hints dcps_library_hints dcps_header_hints)
+  list(REMOVE_DUPLICATES ${hints})
+  list(JOIN ${hints} " " ${hints}_text)
+endforeach()
 set(dcps_missing)
 
 foreach(program opendds_idl tao_idl ace_gperf)
   string(TOUPPER DCPS_${program} variable)
   find_program(${variable} ${program} HINTS ${dcps_program_hints} NO_DEFAULT_PATH)
   if(NOT ${variable})
-    list(APPEND dcps_missing "program ${program} in ${dcps_program_hints}")
+    list(APPEND dcps_missing "program ${program} in ${dcps_program_hints_text}")
   endif()
 endforeach()
 
@@ -43,7 +51,7 @@ foreach(header ace/ACE.h tao/corba.h orbsvcs/CosNamingC.h dds/DCPS/Service_Parti
   if(${variable})
     list(APPEND dcps_include_dirs ${${variable}})
   else()
-    list(APPEND dcps_missing "header ${header} in ${dcps_header_hints}")
+    list(APPEND dcps_missing "header ${header} in ${dcps_header_hints_text}")
   endif()
 endforeach()
 list(REMOVE_DUPLICATES dcps_include_dirs)
@@ -52,14 +60,14 @@ list(REMOVE_DUPLICATES dcps_include_dirs)
 set(dcps_libraries)
 set(dcps_library_files)
 foreach(library OpenDDS_Rtps_Udp OpenDDS_Rtps OpenDDS_Dcps TAO_CosNaming TAO_Svc_Utils TAO_PortableServer
-    TAO_BiDirGIOP TAO_PI TAO_CodecFactory TAO_Valuetype TAO_AnyTypeCode TAO ACE)
+    TAO_BiDirGIOP TAO_PI TAO_CodecFactory TAO_Valuetype TAO_AnyTypeCode TAO_Codeset TAO ACE)
   string(REGEX REPLACE "^(OpenDDS|TAO)_" "\\1::" package_target ${library})
   if(library MATCHES "^(TAO|ACE)$")
     set(package_target ${library}::${library})
   endif()
   find_library(DCPS_LIBRARY_${library} ${library} HINTS ${dcps_library_hints} NO_DEFAULT_PATH)
   if(NOT DCPS_LIBRARY_${library})
-    list(APPEND dcps_missing "library ${library} in ${dcps_library_hints}")
+    list(APPEND dcps_missing "library ${library} in ${dcps_library_hints_text}")
   elseif(TARGET ${package_target})
     list(APPEND dcps_libraries ${package_target})
   else()
@@ -79,8 +87,6 @@ target_include_directories(dcps INTERFACE ${PROJECT_SOURCE_DIR}/dcps/opendds/inc
 target_include_directories(dcps SYSTEM INTERFACE ${dcps_include_dirs})
 # The engine's libraries are made with its inline files inlined; whoever uses its headers has to do the same.
 target_compile_definitions(dcps INTERFACE __ACE_INLINE__)
-# The transport and the discovery are reached by name only.
-target_link_options(dcps INTERFACE LINKER:--no-as-needed)
 target_link_libraries(dcps INTERFACE ${dcps_libraries} Threads::Threads)
 
 set(dcps_runtime_files)

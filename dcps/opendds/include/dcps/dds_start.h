@@ -1,19 +1,16 @@
 #pragma once
 
+#include <dds/DCPS/Service_Participant.h>
+
 #include <cstdlib>
 #include <string>
-
-#include <dds/DCPS/RTPS/RtpsDiscovery.h>
-#include <dds/DCPS/Service_Participant.h>
-#include <dds/DCPS/transport/rtps_udp/RtpsUdpLoader.h>
 
 namespace dcps {
 
 /// Starts the process's DDS, or returns the factory of the one that is started; the caller owns the reference.
-/// Transport and discovery are what the configuration file named by the environment variable DCPSConfigFile says; the
-/// RTPS ones are there to be named. Nil where it cannot be started. Any thread.
+/// Transport and discovery are what the configuration file named by the environment variable DCPSConfigFile says, the
+/// engine's own defaults without it. Nil where it cannot be started. Any thread.
 inline DDS::DomainParticipantFactory_ptr start_dds() {
-  OpenDDS::DCPS::RtpsUdpLoader::load();
   const char* file = std::getenv("DCPSConfigFile");
   if (file == nullptr) {
     return TheParticipantFactory;
