@@ -37,14 +37,9 @@ void Child::start() {
   char* arguments[] = {program.data(), only.data(), name.data(), report.data(), descriptor.data(), nullptr};
 
   posix_spawn_file_actions_t actions;
-  posix_spawnattr_t attributes;
   ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawnattr_init(&attributes);
   ::posix_spawn_file_actions_adddup2(&actions, ends[1], REPORT_DESCRIPTOR);
-  ::posix_spawnattr_setsigmask(&attributes, &signals_);
-  ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  const int error = ::posix_spawn(&process_, "/proc/self/exe", &actions, &attributes, arguments, environ);
-  ::posix_spawnattr_destroy(&attributes);
+  const int error = ::posix_spawn(&process_, "/proc/self/exe", &actions, nullptr, arguments, environ);
   ::posix_spawn_file_actions_destroy(&actions);
   ::close(ends[1]);
   if (error != 0) {
@@ -71,6 +66,10 @@ std::optional<int> Child::take_reports() {
   }
 }
 
+bool Child::was_killed(int status) {
+  return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
 int Child::reap() {
   int status = 0;
   while (::waitpid(process_, &status, 0) < 0 && errno == EINTR) {
@@ -87,7 +86,8 @@ void Child::ask_to_end() const {
   }
 }
 
-void Child::await_end(std::chrono::steady_clock::time_point deadline) {
+bool Child::await_end(std::chrono::steady_clock::time_point deadline) {
+  std::optional<int> status;
   while (alive()) {
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now()).count();
@@ -95,10 +95,11 @@ void Child::await_end(std::chrono::steady_clock::time_point deadline) {
     if (left <= 0 || ::poll(&reports, 1, static_cast<int>(left)) == 0) {
       ::kill(process_, SIGKILL);
       reap();
-    } else {
-      take_reports();
+      return false;
     }
+    status = take_reports();
   }
+  return !status || *status == 0 || was_killed(*status);
 }
 
 }  // namespace simulator::services

@@ -85,7 +85,7 @@ public:
     PortableServer::POAManager_var manager = poa->the_POAManager();
     manager->activate();
     for (int i = 0; i < ORB_THREADS; ++i) {
-      threads_.emplace_back([orb = orb_.in()] { orb->run(); });
+      threads_.emplace_back([this] { serve(); });
     }
   }
 
@@ -105,6 +105,15 @@ public:
   CORBA::Object_ptr reference() const { return reference_; }
 
 private:
+  /// Runs the ORB on the calling thread; a thread that comes to it only after its shutdown has nothing left to do.
+  void serve() {
+    try {
+      orb_->run();
+    } catch (const CORBA::BAD_INV_ORDER&) {
+      return;
+    }
+  }
+
   Ending ending_;
   CORBA::ORB_var orb_;
   PortableServer::ServantBase_var servant_;

@@ -2,7 +2,6 @@
 
 #include <poll.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <time.h>
 
 #include <algorithm>
@@ -46,7 +45,7 @@ public:
   Supervisor(model::Services& services, const sigset_t& awake_signals)
       : services_(services), awake_signals_(awake_signals) {
     for (std::uint32_t i = 0; i < static_cast<std::uint32_t>(Service::COUNT); ++i) {
-      children_.emplace_back(static_cast<Service>(i), awake_signals);
+      children_.emplace_back(static_cast<Service>(i));
     }
   }
 
@@ -57,8 +56,7 @@ public:
       sleep();
       well = take_reports();
     }
-    end_all();
-    return well ? 0 : 1;
+    return end_all() && well ? 0 : 1;
   }
 
 private:
@@ -90,25 +88,28 @@ private:
     ::ppoll(reports.data(), reports.size(), all_alive ? nullptr : &LOOK_UP_INTERVAL, &awake_signals_);
   }
 
-  /// False where a service has ended otherwise than by being killed.
+  /// False where a service has failed.
   bool take_reports() {
     for (Child& child : children_) {
       const std::optional<int> status = child.alive() ? child.take_reports() : std::nullopt;
-      if (status && !(WIFSIGNALED(*status) && WTERMSIG(*status) == SIGKILL)) {
-        return end_asked != 0;
+      if (status && *status != 0 && !Child::was_killed(*status)) {
+        return false;
       }
     }
     return true;
   }
 
-  void end_all() {
+  /// False where a service did not end in order.
+  bool end_all() {
     const auto deadline = std::chrono::steady_clock::now() + ENDING_GRACE;
     for (const Child& child : children_) {
       child.ask_to_end();
     }
+    bool in_order = true;
     for (Child& child : children_) {
-      child.await_end(deadline);
+      in_order = child.await_end(deadline) && in_order;
     }
+    return in_order;
   }
 
   model::Services& services_;
