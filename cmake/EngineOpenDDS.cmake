@@ -1,8 +1,7 @@
 # The genuine engine: OpenDDS on ACE and TAO. It is found by its own CMake package where it has one (OpenDDS 3.14 and
 # later), else by the environment variables that OpenDDS's setenv script sets.
 #   dcps          the DCPS API and CORBA; its headers are system headers
-#   dcps_runtime  copies the engine's shared libraries beside ours, so that the build folder runs where only it is seen.
-#                 The engine loads some of them by name: LD_LIBRARY_PATH has to hold their folder.
+#   dcps_runtime  copies the engine's shared libraries beside ours, so that the build folder runs where only it is seen
 
 # The package refuses to be found a second time.
 if(NOT OpenDDS_FOUND)
@@ -87,6 +86,10 @@ target_include_directories(dcps INTERFACE ${PROJECT_SOURCE_DIR}/dcps/opendds/inc
 target_include_directories(dcps SYSTEM INTERFACE ${dcps_include_dirs})
 # The engine's libraries are made with its inline files inlined; whoever uses its headers has to do the same.
 target_compile_definitions(dcps INTERFACE __ACE_INLINE__)
+# The engine's libraries name no folder for those that they need and those that they load by name. The old kind of run
+# path in ours holds for them too; the new kind would not.
+target_link_options(dcps INTERFACE LINKER:--disable-new-dtags)
+set(CMAKE_BUILD_RPATH "$ORIGIN")
 target_link_libraries(dcps INTERFACE ${dcps_libraries} Threads::Threads)
 
 set(dcps_runtime_files)
