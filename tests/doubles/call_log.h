@@ -1,0 +1,35 @@
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace doubles {
+
+/// What the doubles were asked to do, one text a call, in the order in which it happened whichever double was asked.
+/// Any thread.
+class CallLog {
+public:
+  void record(const std::string& call);
+  /// Every call since the last clear().
+  std::vector<std::string> all() const;
+  /// Those that begin with `prefix`.
+  std::vector<std::string> starting_with(const std::string& prefix) const;
+  unsigned int count(const std::string& call) const;
+  void clear();
+  /// Waits until `call` has been recorded `times` times; false after ten seconds.
+  bool wait_for(const std::string& call, unsigned int times = 1) const;
+
+private:
+  mutable std::mutex mutex_;
+  mutable std::condition_variable recorded_;
+  std::vector<std::string> calls_;
+};
+
+/// The log that all doubles write to. Usable during static initialisation and at exit.
+CallLog& calls();
+
+using Calls = std::vector<std::string>;
+
+}  // namespace doubles

@@ -1,0 +1,69 @@
+#include "failing_allocation.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace doubles {
+
+namespace {
+
+thread_local unsigned int allocations_left = 0;
+thread_local bool failed = false;
+std::atomic<long> living{0};
+
+void* allocate(std::size_t size) {
+  if (allocations_left > 0 && --allocations_left == 0) {
+    failed = true;
+    throw std::bad_alloc();
+  }
+  void* const memory = std::malloc(size > 0 ? size : 1);
+  if (!memory) throw std::bad_alloc();
+  ++living;
+  return memory;
+}
+
+void release(void* memory) {
+  if (memory) --living;
+  std::free(memory);
+}
+
+}  // namespace
+
+FailingAllocation::FailingAllocation(unsigned int nth) {
+  failed = false;
+  allocations_left = nth;
+}
+
+FailingAllocation::~FailingAllocation() {
+  allocations_left = 0;
+}
+
+bool FailingAllocation::has_failed() const {
+  return failed;
+}
+
+long living_allocations() {
+  return living;
+}
+
+}  // namespace doubles
+
+void* operator new(std::size_t size) {
+  return doubles::allocate(size);
+}
+void* operator new[](std::size_t size) {
+  return doubles::allocate(size);
+}
+void operator delete(void* memory) noexcept {
+  doubles::release(memory);
+}
+void operator delete[](void* memory) noexcept {
+  doubles::release(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+  doubles::release(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+  doubles::release(memory);
+}

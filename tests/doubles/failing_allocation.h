@@ -1,0 +1,22 @@
+#pragma once
+
+/// The program's operator new, replaced by one that can be told to fail. Linking this double replaces it for the whole
+/// program.
+namespace doubles {
+
+/// The `nth` allocation that this thread makes from now on throws std::bad_alloc, once. One at a time a thread.
+class FailingAllocation {
+public:
+  explicit FailingAllocation(unsigned int nth);
+  ~FailingAllocation();
+  FailingAllocation(const FailingAllocation&) = delete;
+  FailingAllocation& operator=(const FailingAllocation&) = delete;
+
+  /// Whether the allocation has come and failed.
+  bool has_failed() const;
+};
+
+/// Allocations by operator new that are alive in the whole program.
+long living_allocations();
+
+}  // namespace doubles

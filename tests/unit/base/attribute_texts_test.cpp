@@ -1,0 +1,73 @@
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <string>
+
+#include "plain_hardware.h"
+
+namespace {
+
+using Text = std::unique_ptr<char[]>;
+
+class AttributeTextsTest : public testing::Test {
+protected:
+  PlainHardware unit_ = quiet_unit();
+
+  template <typename... Arguments>
+  std::string text_of(Arguments... arguments) {
+    const Text text(unit_.attrib_enum_str_helper(arguments...));
+    return text.get();
+  }
+};
+
+TEST_F(AttributeTextsTest, LabelAndValueAreJoinedByColonAndBlank) {
+  EXPECT_EQ(text_of(std::string("Mode"), std::string("Auto")), "Mode: Auto");
+}
+
+TEST_F(AttributeTextsTest, AnEmptyLabelGivesTheEmptyTextWhateverTheValue) {
+  EXPECT_EQ(text_of(std::string(), std::string("a value that is longer than five bytes")), "");
+}
+
+TEST_F(AttributeTextsTest, AnEmptyValueLeavesTheLabelWithColonAndBlank) {
+  EXPECT_EQ(text_of(std::string("Mode"), std::string()), "Mode: ");
+}
+
+TEST_F(AttributeTextsTest, PercentSignsOfLabelAndValueStayAsTheyAre) {
+  EXPECT_EQ(text_of(std::string("%s"), std::string("100%%")), "%s: 100%%");
+}
+
+TEST_F(AttributeTextsTest, ANumberStandsInUpperCaseHexadecimalInEightPlaces) {
+  EXPECT_EQ(text_of(std::string("Mode"), 255), "Mode:       FF");
+}
+
+TEST_F(AttributeTextsTest, ANegativeNumberFillsItsEightPlaces) {
+  EXPECT_EQ(text_of(std::string("Mode"), -1), "Mode: FFFFFFFF");
+}
+
+TEST_F(AttributeTextsTest, NumberZeroIsPaddedWithBlanks) {
+  EXPECT_EQ(text_of(std::string("Mode"), 0), "Mode:        0");
+}
+
+TEST_F(AttributeTextsTest, AnEmptyLabelDoesNotEmptyTheTextOfANumber) {
+  EXPECT_EQ(text_of(std::string(), 0xAB), ":       AB");
+}
+
+TEST_F(AttributeTextsTest, APlainTextComesBackAsItIs) {
+  EXPECT_EQ(text_of(std::string("Reference: external")), "Reference: external");
+}
+
+TEST_F(AttributeTextsTest, AnEmptyTextGivesTheEmptyText) {
+  EXPECT_EQ(text_of(std::string()), "");
+}
+
+TEST_F(AttributeTextsTest, APercentSignOfTheSingleTextIsExpanded) {
+  EXPECT_EQ(text_of(std::string("Duty 50%%")), "Duty 50%");
+}
+
+TEST_F(AttributeTextsTest, EveryCallGivesABufferOfItsOwn) {
+  const Text first(unit_.attrib_enum_str_helper(std::string("Mode"), std::string("Auto")));
+  const Text second(unit_.attrib_enum_str_helper(std::string("Mode"), std::string("Auto")));
+  EXPECT_NE(first.get(), second.get());
+}
+
+}  // namespace
