@@ -1,0 +1,97 @@
+// The process that defines `Hardware`, loads the hardware library and calls its operations by request.
+
+#include <signal.h>
+
+#include <cstddef>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "base_hardware.h"
+#include "library.h"
+#include "requests.h"
+#include "server.h"
+
+namespace {
+
+constexpr int status_not_loaded = 1;
+constexpr int status_bad_usage = 2;
+
+struct Options {
+  std::vector<std::string> libraries{"/opt/unit/lib/libradalt_hardware.so"};
+  std::string socket = "/run/unit/host.sock";
+  bool preset_hardware = false;
+  bool load_only = false;
+};
+
+/// The running server, for signal handlers.
+host::Server* server_to_leave = nullptr;
+
+void leave_on_signal(int) {
+  server_to_leave->leave();
+}
+
+/// What `Hardware` points to before loading, on request: never called, only compared.
+BASE_HARDWARE* stand_in() {
+  alignas(std::max_align_t) static unsigned char bytes[sizeof(BASE_HARDWARE)] = {};
+  return reinterpret_cast<BASE_HARDWARE*>(bytes);
+}
+
+void serve(const Options& options) {
+  host::Server* server = nullptr;
+  // Both outlive this function: a call that never returns keeps a thread in them until the process has ended.
+  auto* requests = new host::Requests({options.preset_hardware, [&server] { server->leave(); }});
+  server = new host::Server(options.socket, [requests](const std::string& line) { return requests->serve(line); });
+  server_to_leave = server;
+  for (const int number : {SIGTERM, SIGINT}) {
+    struct sigaction action {};
+    action.sa_handler = leave_on_signal;
+    action.sa_flags = SA_RESTART;
+    sigaction(number, &action, nullptr);
+  }
+  server->run();
+}
+
+int run(const Options& options) {
+  if (options.preset_hardware) {
+    Hardware = stand_in();
+  }
+  try {
+    for (const std::string& library : options.libraries) {
+      host::load_library(library);
+    }
+  } catch (const host::LoadError& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return status_not_loaded;
+  }
+  if (!options.load_only) {
+    serve(options);
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  CLI::App app("Loads the hardware library and calls its operations by request.", "unit-host");
+  app.add_option("--library", options.libraries, "library to load; several are loaded one after the other")
+      ->capture_default_str();
+  app.add_option("--socket", options.socket, "UNIX socket on which requests are served")->capture_default_str();
+  app.add_flag("--preset-hardware", options.preset_hardware, "set Hardware to a stand-in before loading");
+  app.add_flag("--load-only", options.load_only, "load, serve nothing, and leave");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : status_bad_usage;
+  }
+  try {
+    return run(options);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "unit-host: %s\n", error.what());
+    return status_not_loaded;
+  }
+}

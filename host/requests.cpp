@@ -1,0 +1,145 @@
+#include "requests.h"
+
+#include <cxxabi.h>
+
+#include <array>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+
+#include "operation.h"
+
+namespace host {
+namespace {
+
+using nlohmann::json;
+
+constexpr int longest_wait_ms = 60'000;
+
+std::array<const std::vector<Operation>*, 4> all_operations() {
+  return {&list_operations(), &power_operations(), &setting_operations(), &board_operations()};
+}
+
+json describe_operations() {
+  json names = json::array();
+  for (const std::vector<Operation>* group : all_operations()) {
+    for (const Operation& operation : *group) {
+      names.push_back({{"call", operation.name}, {"args", operation.arguments}});
+    }
+  }
+  return {{"operations", names}};
+}
+
+/// The exception that is being handled, as the answer shows it.
+json describe_exception() {
+  const std::type_info* type = abi::__cxa_current_exception_type();
+  const std::unique_ptr<char, void (*)(void*)> name(abi::__cxa_demangle(type->name(), nullptr, nullptr, nullptr),
+                                                    std::free);
+  json description = {{"type", name ? name.get() : type->name()}};
+  try {
+    throw;
+  } catch (const std::exception& error) {
+    description["what"] = error.what();
+  } catch (...) {
+    description["what"] = nullptr;
+  }
+  return {{"exception", description}};
+}
+
+/// A request in its parts.
+struct Request {
+  json id;
+  std::string call;
+  json arguments = json::array();
+};
+
+Request read_request(const std::string& line) {
+  Request request;
+  const json whole = json::parse(line, nullptr, false);
+  if (whole.is_discarded() || !whole.is_object()) {
+    throw RequestError(
+        "request: expected one JSON object on one line, such as {\"id\":1,\"call\":\"GetBW\",\"args\":[]}");
+  }
+  for (const auto& [key, value] : whole.items()) {
+    if (key == "id") {
+      request.id = value;
+    } else if (key == "call" && value.is_string()) {
+      request.call = value.get<std::string>();
+    } else if (key == "args" && value.is_array()) {
+      request.arguments = value;
+    } else {
+      throw RequestError("request: key \"" + key +
+                         "\": expected \"id\", \"call\" with a text or \"args\" with an array");
+    }
+  }
+  if (request.call.empty()) {
+    throw RequestError("request: expected the key \"call\" with the name of an operation");
+  }
+  return request;
+}
+
+json call_operation(const Operation& operation, const Arguments& arguments, bool preset) {
+  if (Hardware == nullptr) {
+    throw RequestError(std::string(operation.name) + ": there is no hardware object");
+  }
+  if (preset) {
+    throw RequestError(std::string(operation.name) + ": the hardware object is the host's stand-in");
+  }
+  try {
+    return operation.call(*Hardware, arguments);
+  } catch (const RequestError&) {
+    throw;
+  } catch (abi::__forced_unwind&) {
+    throw;
+  } catch (...) {
+    return describe_exception();
+  }
+}
+
+}  // namespace
+
+const Operation* find_operation(const std::string& name) {
+  for (const std::vector<Operation>* group : all_operations()) {
+    for (const Operation& operation : *group) {
+      if (name == operation.name) {
+        return &operation;
+      }
+    }
+  }
+  return nullptr;
+}
+
+std::string Requests::serve(const std::string& line) {
+  json id;
+  json answer;
+  try {
+    const Request request = read_request(line);
+    id = request.id;
+    const Arguments arguments(request.call, request.arguments);
+    if (request.call == "operations") {
+      answer = describe_operations();
+    } else if (request.call == "hardware") {
+      answer = {{"result", Hardware == nullptr ? "none" : host_.preset ? "preset" : "set"}};
+    } else if (request.call == "external_voltage") {
+      arguments.at_most(1);
+      const int wait_ms = arguments.count() > 0 ? arguments.number(0, "longest wait in ms") : 0;
+      answer = {{"result", external_voltage_.value(std::chrono::milliseconds(std::min(wait_ms, longest_wait_ms)))}};
+    } else if (request.call == "leave") {
+      host_.leave();
+      answer = json::object();
+    } else if (const Operation* operation = find_operation(request.call)) {
+      answer = call_operation(*operation, arguments, host_.preset);
+    } else {
+      throw RequestError("request: there is no operation \"" + request.call + "\"; \"operations\" lists them");
+    }
+  } catch (const RequestError& error) {
+    answer = {{"error", error.what()}};
+  } catch (const std::exception& error) {
+    answer = {{"error", "host: " + std::string(error.what())}};
+  }
+  answer["id"] = id;
+  // Texts of the unit may hold any bytes; those that are no UTF-8 are shown as replacement characters.
+  return answer.dump(-1, ' ', false, json::error_handler_t::replace);
+}
+
+}  // namespace host

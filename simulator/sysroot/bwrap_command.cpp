@@ -1,0 +1,110 @@
+#include "bwrap_command.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "user_namespaces.h"
+
+namespace simulator::sysroot {
+namespace {
+
+using Words = std::vector<std::string>;
+
+void append(Words& words, const Words& more) {
+  words.insert(words.end(), more.begin(), more.end());
+}
+
+/// What both roots have of the machine: its programs and the files of /etc that they read.
+Words machine() {
+  Words words{"--ro-bind", "/usr",    "/usr", "--symlink", "usr/bin",   "/bin",   "--symlink", "usr/sbin", "/sbin",
+              "--symlink", "usr/lib", "/lib", "--symlink", "usr/lib64", "/lib64", "--dir",     "/etc"};
+  for (const char* name : {"passwd", "group", "nsswitch.conf", "ld.so.cache", "ld.so.conf", "ld.so.conf.d",
+                           "alternatives", "udhcpc", "services", "protocols", "localtime"}) {
+    append(words, {"--ro-bind-try", std::string("/etc/") + name, std::string("/etc/") + name});
+  }
+  // Folders that are only made on the way to something else would be closed to everybody but their owner.
+  append(words, {"--dir", "/opt", "--dir", "/home", "--dir", "/home/radalt"});
+  return words;
+}
+
+/// An open file in memory that holds the text; inherited by child processes.
+int file_holding(const std::string& text) {
+  const int descriptor = memfd_create("unit", 0);
+  if (descriptor == -1 || write(descriptor, text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
+      lseek(descriptor, 0, SEEK_SET) != 0) {
+    throw std::system_error(errno, std::generic_category(), "a file in memory");
+  }
+  return descriptor;
+}
+
+}  // namespace
+
+BwrapCommand::BwrapCommand(const std::filesystem::path& build, const std::filesystem::path& state)
+    : build_(build), state_(state) {
+  // The unit's own table of mounts lets "/" be remounted; the machine's would name devices that are not there.
+  files_.push_back({"/etc/fstab", "0644", file_holding("tmpfs / tmpfs rw 0 0\n")});
+  files_.push_back({"/etc/resolv.conf", "0644", file_holding("")});
+  files_.push_back({"/etc/hosts", "0644", file_holding("127.0.0.1 localhost unit\n")});
+  // No device node can be made here; the drivers' stand-ins only need the name to be there.
+  files_.push_back({"/dev/i2c-3", "0600", file_holding("")});
+}
+
+BwrapCommand::~BwrapCommand() {
+  for (const OwnFile& file : files_) {
+    close(file.descriptor);
+  }
+}
+
+Words BwrapCommand::line(const std::vector<std::pair<std::string, std::string>>& environment,
+                         const Words& command) const {
+  Words words = outer();
+  append(words, inner());
+  words.push_back("--clearenv");
+  for (const auto& [name, value] : environment) {
+    append(words, {"--setenv", name, value});
+  }
+  words.push_back("--");
+  append(words, command);
+  return words;
+}
+
+Words BwrapCommand::outer() const {
+  Words words{"/usr/bin/bwrap", "--die-with-parent"};
+  append(words, machine());
+  append(words, {"--bind", "/proc", "/proc", "--dev-bind", "/dev", "/dev", "--dir", "/tmp"});
+  append(words, {"--ro-bind", build_, "/opt/unit", "--dir", "/state"});
+  for (const char* name : {"sys", "tmp", "run", "root"}) {
+    append(words, {"--bind", state_ / name, std::string("/state/") + name});
+  }
+  if (geteuid() == 0) {
+    const std::string user = std::to_string(unit_user_of_root);
+    append(words,
+           {"--", "/usr/bin/setpriv", "--reuid", user, "--regid", user, "--clear-groups", "--pdeathsig", "KILL", "--"});
+  } else {
+    append(words, {"--unshare-user", "--"});
+  }
+  return words;
+}
+
+Words BwrapCommand::inner() const {
+  Words words{"/usr/bin/bwrap", "--unshare-user", "--uid", "0", "--gid", "0", "--cap-add", "ALL"};
+  append(words,
+         {"--unshare-pid", "--as-pid-1", "--unshare-ipc", "--unshare-net", "--unshare-uts", "--hostname", "unit"});
+  append(words, {"--die-with-parent", "--new-session"});
+  append(words, machine());
+  append(words, {"--symlink", "/proc/self/mounts", "/etc/mtab", "--proc", "/proc", "--dev", "/dev"});
+  for (const OwnFile& file : files_) {
+    append(words, {"--perms", file.permissions, "--file", std::to_string(file.descriptor), file.path});
+  }
+  for (const char* name : {"sys", "tmp", "run", "root"}) {
+    append(words, {"--bind", std::string("/state/") + name, std::string("/") + name});
+  }
+  append(words, {"--ro-bind", "/opt/unit", "/opt/unit", "--dir", "/home/radalt/bin", "--symlink",
+                 "/opt/unit/bin/i2c_read", "/home/radalt/bin/i2c_read", "--chdir", "/"});
+  return words;
+}
+
+}  // namespace simulator::sysroot

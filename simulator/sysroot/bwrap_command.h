@@ -1,0 +1,45 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace simulator::sysroot {
+
+/// The command that enters a unit's private root, and what it needs open.
+///
+/// Two roots stand one in the other. The outer one holds the machine's programs, the build folder and nothing else of
+/// the machine, all of it read-only, and the unit's state folder; whoever is root leaves root behind there. The inner
+/// one is the unit: all of its mounts come from the outer one, whose read-only ones nobody inside can make writable,
+/// not even root inside with all its rights there.
+class BwrapCommand {
+public:
+  /// `build`: the build folder, /opt/unit inside. `state`: the unit's state folder.
+  BwrapCommand(const std::filesystem::path& build, const std::filesystem::path& state);
+  ~BwrapCommand();
+  BwrapCommand(const BwrapCommand&) = delete;
+  BwrapCommand& operator=(const BwrapCommand&) = delete;
+
+  /// The whole command line that runs `command` inside with exactly that environment. Valid once per object: the files
+  /// of /etc are handed over by descriptors, which a run reads to their end.
+  std::vector<std::string> line(const std::vector<std::pair<std::string, std::string>>& environment,
+                                const std::vector<std::string>& command) const;
+
+private:
+  /// A file of the private root that holds text of its own.
+  struct OwnFile {
+    std::string path;
+    std::string permissions;
+    int descriptor;
+  };
+
+  std::vector<std::string> outer() const;
+  std::vector<std::string> inner() const;
+
+  std::filesystem::path build_;
+  std::filesystem::path state_;
+  std::vector<OwnFile> files_;
+};
+
+}  // namespace simulator::sysroot

@@ -1,0 +1,81 @@
+#include "naming.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "child_process.h"
+#include "simulator/model/unit_model.h"
+
+namespace simulator::sysroot {
+namespace {
+
+constexpr std::chrono::seconds patience{10};
+constexpr const char* naming_data = "/run/unit/names";
+constexpr const char* naming_log = "/run/unit/log/names.log";
+constexpr const char* services_log = "/run/unit/log/services.log";
+
+bool listens(int port) {
+  const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  const bool connected = connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  close(probe);
+  return connected;
+}
+
+bool has_ended(pid_t process) {
+  int status = 0;
+  return waitpid(process, &status, WNOHANG) == process;
+}
+
+/// Waits until `ready` says so; throws where the process ends before, or does not get ready in time.
+template <typename Ready>
+void wait_until(Ready ready, pid_t process, const std::string& what, const char* log) {
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  while (!ready()) {
+    if (has_ended(process)) {
+      throw std::runtime_error(what + " has ended before it was ready; see " + log);
+    }
+    if (std::chrono::steady_clock::now() > deadline) {
+      throw std::runtime_error(what + " is not ready in time; see " + log);
+    }
+  }
+}
+
+}  // namespace
+
+void start_naming(int port) {
+  const std::string number = std::to_string(port);
+  std::filesystem::create_directories(naming_data);
+  const pid_t process = start_program({"omniNames", "-start", number, "-always", "-datadir", naming_data, "-nohostname",
+                                       "-errlog", naming_log, "-ORBendPoint", "giop:tcp:127.0.0.1:" + number},
+                                      {naming_log});
+  const auto answers = [port] {
+    if (listens(port)) {
+      return true;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    return false;
+  };
+  wait_until(answers, process, "the naming service", naming_log);
+}
+
+void start_services() {
+  const pid_t process = start_program({"/opt/unit/bin/unit-services"}, {services_log});
+  const model::Services& services = model::UnitModel::of_this_unit().services();
+  const auto applied = [&services] { return services.wait_applied(std::chrono::milliseconds(50)); };
+  wait_until(applied, process, "the process of the unit's services", services_log);
+}
+
+}  // namespace simulator::sysroot

@@ -1,0 +1,50 @@
+#include "unit_environment.h"
+
+#include <fstream>
+
+namespace simulator::sysroot {
+namespace {
+
+/// Where delivery stays on the loopback interface, every participant has to be named a peer; thirty-two of them find
+/// each other.
+constexpr const char* cyclone_configuration =
+    "<CycloneDDS><Domain id=\"any\"><General>"
+    "<Interfaces><NetworkInterface name=\"lo\" multicast=\"false\"/></Interfaces>"
+    "<AllowMulticast>false</AllowMulticast></General>"
+    "<Discovery><ParticipantIndex>auto</ParticipantIndex><MaxAutoParticipantIndex>31</MaxAutoParticipantIndex>"
+    "<Peers><Peer address=\"127.0.0.1\"/></Peers></Discovery></Domain></CycloneDDS>";
+
+constexpr const char* opendds_configuration =
+    "[common]\n"
+    "DCPSGlobalTransportConfig=$file\n"
+    "DCPSDefaultDiscovery=unit_discovery\n"
+    "DCPSRTISerialization=1\n"
+    "[transport/unit_transport]\n"
+    "transport_type=rtps_udp\n"
+    "local_address=127.0.0.1:\n"
+    "multicast_interface=lo\n"
+    "[rtps_discovery/unit_discovery]\n"
+    "SpdpLocalAddress=127.0.0.1\n"
+    "SedpLocalAddress=127.0.0.1:\n"
+    "MulticastInterface=lo\n"
+    "ResendPeriod=1\n";
+
+}  // namespace
+
+std::vector<std::pair<std::string, std::string>> unit_environment(const StateFolder& state, int naming_port) {
+  std::ofstream(state.run() / "rtps.ini") << opendds_configuration;
+  return {
+      {"PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"},
+      {"HOME", "/root"},
+      {"USER", "root"},
+      {"SHELL", "/bin/sh"},
+      {"LANG", "C.UTF-8"},
+      {"UNIT_RUN", "/run/unit"},
+      {"UNIT_NAMING_PORT", std::to_string(naming_port)},
+      {"OMNIORB_CONFIG", "/dev/null"},
+      {"CYCLONEDDS_URI", cyclone_configuration},
+      {"DCPSConfigFile", "/run/unit/rtps.ini"},
+  };
+}
+
+}  // namespace simulator::sysroot

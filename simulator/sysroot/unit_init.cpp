@@ -1,0 +1,119 @@
+// First process of a unit's private root: makes it the unit, runs the command, and takes everything with it at its end.
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/mount.h>
+#include <sys/signalfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "child_process.h"
+#include "naming.h"
+#include "network.h"
+
+namespace {
+
+using simulator::sysroot::become_program;
+using simulator::sysroot::shell_status;
+using simulator::sysroot::start_program;
+
+constexpr int status_of_ended_unit = 1;
+
+struct Orders {
+  int lifeline = -1;    ///< readable when everything is to end
+  int naming_port = 0;  ///< 0: neither naming service nor services
+  bool network = false;
+  bool dhcp_server = false;
+  std::vector<std::string> command;
+};
+
+/// Makes this process's surroundings the unit's. Throws std::runtime_error.
+void prepare(const Orders& orders) {
+  std::filesystem::create_directories("/run/unit/log");
+  simulator::sysroot::prepare_loopback();
+  if (orders.network) {
+    simulator::sysroot::make_eth0(orders.dhcp_server);
+  }
+  if (mount(nullptr, "/", nullptr, MS_REMOUNT | MS_RDONLY | MS_NOSUID | MS_NODEV, nullptr) != 0) {
+    throw std::runtime_error(std::string("/ cannot be made read-only: ") + std::strerror(errno));
+  }
+  if (orders.naming_port != 0) {
+    simulator::sysroot::start_naming(orders.naming_port);
+    simulator::sysroot::start_services();
+  }
+}
+
+/// The command's status once it has ended, of all children that have.
+std::optional<int> reap(pid_t command) {
+  std::optional<int> result;
+  int status = 0;
+  for (pid_t ended = waitpid(-1, &status, WNOHANG); ended > 0; ended = waitpid(-1, &status, WNOHANG)) {
+    if (ended == command) {
+      result = shell_status(status);
+    }
+  }
+  return result;
+}
+
+/// Waits until the command ends or the unit is to end; the status to end with.
+int look_after(pid_t command, int lifeline, int children) {
+  pollfd events[] = {{children, POLLIN, 0}, {lifeline, POLLIN, 0}};
+  for (;;) {
+    if (poll(events, 2, -1) == -1 && errno != EINTR) {
+      return status_of_ended_unit;
+    }
+    if ((events[0].revents & POLLIN) != 0) {
+      signalfd_siginfo signal{};
+      [[maybe_unused]] const ssize_t taken = read(children, &signal, sizeof signal);
+      if (const std::optional<int> status = reap(command)) {
+        return *status;
+      }
+    }
+    if (events[1].revents != 0) {
+      return status_of_ended_unit;
+    }
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Orders orders;
+  CLI::App app("First process of a unit's private root; started by \"unit\".");
+  app.add_option("--lifeline", orders.lifeline, "descriptor whose end of file ends the unit")->required();
+  app.add_option("--services", orders.naming_port, "run the naming service on this port, and the unit's services");
+  app.add_flag("--network", orders.network, "make the interface eth0");
+  app.add_flag("--dhcp-server", orders.dhcp_server, "let a DHCP server answer on eth0");
+  app.add_option("command", orders.command, "the command to run")->required();
+  CLI11_PARSE(app, argc, argv);
+  fcntl(orders.lifeline, F_SETFD, FD_CLOEXEC);
+
+  sigset_t watched;
+  sigemptyset(&watched);
+  sigaddset(&watched, SIGCHLD);
+  sigprocmask(SIG_BLOCK, &watched, nullptr);
+  const int children = signalfd(-1, &watched, SFD_CLOEXEC);
+
+  int status = status_of_ended_unit;
+  try {
+    prepare(orders);
+    status = look_after(start_program(orders.command), orders.lifeline, children);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "unit: %s\n", error.what());
+  }
+  // The end of a root's first process ends every other one in it.
+  _exit(status);
+}

@@ -1,0 +1,97 @@
+#include <poll.h>
+#include <signal.h>
+
+#include <cerrno>
+#include <memory>
+
+#include "commands.h"
+#include "errors.h"
+#include "started_unit.h"
+
+namespace tool {
+namespace {
+
+using simulator::sysroot::PrivateRoot;
+using simulator::sysroot::RootOptions;
+using simulator::sysroot::StateFolder;
+
+struct ExecOptions {
+  UnitChoice unit;
+  bool services = false;
+  bool network = false;
+  std::vector<std::string> environment;
+  std::vector<std::string> command;
+};
+
+/// The command's status; that of the signal where one ends this command first.
+int wait_for_end(PrivateRoot& root, const Signals& signals) {
+  for (;;) {
+    if (const std::optional<int> status = root.poll()) {
+      return *status;
+    }
+    pollfd event{signals.descriptor(), POLLIN, 0};
+    if (poll(&event, 1, -1) == -1 && errno != EINTR) {
+      return STATUS_FAILED;
+    }
+    while (const std::optional<int> number = signals.take()) {
+      if (*number != SIGCHLD) {
+        root.stop();
+        return status_of_signal(*number);
+      }
+    }
+  }
+}
+
+std::vector<std::pair<std::string, std::string>> environment(const std::vector<std::string>& given) {
+  auto all = passed_environment();
+  for (const std::string& each : given) {
+    const std::size_t sign = each.find('=');
+    if (sign == 0 || sign == std::string::npos) {
+      throw CommandError(STATUS_BAD_USAGE, "--env: expected NAME=VALUE, got \"" + each + "\"");
+    }
+    all.emplace_back(each.substr(0, sign), each.substr(sign + 1));
+  }
+  return all;
+}
+
+int exec(const ExecOptions& options) {
+  const simulator::model::UnitFile values = load_unit_file(options.unit.unit_file);
+  RootOptions root_options;
+  root_options.build = build_folder();
+  root_options.services = options.services;
+  root_options.network = options.network;
+  root_options.dhcp_server = options.unit.dhcp_server;
+  root_options.environment = environment(options.environment);
+  root_options.command = options.command;
+  root_options.command.front() = seen_inside(root_options.command.front());
+  require_private_root();
+  const Signals signals;
+  const StateFolder state = make_state(options.unit.state);
+  state.fill(values);
+  PrivateRoot root(state, root_options);
+  return wait_for_end(root, signals);
+}
+
+}  // namespace
+
+void add_exec(CLI::App& app) {
+  CLI::App* command =
+      app.add_subcommand("exec", "Runs a command on a fresh simulated unit, without a host; exits with its status.");
+  const auto options = std::make_shared<ExecOptions>();
+  command->add_option("--unit", options->unit.unit_file, "unit file; without it, the one that comes with the build");
+  command->add_option("--state", options->unit.state, "state folder, kept; without it, a new one that is removed");
+  command->add_flag("--services", options->services, "the naming service and the unit's services run");
+  command->add_flag("--network", options->network, "there is an interface eth0");
+  command->add_flag("--dhcp-server", options->unit.dhcp_server, "a DHCP server answers on eth0");
+  command->add_option("--env", options->environment, "NAME=VALUE for the command's environment; may be repeated")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command
+      ->add_option("command", options->command,
+                   "the command, after \"--\"; programs of the build folder by their path there or inside (/opt/unit)")
+      ->required();
+  command->positionals_at_end();
+  command->callback([options] { throw CommandEnd{exec(*options)}; });
+}
+
+}  // namespace tool

@@ -1,0 +1,114 @@
+#include <unistd.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "commands.h"
+#include "errors.h"
+#include "started_unit.h"
+#include "unit_state.h"
+
+namespace tool {
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr std::chrono::milliseconds refresh_interval{1000};
+/// How long the first published value of the external voltage may take to arrive.
+constexpr std::chrono::milliseconds first_patience{200};
+
+struct RunOptions {
+  UnitChoice unit;
+  bool once = false;
+  bool json = false;
+};
+
+/// The terminal while a unit is shown on it: a screen of its own, given back at the end.
+class Screen {
+public:
+  Screen() { std::fputs("\x1b[?1049h\x1b[?25l", stdout); }
+  ~Screen() {
+    std::fputs("\x1b[?25h\x1b[?1049l", stdout);
+    std::fflush(stdout);
+  }
+  Screen(const Screen&) = delete;
+  Screen& operator=(const Screen&) = delete;
+
+  void show(const std::string& text) const {
+    std::string lines = "\x1b[H";
+    for (const char each : text) {
+      lines += each == '\n' ? "\x1b[K\n" : std::string(1, each);
+    }
+    std::fputs((lines + "\x1b[J").c_str(), stdout);
+    std::fflush(stdout);
+  }
+};
+
+void print_state(const ordered_json& state, bool json) {
+  // A document of its own is laid out for people too; of many, each is one line.
+  std::fputs((json ? state.dump() + '\n' : as_text(state)).c_str(), stdout);
+  std::fflush(stdout);
+}
+
+std::string screen_text(const StartedUnit& unit, const ordered_json& state) {
+  std::string text = "Simulated unit   " + unit.state().string() + "   Ctrl-C ends it\n\n" + as_text(state);
+  text += "Library's output\n";
+  for (const std::string& line : unit.last_output()) {
+    text += "  " + line + '\n';
+  }
+  return text;
+}
+
+void show_until_ended(StartedUnit& unit, bool json, bool on_screen) {
+  const std::unique_ptr<Screen> screen = on_screen ? std::make_unique<Screen>() : nullptr;
+  for (std::chrono::milliseconds patience = first_patience;; patience = std::chrono::milliseconds(0)) {
+    const ordered_json state = read_unit_state(unit.host(), patience);
+    if (screen) {
+      screen->show(screen_text(unit, state));
+    } else {
+      print_state(state, json);
+    }
+    unit.pause(refresh_interval);
+  }
+}
+
+void run(const RunOptions& options) {
+  const Signals signals;
+  const bool on_screen = !options.once && !options.json && isatty(STDOUT_FILENO) == 1;
+  const OutputTargets targets{options.json ? STDERR_FILENO
+                              : on_screen  ? -1
+                                           : STDOUT_FILENO,
+                              on_screen ? -1 : STDERR_FILENO};
+  StartedUnit unit(options.unit, targets, signals);
+  if (options.once) {
+    print_state(read_unit_state(unit.host(), first_patience), options.json);
+    return;
+  }
+  try {
+    show_until_ended(unit, options.json, on_screen);
+  } catch (const CommandEnd& end) {
+    // Being ended is this command's ordinary end.
+    if (end.status <= status_of_signal(0)) {
+      throw;
+    }
+  }
+}
+
+}  // namespace
+
+void add_run(CLI::App& app) {
+  CLI::App* command =
+      app.add_subcommand("run", "Runs the library on a fresh simulated unit and shows the unit's state.");
+  const auto options = std::make_shared<RunOptions>();
+  command->add_flag("--once", options->once, "show it once and leave; else once a second until Ctrl-C");
+  command->add_flag("--json", options->json,
+                    "show JSON documents, one a line; the library's output goes to standard error");
+  command->add_option("--unit", options->unit.unit_file, "unit file; without it, the one that comes with the build");
+  command->add_option("--state", options->unit.state, "state folder, kept; without it, a new one that is removed");
+  command->add_option("--library", options->unit.library, "library to load; without it, the build's own");
+  command->add_flag("--dhcp-server", options->unit.dhcp_server, "a DHCP server answers on the unit's network");
+  command->callback([options] { run(*options); });
+}
+
+}  // namespace tool

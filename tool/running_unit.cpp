@@ -1,0 +1,40 @@
+#include "running_unit.h"
+
+#include <vector>
+
+#include "errors.h"
+#include "simulator/sysroot/state_folder.h"
+
+namespace tool {
+namespace fs = std::filesystem;
+
+void RunningUnit::add_option(CLI::App& command) {
+  command.add_option("--unit-state", chosen_, "state folder of the unit; without it, the only unit that runs");
+}
+
+fs::path RunningUnit::state() const {
+  if (!chosen_.empty()) {
+    if (!simulator::sysroot::is_running(chosen_)) {
+      throw CommandError(STATUS_BAD_USAGE, chosen_ + ": no unit runs on that state folder");
+    }
+    return chosen_;
+  }
+  const std::vector<fs::path> units = simulator::sysroot::running_units();
+  if (units.empty()) {
+    throw CommandError(STATUS_BAD_USAGE, "no unit runs; start one with \"unit run\"");
+  }
+  if (units.size() > 1) {
+    std::string names;
+    for (const fs::path& unit : units) {
+      names += ' ' + unit.string();
+    }
+    throw CommandError(STATUS_BAD_USAGE, "several units run; choose one with --unit-state:" + names);
+  }
+  return units.front();
+}
+
+simulator::model::UnitModel RunningUnit::model() const {
+  return simulator::model::UnitModel::open((state() / "run/unit/model").string());
+}
+
+}  // namespace tool

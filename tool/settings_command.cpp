@@ -1,0 +1,134 @@
+#include "simulator/model/settings.h"
+
+#include <cstdio>
+#include <memory>
+
+#include "commands.h"
+#include "errors.h"
+#include "running_unit.h"
+
+namespace tool {
+namespace {
+
+using nlohmann::ordered_json;
+using simulator::model::Setting;
+using simulator::model::SettingType;
+using simulator::model::UnitModel;
+
+struct SettingOptions {
+  RunningUnit unit;
+  std::string key;
+  std::string value;
+  bool json = false;
+};
+
+const char* name_of(SettingType type) {
+  switch (type) {
+    case SettingType::NUMBER:
+      return "number";
+    case SettingType::WORD:
+      return "word";
+    case SettingType::DURATION:
+      return "duration";
+    case SettingType::FLAG:
+      return "flag";
+    case SettingType::CHOICE:
+      return "choice";
+    case SettingType::OPTIONAL_TEXT:
+      return "text";
+  }
+  return "";
+}
+
+bool is_ranged(SettingType type) {
+  return type == SettingType::NUMBER || type == SettingType::WORD || type == SettingType::DURATION;
+}
+
+ordered_json describe(const Setting& setting) {
+  ordered_json row = {{"name", setting.name}, {"type", name_of(setting.type)}, {"unit", setting.unit}};
+  if (is_ranged(setting.type)) {
+    row["minimum"] = setting.minimum;
+    row["maximum"] = setting.maximum;
+  }
+  if (!setting.choices.empty()) {
+    row["choices"] = setting.choices;
+  }
+  row["doc"] = setting.doc;
+  return row;
+}
+
+/// What the setting takes, in a few words.
+std::string kind(const Setting& setting) {
+  std::string text = name_of(setting.type);
+  if (is_ranged(setting.type)) {
+    text += " " + std::to_string(setting.minimum) + ".." + std::to_string(setting.maximum);
+  }
+  for (const std::string& choice : setting.choices) {
+    text += " " + choice;
+  }
+  return setting.unit.empty() ? text : text + " (" + setting.unit + ")";
+}
+
+void list(const SettingOptions& options) {
+  ordered_json rows = ordered_json::array();
+  for (const Setting& setting : simulator::model::settings()) {
+    if (options.json) {
+      rows.push_back(describe(setting));
+    } else {
+      std::printf("%-44s %s\n    %s\n", setting.name.c_str(), kind(setting).c_str(), setting.doc.c_str());
+    }
+  }
+  if (options.json) {
+    std::printf("%s\n", rows.dump().c_str());
+  }
+}
+
+void get(const SettingOptions& options) {
+  UnitModel model = options.unit.model();
+  const nlohmann::json value = simulator::model::get_setting(model, options.key);
+  if (options.json) {
+    std::printf("%s\n", ordered_json{{"name", options.key}, {"value", value}}.dump().c_str());
+  } else {
+    std::printf("%s\n", value.is_string() ? value.get<std::string>().c_str() : value.dump().c_str());
+  }
+}
+
+void set(const SettingOptions& options) {
+  UnitModel model = options.unit.model();
+  simulator::model::set_setting_from_text(model, options.key, options.value);
+}
+
+/// Runs `action`; a name or value that the unit does not take is bad usage.
+template <typename Action>
+void run(Action action, const SettingOptions& options) {
+  try {
+    action(options);
+  } catch (const simulator::model::SettingError& error) {
+    throw CommandError(STATUS_BAD_USAGE, error.what());
+  }
+}
+
+}  // namespace
+
+void add_settings(CLI::App& app) {
+  const auto options = std::make_shared<SettingOptions>();
+
+  CLI::App* get_command = app.add_subcommand("get", "Prints a value of a running unit.");
+  options->unit.add_option(*get_command);
+  get_command->add_option("key", options->key, "the setting's name; \"unit list\" lists them")->required();
+  get_command->add_flag("--json", options->json, "print JSON");
+  get_command->callback([options] { run(get, *options); });
+
+  CLI::App* set_command = app.add_subcommand("set", "Sets a value of a running unit.");
+  options->unit.add_option(*set_command);
+  set_command->add_option("key", options->key, "the setting's name; \"unit list\" lists them")->required();
+  set_command->add_option("value", options->value, "its new value: JSON where it is some, else text")->required();
+  set_command->callback([options] { run(set, *options); });
+
+  CLI::App* list_command =
+      app.add_subcommand("list", "Lists the settings of a unit: name, kind and range, what it is.");
+  list_command->add_flag("--json", options->json, "print JSON");
+  list_command->callback([options] { run(list, *options); });
+}
+
+}  // namespace tool
