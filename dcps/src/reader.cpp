@@ -1,0 +1,88 @@
+#include <dcps/reader.h>
+
+#include "arrivals.h"
+#include "engine.h"
+#include "listener_calls.h"
+#include "qos.h"
+#include "reader_events.h"
+#include "statuses.h"
+#include "subscriber.h"
+#include "topic.h"
+
+namespace dcps {
+
+DataReaderImpl::DataReaderImpl(std::size_t sample_size)
+    : entity_handle_(next_instance_handle()),
+      arrivals_(std::make_unique<Arrivals>(sample_size, next_instance_handle())) {}
+
+DataReaderImpl::~DataReaderImpl() = default;
+
+bool DataReaderImpl::open(SubscriberImpl& subscriber, TopicImpl& topic, const DDS::DataReaderQos& qos,
+                          DDS::DataReaderListener_ptr listener, DDS::StatusMask mask) {
+  qos_ = qos;
+  subscriber_ = add_reference(&subscriber);
+  topic_ = add_reference(&topic);
+  listener_ = DDS::DataReaderListener::_duplicate(listener);
+  calls_ = std::make_unique<ListenerCalls>(subscriber.participant().delivery());
+  const CycloneQos cyclone_qos = to_cyclone(qos);
+  const CycloneListener events =
+      ReaderEvents::listener_for(*this, CORBA::is_nil(listener) ? OpenDDS::DCPS::NO_STATUS_MASK : mask);
+  const dds_entity_t reader = dds_create_reader(subscriber.cyclone(), topic.cyclone(), cyclone_qos.get(), events.get());
+  if (reader < 0) return false;
+  topic.add_user();
+  reader_ = reader;
+  return true;
+}
+
+void DataReaderImpl::close() {
+  const dds_entity_t reader = reader_.exchange(0);
+  if (reader <= 0) return;
+  calls_->close();
+  dds_delete(reader);
+  topic_->remove_user();
+}
+
+void DataReaderImpl::data_arrived(int reader) {
+  arrivals_->collect(reader);
+  if (!arrivals_->begin_notifying()) return;
+  calls_->post([kept = add_reference(this)] { kept->notify_all(); });
+}
+
+void DataReaderImpl::notify_all() noexcept {
+  bool open = true;
+  while (open && arrivals_->next_notification()) open = calls_->call([this] { listener_->on_data_available(this); });
+}
+
+DDS::ReturnCode_t DataReaderImpl::take_sample(void* sample, DDS::SampleInfo& info) {
+  return arrivals_->take(reader_, sample, info) ? DDS::RETCODE_OK : DDS::RETCODE_NO_DATA;
+}
+
+DDS::ReturnCode_t DataReaderImpl::enable() {
+  return DDS::RETCODE_OK;
+}
+
+DDS::InstanceHandle_t DataReaderImpl::get_instance_handle() {
+  return entity_handle_;
+}
+
+DDS::ReturnCode_t DataReaderImpl::get_qos(DDS::DataReaderQos& qos) {
+  qos = qos_;
+  return DDS::RETCODE_OK;
+}
+
+DDS::TopicDescription_ptr DataReaderImpl::get_topicdescription() {
+  return DDS::TopicDescription::_duplicate(topic_.in());
+}
+
+DDS::Subscriber_ptr DataReaderImpl::get_subscriber() {
+  return DDS::Subscriber::_duplicate(subscriber_.in());
+}
+
+DDS::ReturnCode_t DataReaderImpl::get_subscription_matched_status(DDS::SubscriptionMatchedStatus& status) {
+  dds_subscription_matched_status_t cyclone{};
+  const DDS::ReturnCode_t result = to_return_code(dds_get_subscription_matched_status(reader_, &cyclone));
+  if (result == DDS::RETCODE_OK) status = to_dcps(cyclone);
+  return result;
+}
+
+}  // namespace dcps
