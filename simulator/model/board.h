@@ -76,11 +76,11 @@ private:
   std::atomic<bool> rf_present_{true};
   std::atomic<std::uint32_t> rf_transfer_us_{20};
   std::atomic<std::uint32_t> adc_channel_{0};
-  std::array<std::atomic<std::uint32_t>, ADC_CHANNELS> adc_counts_;
+  std::array<std::atomic<std::uint32_t>, ADC_CHANNELS> adc_counts_{};
   std::atomic<std::uint32_t> rf_pending_{0};  ///< bit n: the transfer of RF register n is pending
-  std::array<std::atomic<std::uint64_t>, RF_REGISTERS> rf_due_ns_;
-  std::array<std::atomic<std::uint32_t>, RF_REGISTERS> rf_registers_;  ///< the RF board's own
-  std::array<std::atomic<std::uint32_t>, RF_REGISTERS> rf_shown_;      ///< what the last transfer brought
+  std::array<std::atomic<std::uint64_t>, RF_REGISTERS> rf_due_ns_{};
+  std::array<std::atomic<std::uint32_t>, RF_REGISTERS> rf_registers_{};  ///< the RF board's own
+  std::array<std::atomic<std::uint32_t>, RF_REGISTERS> rf_shown_{};      ///< what the last transfer brought
   std::atomic<std::uint32_t> registers_used_{0};
   std::array<Register, CAPACITY> registers_;
 };

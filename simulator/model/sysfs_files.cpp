@@ -1,5 +1,6 @@
 #include "simulator/model/sysfs_files.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -22,6 +23,14 @@ constexpr std::array<SysfsFile, 7> FILES{{
 
 std::filesystem::path path_of(const std::string& root, const SysfsFile& file) {
   return std::filesystem::path(root) / file.path;
+}
+
+/// A file made from outside by root belongs to the unit all the same, whose programs are another user then.
+void give_to_owner_of(const std::string& root, const std::filesystem::path& path) {
+  struct stat status {};
+  if (::geteuid() == 0 && ::stat(root.c_str(), &status) == 0) {
+    [[maybe_unused]] const int given = ::lchown(path.c_str(), status.st_uid, status.st_gid);
+  }
 }
 
 }  // namespace
@@ -52,6 +61,7 @@ void SysfsFiles::set_text(const SysfsFile& file, const std::optional<std::string
   if (!out) {
     throw std::system_error(std::make_error_code(std::errc::io_error), fresh.string());
   }
+  give_to_owner_of(root_, fresh);
   std::filesystem::rename(fresh, path);
 }
 

@@ -1,0 +1,132 @@
+#include "simulator/model/faults.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+#include <stdexcept>
+
+namespace {
+
+using simulator::model::admits;
+using simulator::model::Fault;
+using simulator::model::FaultKind;
+using simulator::model::Faults;
+using simulator::model::Point;
+using simulator::model::Watch;
+
+class FaultsTest : public ::testing::Test {
+protected:
+  /// What the next calls of the point meet, one letter each: '.' nothing, 'x' the fault.
+  std::string next_calls(Point point, int calls) {
+    std::string met;
+    for (int call = 0; call < calls; ++call) {
+      met += faults_.strike(point).kind == FaultKind::NONE ? '.' : 'x';
+    }
+    return met;
+  }
+
+  std::unique_ptr<Faults> owner_ = std::make_unique<Faults>();
+  Faults& faults_ = *owner_;
+};
+
+TEST_F(FaultsTest, EveryPointHasANameOfItsOwn) {
+  std::set<std::string> names;
+  for (std::uint32_t point = 0; point < static_cast<std::uint32_t>(Point::COUNT); ++point) {
+    const std::string name(name_of(static_cast<Point>(point)));
+    EXPECT_FALSE(name.empty()) << point;
+    EXPECT_EQ(simulator::model::point_named(name), static_cast<Point>(point));
+    names.insert(name);
+  }
+  EXPECT_EQ(names.size(), static_cast<std::size_t>(Point::COUNT));
+  EXPECT_EQ(simulator::model::point_named("radalt.nothing"), std::nullopt);
+}
+
+TEST_F(FaultsTest, NamesArePaired) {
+  EXPECT_EQ(name_of(Point::RADALT_READ), "radalt.read");
+  EXPECT_EQ(name_of(Point::PSDRIVER_OPEN), "psdriver.open");
+  EXPECT_EQ(name_of(Point::SET_SWITCH_INTERRUPT_CALLBACK), "psdriver.SetSwitchInterruptCallback");
+  EXPECT_EQ(name_of(Point::GET_BATTERY_TEMPERATURE), "psdriver.GetBatteryTemperature");
+  EXPECT_EQ(name_of(Point::SET_USER_INTERFACE_COMMUNICATION_STATUS), "psdriver.SetUserInterface_CommunicationStatus");
+  EXPECT_EQ(name_of(Point::EVENTS_SEND), "events.send");
+  EXPECT_EQ(name_of(Point::ORB_LOOKUP), "orb.lookup");
+  EXPECT_EQ(name_of(Point::HW_ENUMERATE_SHUTDOWN_ENGINE), "hw_enumerate.ShutdownEngine");
+  EXPECT_EQ(name_of(Point::I2C_READ), "i2c_read");
+  EXPECT_EQ(simulator::model::fault_kind_named("no_reply"), FaultKind::NO_REPLY);
+  EXPECT_EQ(name_of(FaultKind::GARBAGE), "garbage");
+}
+
+TEST_F(FaultsTest, NothingGoesWrongUnlessArmed) {
+  EXPECT_EQ(next_calls(Point::RADALT_READ, 3), "...");
+  EXPECT_FALSE(faults_.watch().any());
+}
+
+TEST_F(FaultsTest, AFaultHitsFromItsNthCallOn) {
+  faults_.arm(Point::RADALT_READ, {FaultKind::FAIL, 5, 3, Fault::ALWAYS});
+  EXPECT_EQ(next_calls(Point::RADALT_READ, 6), "..xxxx");
+  EXPECT_EQ(next_calls(Point::RADALT_WRITE, 2), "..");
+}
+
+TEST_F(FaultsTest, AFaultHitsAsOftenAsItSays) {
+  faults_.arm(Point::RADALT_READ, {FaultKind::FAIL, 5, 2, 2});
+  EXPECT_EQ(next_calls(Point::RADALT_READ, 6), ".xx...");
+  faults_.arm(Point::RADALT_READ, {FaultKind::FAIL, 5, 1, 1});
+  EXPECT_EQ(next_calls(Point::RADALT_READ, 3), "x..");
+}
+
+TEST_F(FaultsTest, CallsAreCountedFromTheArming) {
+  next_calls(Point::RADALT_READ, 5);
+  faults_.arm(Point::RADALT_READ, {FaultKind::FAIL, 5, 2, 1});
+  EXPECT_EQ(next_calls(Point::RADALT_READ, 3), ".x.");
+}
+
+TEST_F(FaultsTest, AnArmedFaultIsHandedOutWhole) {
+  faults_.arm(Point::GET_BATTERY_TEMPERATURE, {FaultKind::GARBAGE, -40, 1, Fault::ALWAYS});
+  const Fault met = faults_.strike(Point::GET_BATTERY_TEMPERATURE);
+  EXPECT_EQ(met.kind, FaultKind::GARBAGE);
+  EXPECT_EQ(met.value, -40);
+  EXPECT_EQ(faults_.armed_at(Point::GET_BATTERY_TEMPERATURE).value, -40);
+}
+
+TEST_F(FaultsTest, TheUnitIsWatchedWhileAnyFaultIsArmed) {
+  faults_.arm(Point::RADALT_READ, {FaultKind::FAIL, 5});
+  faults_.arm(Point::RADALT_WRITE, {FaultKind::FAIL, 5});
+  EXPECT_TRUE(faults_.watch().has(Watch::FAULTED));
+  faults_.arm(Point::RADALT_READ, Fault{});
+  EXPECT_TRUE(faults_.watch().has(Watch::FAULTED));
+  faults_.disarm_all();
+  EXPECT_FALSE(faults_.watch().any());
+  EXPECT_EQ(next_calls(Point::RADALT_WRITE, 1), ".");
+}
+
+TEST_F(FaultsTest, CountsCallsUntilTheyAreForgotten) {
+  next_calls(Point::ORB_LOOKUP, 4);
+  EXPECT_EQ(faults_.calls(Point::ORB_LOOKUP), 4U);
+  EXPECT_EQ(faults_.calls(Point::EVENTS_SEND), 0U);
+  faults_.forget_calls();
+  EXPECT_EQ(faults_.calls(Point::ORB_LOOKUP), 0U);
+}
+
+TEST_F(FaultsTest, APointAdmitsOnlyWhatCanGoWrongThere) {
+  for (const FaultKind kind : {FaultKind::NO_REPLY, FaultKind::LATE, FaultKind::TWICE}) {
+    EXPECT_TRUE(admits(Point::GET_CHARGER_BATTERY_STATUS, kind));
+    EXPECT_FALSE(admits(Point::RADALT_READ, kind));
+    EXPECT_FALSE(admits(Point::SET_SYSTEM_LED_STATUS, kind));
+  }
+  EXPECT_TRUE(admits(Point::RADALT_READ, FaultKind::GARBAGE));
+  EXPECT_FALSE(admits(Point::RADALT_WRITE, FaultKind::GARBAGE));
+  EXPECT_FALSE(admits(Point::PSDRIVER_REPLY, FaultKind::SLOW));
+  EXPECT_TRUE(admits(Point::PSDRIVER_REPLY, FaultKind::NONE));
+}
+
+TEST_F(FaultsTest, RefusesAFaultThatThePointDoesNotAdmit) {
+  try {
+    faults_.arm(Point::RADALT_WRITE, {FaultKind::TWICE, 0});
+    FAIL() << "armed";
+  } catch (const std::invalid_argument& error) {
+    EXPECT_STREQ(error.what(), "radalt.write: no fault of kind twice");
+  }
+  EXPECT_FALSE(faults_.watch().any());
+}
+
+}  // namespace

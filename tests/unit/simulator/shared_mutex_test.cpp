@@ -1,0 +1,87 @@
+#include "simulator/model/shared_mutex.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <thread>
+
+#include "model_fixture.h"
+
+namespace {
+
+class BoardLockTest : public simulator_test::ModelTest {
+protected:
+  simulator::model::SharedMutex& lock_ = unit_.board().lock();
+};
+
+/// A child process that takes the board lock, says so, and then waits to be killed.
+pid_t child_that_holds(simulator::model::SharedMutex& lock) {
+  int ready[2];
+  EXPECT_EQ(::pipe(ready), 0);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const char taken = lock.take() == 0 ? 'y' : 'n';
+    ::_exit(::write(ready[1], &taken, 1) == 1 ? (::pause(), 0) : 1);
+  }
+  char taken = 0;
+  EXPECT_EQ(::read(ready[0], &taken, 1), 1);
+  EXPECT_EQ(taken, 'y');
+  ::close(ready[0]);
+  ::close(ready[1]);
+  return child;
+}
+
+TEST_F(BoardLockTest, IsGrantedAfterItsHolderWasKilled) {
+  const pid_t child = child_that_holds(lock_);
+  ASSERT_EQ(::kill(child, SIGKILL), 0);
+  ::waitpid(child, nullptr, 0);
+  EXPECT_EQ(lock_.take(), 0);
+  EXPECT_EQ(lock_.give(), 0);
+  EXPECT_EQ(lock_.take(), 0);
+  EXPECT_EQ(lock_.give(), 0);
+}
+
+TEST_F(BoardLockTest, IsGrantedToOneWhoWaitsWhenItsHolderIsKilled) {
+  const pid_t child = child_that_holds(lock_);
+  int taken = -1;
+  std::thread waiter([&] {
+    taken = lock_.take();
+    lock_.give();
+  });
+  ASSERT_EQ(::kill(child, SIGKILL), 0);
+  ::waitpid(child, nullptr, 0);
+  waiter.join();
+  EXPECT_EQ(taken, 0);
+}
+
+TEST_F(BoardLockTest, IsRefusedToItsHolder) {
+  EXPECT_EQ(lock_.take(), 0);
+  EXPECT_EQ(lock_.take(), EDEADLK);
+  EXPECT_EQ(lock_.give(), 0);
+}
+
+TEST_F(BoardLockTest, IsNotTakenBackFromOneWhoDoesNotHoldIt) {
+  EXPECT_EQ(lock_.give(), EPERM);
+  std::thread([&] { EXPECT_EQ(lock_.take(), 0); }).join();
+}
+
+TEST_F(BoardLockTest, KeepsThreadsApart) {
+  int counted = 0;
+  const auto count = [&] {
+    for (int round = 0; round < 1000; ++round) {
+      ASSERT_EQ(lock_.take(), 0);
+      ++counted;
+      ASSERT_EQ(lock_.give(), 0);
+    }
+  };
+  std::thread one(count);
+  std::thread other(count);
+  one.join();
+  other.join();
+  EXPECT_EQ(counted, 2000);
+}
+
+}  // namespace
