@@ -87,8 +87,8 @@ target_include_directories(dcps SYSTEM INTERFACE ${dcps_include_dirs})
 # The engine's libraries are made with its inline files inlined; whoever uses its headers has to do the same.
 target_compile_definitions(dcps INTERFACE __ACE_INLINE__)
 # The engine's libraries name no folder for those that they need and those that they load by name. The old kind of run
-# path in ours holds for them too; the new kind would not.
-target_link_options(dcps INTERFACE LINKER:--disable-new-dtags)
+# path in ours holds for them too (the new kind would not), and what they load by name is loaded before.
+target_link_options(dcps INTERFACE LINKER:--disable-new-dtags,--no-as-needed)
 set(CMAKE_BUILD_RPATH "$ORIGIN")
 target_link_libraries(dcps INTERFACE ${dcps_libraries} Threads::Threads)
 
