@@ -26,9 +26,39 @@ DDS::InstanceStateKind to_dcps(dds_instance_state_t state) {
 Arrivals::Arrivals(std::size_t sample_size, DDS::InstanceHandle_t instance)
     : sample_size_(sample_size), instance_(instance) {}
 
-void Arrivals::collect(dds_entity_t reader) {
+void Arrivals::set_filter(Clock::duration minimum_separation, bool keep_latest) {
   const std::lock_guard lock(mutex_);
+  minimum_separation_ = minimum_separation;
+  keep_latest_ = keep_latest;
+}
+
+std::optional<Arrivals::Clock::time_point> Arrivals::collect(dds_entity_t reader) {
+  const std::lock_guard lock(mutex_);
+  const bool held_before = held_.has_value();
   collect_locked(reader);
+  if (held_before || !held_) return std::nullopt;
+  return *last_passed_ + minimum_separation_;
+}
+
+void Arrivals::release_held() {
+  const std::lock_guard lock(mutex_);
+  if (!held_) return;
+  last_passed_ = Clock::now();
+  entries_.push_back(std::move(*held_));
+  ++due_;
+  held_.reset();
+}
+
+bool Arrivals::passes_filter(Entry& entry) {
+  if (minimum_separation_ == Clock::duration::zero() || !entry.info.valid_data) return true;
+  const Clock::time_point now = Clock::now();
+  if (!last_passed_ || now - *last_passed_ >= minimum_separation_) {
+    last_passed_ = now;
+    held_.reset();
+    return true;
+  }
+  if (keep_latest_) held_ = std::move(entry);
+  return false;
 }
 
 void Arrivals::collect_locked(dds_entity_t reader) {
@@ -63,6 +93,7 @@ void Arrivals::add(const dds_sample_info_t& info, const void* sample) {
     entry.sample = std::make_unique<std::byte[]>(sample_size_);
     std::memcpy(entry.sample.get(), sample, sample_size_);
   }
+  if (!passes_filter(entry)) return;
   entries_.push_back(std::move(entry));
   ++due_;
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include <dds/dds.h>
 
@@ -20,8 +22,16 @@ public:
   /// `sample_size`: of one sample in memory, in bytes. `instance`: the handle that the reader's one instance goes by.
   Arrivals(std::size_t sample_size, DDS::InstanceHandle_t instance);
 
-  /// Takes over all that Cyclone's reader holds.
-  void collect(dds_entity_t reader);
+  using Clock = std::chrono::steady_clock;
+
+  /// Samples then come at least `minimum_separation` apart. What comes too early is dropped; with `keep_latest` the
+  /// latest of it comes once the separation is over.
+  void set_filter(Clock::duration minimum_separation, bool keep_latest);
+
+  /// Takes over all that Cyclone's reader holds. Where the filter now holds a sample back for the first time: when to
+  /// call release_held().
+  std::optional<Clock::time_point> collect(dds_entity_t reader);
+  void release_held();
 
   /// Takes the oldest entry, collecting first when there is none. False: there is still none.
   bool take(dds_entity_t reader, void* sample, DDS::SampleInfo& info);
@@ -39,6 +49,7 @@ private:
 
   void collect_locked(dds_entity_t reader);
   void add(const dds_sample_info_t& info, const void* sample);
+  bool passes_filter(Entry& entry);
   void add_folded_state_change(const dds_sample_info_t& last);
 
   const std::size_t sample_size_;
@@ -47,6 +58,10 @@ private:
   std::deque<Entry> entries_;
   std::size_t due_ = 0;  ///< entries not yet notified of; at most as many as there are entries
   bool notifying_ = false;
+  Clock::duration minimum_separation_{};
+  bool keep_latest_ = false;
+  std::optional<Clock::time_point> last_passed_;  ///< when the filter last let a sample pass
+  std::optional<Entry> held_;                     ///< by the filter
 };
 
 }  // namespace dcps

@@ -5,6 +5,7 @@
 
 #include <condition_variable>
 #include <deque>
+#include <map>
 #include <mutex>
 #include <thread>
 
@@ -14,8 +15,27 @@ struct Delivery::Queue {
   std::mutex mutex;
   std::condition_variable changed;
   std::deque<Call> calls;
+  std::multimap<Clock::time_point, Call> timed;
   bool stopping = false;
   std::thread thread;
+
+  /// Returns once there is a call to make. False: stopping.
+  bool wait_for_work(std::unique_lock<std::mutex>& lock) {
+    while (!stopping) {
+      const auto now = Clock::now();
+      while (!timed.empty() && timed.begin()->first <= now) {
+        calls.push_back(std::move(timed.begin()->second));
+        timed.erase(timed.begin());
+      }
+      if (!calls.empty()) return true;
+      if (timed.empty()) {
+        changed.wait(lock);
+      } else {
+        changed.wait_until(lock, timed.begin()->first);
+      }
+    }
+    return false;
+  }
 };
 
 namespace {
@@ -44,6 +64,7 @@ Delivery::~Delivery() {
   std::unique_lock lock(queue_->mutex);
   queue_->stopping = true;
   queue_->calls.clear();
+  queue_->timed.clear();
   queue_->changed.notify_one();
   if (!queue_->thread.joinable()) return;
   std::thread thread = std::move(queue_->thread);
@@ -58,19 +79,27 @@ Delivery::~Delivery() {
 void Delivery::post(Call call) {
   const std::lock_guard lock(queue_->mutex);
   queue_->calls.push_back(std::move(call));
-  if (!queue_->thread.joinable()) {
-    const SignalsBlocked blocked;
-    queue_->thread = std::thread([queue = queue_] { run(queue); });
-    pthread_setname_np(queue_->thread.native_handle(), "dcps.listener");
-  }
+  start_thread();
   queue_->changed.notify_one();
+}
+
+void Delivery::post_at(Clock::time_point time, Call call) {
+  const std::lock_guard lock(queue_->mutex);
+  queue_->timed.emplace(time, std::move(call));
+  start_thread();
+  queue_->changed.notify_one();
+}
+
+void Delivery::start_thread() {
+  if (queue_->thread.joinable()) return;
+  const SignalsBlocked blocked;
+  queue_->thread = std::thread([queue = queue_] { run(queue); });
+  pthread_setname_np(queue_->thread.native_handle(), "dcps.listener");
 }
 
 void Delivery::run(const std::shared_ptr<Queue>& queue) noexcept {
   std::unique_lock lock(queue->mutex);
-  while (true) {
-    queue->changed.wait(lock, [&] { return queue->stopping || !queue->calls.empty(); });
-    if (queue->stopping) return;
+  while (queue->wait_for_work(lock)) {
     Call call = std::move(queue->calls.front());
     queue->calls.pop_front();
     lock.unlock();

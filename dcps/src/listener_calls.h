@@ -18,6 +18,7 @@ public:
   /// Runs `work` on the delivery thread; what it calls of the listener it calls through call(). It keeps whatever it
   /// needs alive itself.
   void post(Delivery::Call work) { delivery_->post(std::move(work)); }
+  void post_at(Delivery::Clock::time_point time, Delivery::Call work) { delivery_->post_at(time, std::move(work)); }
 
   /// Makes one call of the listener. False, without the call: closed.
   bool call(const std::function<void()>& call);

@@ -6,6 +6,7 @@
 #include "publisher.h"
 #include "qos.h"
 #include "subscriber.h"
+#include "thread_role.h"
 #include "topic.h"
 #include "type_registry.h"
 
@@ -48,7 +49,7 @@ bool ParticipantImpl::open() {
 
 void ParticipantImpl::close() {
   const dds_entity_t participant = participant_.exchange(0);
-  if (participant > 0) dds_delete(participant);
+  if (participant > 0) delete_in_cyclone(participant, delivery_);
 }
 
 bool ParticipantImpl::is_clean() {

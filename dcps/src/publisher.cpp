@@ -4,6 +4,7 @@
 
 #include "engine.h"
 #include "qos.h"
+#include "thread_role.h"
 #include "topic.h"
 
 namespace dcps {
@@ -25,7 +26,7 @@ bool PublisherImpl::open() {
 void PublisherImpl::close() {
   delete_contained_entities();
   const dds_entity_t publisher = publisher_.exchange(0);
-  if (publisher > 0) dds_delete(publisher);
+  if (publisher > 0) delete_in_cyclone(publisher, participant_->delivery());
 }
 
 bool PublisherImpl::is_clean() {

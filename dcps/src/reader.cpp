@@ -7,6 +7,7 @@
 #include "reader_events.h"
 #include "statuses.h"
 #include "subscriber.h"
+#include "thread_role.h"
 #include "topic.h"
 
 namespace dcps {
@@ -24,9 +25,14 @@ bool DataReaderImpl::open(SubscriberImpl& subscriber, TopicImpl& topic, const DD
   topic_ = add_reference(&topic);
   listener_ = DDS::DataReaderListener::_duplicate(listener);
   calls_ = std::make_unique<ListenerCalls>(subscriber.participant().delivery());
+  arrivals_->set_filter(std::chrono::nanoseconds(to_cyclone(qos.time_based_filter.minimum_separation)),
+                        qos.reliability.kind == DDS::RELIABLE_RELIABILITY_QOS);
   const CycloneQos cyclone_qos = to_cyclone(qos);
-  const CycloneListener events =
-      ReaderEvents::listener_for(*this, CORBA::is_nil(listener) ? OpenDDS::DCPS::NO_STATUS_MASK : mask);
+  if (CORBA::is_nil(listener)) mask = OpenDDS::DCPS::NO_STATUS_MASK;
+  tells_of_data_ = (mask & DDS::DATA_AVAILABLE_STATUS) != 0;
+  // The filter goes by the times of arrival, so it has to see each sample when it comes.
+  const CycloneListener events = ReaderEvents::listener_for(*this, mask | DDS::DATA_AVAILABLE_STATUS);
+  const UserCall call;
   const dds_entity_t reader = dds_create_reader(subscriber.cyclone(), topic.cyclone(), cyclone_qos.get(), events.get());
   if (reader < 0) return false;
   topic.add_user();
@@ -38,19 +44,33 @@ void DataReaderImpl::close() {
   const dds_entity_t reader = reader_.exchange(0);
   if (reader <= 0) return;
   calls_->close();
-  dds_delete(reader);
+  delete_in_cyclone(reader, subscriber_->participant().delivery());
   topic_->remove_user();
 }
 
 void DataReaderImpl::data_arrived(int reader) {
-  arrivals_->collect(reader);
-  if (!arrivals_->begin_notifying()) return;
+  const auto held_until = arrivals_->collect(reader);
+  if (held_until) calls_->post_at(*held_until, [kept = add_reference(this)] { kept->held_time_over(); });
+  if (!tells_of_data_ || !arrivals_->begin_notifying()) return;
+  if (listener_has_returned_ && !UserCall::on_this_thread()) {
+    const EngineCall call;
+    notify_all();
+    return;
+  }
   calls_->post([kept = add_reference(this)] { kept->notify_all(); });
+}
+
+void DataReaderImpl::held_time_over() {
+  arrivals_->release_held();
+  if (tells_of_data_ && arrivals_->begin_notifying()) notify_all();
 }
 
 void DataReaderImpl::notify_all() noexcept {
   bool open = true;
-  while (open && arrivals_->next_notification()) open = calls_->call([this] { listener_->on_data_available(this); });
+  while (open && arrivals_->next_notification()) {
+    open = calls_->call([this] { listener_->on_data_available(this); });
+    listener_has_returned_ = true;
+  }
 }
 
 DDS::ReturnCode_t DataReaderImpl::take_sample(void* sample, DDS::SampleInfo& info) {

@@ -4,6 +4,7 @@
 
 #include "engine.h"
 #include "qos.h"
+#include "thread_role.h"
 #include "topic.h"
 
 namespace dcps {
@@ -25,7 +26,7 @@ bool SubscriberImpl::open() {
 void SubscriberImpl::close() {
   delete_contained_entities();
   const dds_entity_t subscriber = subscriber_.exchange(0);
-  if (subscriber > 0) dds_delete(subscriber);
+  if (subscriber > 0) delete_in_cyclone(subscriber, participant_->delivery());
 }
 
 bool SubscriberImpl::is_clean() {

@@ -5,6 +5,7 @@
 #include "publisher.h"
 #include "qos.h"
 #include "statuses.h"
+#include "thread_role.h"
 #include "topic.h"
 #include "writer_events.h"
 
@@ -24,6 +25,7 @@ bool DataWriterImpl::open(PublisherImpl& publisher, TopicImpl& topic, const DDS:
   const CycloneQos cyclone_qos = to_cyclone(qos);
   const CycloneListener events =
       WriterEvents::listener_for(*this, CORBA::is_nil(listener) ? OpenDDS::DCPS::NO_STATUS_MASK : mask);
+  const UserCall call;
   const dds_entity_t writer = dds_create_writer(publisher.cyclone(), topic.cyclone(), cyclone_qos.get(), events.get());
   if (writer < 0) return false;
   topic.add_user();
@@ -35,7 +37,7 @@ void DataWriterImpl::close() {
   const dds_entity_t writer = writer_.exchange(0);
   if (writer <= 0) return;
   calls_->close();
-  dds_delete(writer);
+  delete_in_cyclone(writer, publisher_->participant().delivery());
   topic_->remove_user();
 }
 
@@ -60,12 +62,14 @@ DDS::InstanceHandle_t DataWriterImpl::register_sample(const void* sample) {
 DDS::ReturnCode_t DataWriterImpl::write_sample(const void* sample, DDS::InstanceHandle_t handle) {
   if (is_other_instance(handle)) return DDS::RETCODE_BAD_PARAMETER;
   if (register_sample(sample) == DDS::HANDLE_NIL) return DDS::RETCODE_ERROR;
+  const UserCall call;
   return to_return_code(dds_write(writer_, sample));
 }
 
 DDS::ReturnCode_t DataWriterImpl::dispose_sample(const void* sample, DDS::InstanceHandle_t handle) {
   if (is_other_instance(handle)) return DDS::RETCODE_BAD_PARAMETER;
   if (!registered_) return DDS::RETCODE_ERROR;
+  const UserCall call;
   return to_return_code(dds_dispose(writer_, sample));
 }
 
@@ -73,6 +77,7 @@ DDS::ReturnCode_t DataWriterImpl::unregister_sample(const void* sample, DDS::Ins
   if (is_other_instance(handle)) return DDS::RETCODE_BAD_PARAMETER;
   const std::lock_guard lock(registration_);
   if (!registered_) return DDS::RETCODE_ERROR;
+  const UserCall call;
   const DDS::ReturnCode_t result = to_return_code(dds_unregister_instance(writer_, sample));
   if (result == DDS::RETCODE_OK) registered_ = false;
   return result;

@@ -17,7 +17,10 @@ class TopicImpl;
 /// A reader on Cyclone DDS, its samples untyped: each lies in memory as the topic's C description says.
 ///
 /// What Cyclone receives is moved at once into a queue of the reader's own, one entry for each sample and each change
-/// of the instance's state. The listener is told of every entry once, on the participant's delivery thread.
+/// of the instance's state. The listener is told of every entry once. Its first call, which may wait until its maker is
+/// back from create_datareader, is made on the participant's delivery thread, and so are those for what is written in
+/// this process: no thread of Cyclone's and none of the program's ever waits with it. Once it has come back from one,
+/// Cyclone's receiving threads call it themselves.
 class __attribute__((visibility("default"))) DataReaderImpl
     : public virtual OpenDDS::DCPS::LocalObject<DDS::DataReader> {
 public:
@@ -46,6 +49,7 @@ private:
             DDS::DataReaderListener_ptr listener, DDS::StatusMask mask);
   void close();
   void data_arrived(int reader);
+  void held_time_over();
   void notify_all() noexcept;
 
   const DDS::InstanceHandle_t entity_handle_;
@@ -54,6 +58,8 @@ private:
   Reference<SubscriberImpl> subscriber_;
   Reference<TopicImpl> topic_;
   DDS::DataReaderListener_var listener_;
+  bool tells_of_data_ = false;
+  std::atomic<bool> listener_has_returned_{false};  ///< from a first notification
   std::unique_ptr<Arrivals> arrivals_;
   std::unique_ptr<ListenerCalls> calls_;
 };
