@@ -116,7 +116,9 @@ void Handheld_Hardware::PowerSwitch(int value) {
   const Varnok::Locker locker;
   CommunicationStatusInterruptValue = value;
   std::cout << "PowerSwitch:Comm status interrupt value" << value << std::endl;
-  if ((value & BACKLIGHT_GROUP) != 0 && (value & BACKLIGHT_TO_MAXIMUM) != 0) SwitchOwner->setMaxBacklight();
+  if ((value & BACKLIGHT_GROUP) != 0 && (value & BACKLIGHT_TO_MAXIMUM) != 0) {
+    attempt([] { SwitchOwner->setMaxBacklight(); });
+  }
   if ((value & SHUTDOWN_REQUEST) != 0) handle_shutdown_request(locker);
   follow_cover((value & COVER_CLOSED) != 0);
 }
