@@ -36,8 +36,8 @@ BASE_HARDWARE& hardware_object() {
   return Hardware ? *Hardware : *SwitchOwner;
 }
 
-/// Runs one step of the handler. A step that fails is passed over: whoever it was to reach is gone already, and the unit
-/// is safest when the hardware is shut down all the same.
+/// Runs one step of the handler. A step that fails is passed over: whoever it was to reach is gone already, and the
+/// unit is safest when the hardware is shut down all the same.
 template <typename Step>
 void attempt(const Step& step) {
   try {
