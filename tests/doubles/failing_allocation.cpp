@@ -9,11 +9,13 @@ namespace doubles {
 namespace {
 
 thread_local unsigned int allocations_left = 0;
+thread_local std::size_t counted_size = 0;
 thread_local bool failed = false;
 std::atomic<long> living{0};
 
 void* allocate(std::size_t size) {
-  if (allocations_left > 0 && --allocations_left == 0) {
+  const bool counts = allocations_left > 0 && (counted_size == 0 || size == counted_size);
+  if (counts && --allocations_left == 0) {
     failed = true;
     throw std::bad_alloc();
   }
@@ -30,8 +32,9 @@ void release(void* memory) {
 
 }  // namespace
 
-FailingAllocation::FailingAllocation(unsigned int nth) {
+FailingAllocation::FailingAllocation(unsigned int nth, std::size_t size) {
   failed = false;
+  counted_size = size;
   allocations_left = nth;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 /// The program's operator new, replaced by one that can be told to fail. Linking this double replaces it for the whole
 /// program.
 namespace doubles {
@@ -7,7 +9,8 @@ namespace doubles {
 /// The `nth` allocation that this thread makes from now on throws std::bad_alloc, once. One at a time a thread.
 class FailingAllocation {
 public:
-  explicit FailingAllocation(unsigned int nth);
+  /// `size`: only allocations of that many bytes count; 0: all do.
+  explicit FailingAllocation(unsigned int nth, std::size_t size = 0);
   ~FailingAllocation();
   FailingAllocation(const FailingAllocation&) = delete;
   FailingAllocation& operator=(const FailingAllocation&) = delete;

@@ -88,6 +88,11 @@ std::set<int> FakeRadalt::handles() const {
   return handles_;
 }
 
+std::vector<std::chrono::system_clock::time_point> FakeRadalt::access_times() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return access_times_;
+}
+
 int FakeRadalt::init() {
   calls().record("init");
   return init_result_;
@@ -96,6 +101,7 @@ int FakeRadalt::init() {
 int FakeRadalt::read(int handle, unsigned int space, unsigned int address, unsigned int* value) {
   const std::lock_guard<std::mutex> lock(mutex_);
   calls().record(numbers("read", space, address));
+  access_times_.push_back(std::chrono::system_clock::now());
   handles_.insert(handle);
   if (read_status_ == 0) {
     *value = next_value({space, address});
@@ -121,6 +127,7 @@ unsigned int FakeRadalt::next_value(const Register& at) {
 int FakeRadalt::write(int handle, unsigned int space, unsigned int address, unsigned int value) {
   const std::lock_guard<std::mutex> lock(mutex_);
   calls().record(numbers("write", space, address) + " " + std::to_string(value));
+  access_times_.push_back(std::chrono::system_clock::now());
   handles_.insert(handle);
   if (write_status_ != 0) return write_status_;
   registers_[{space, address}] = value;

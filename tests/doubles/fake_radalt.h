@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <initializer_list>
@@ -8,6 +9,7 @@
 #include <optional>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include "call_log.h"
 
@@ -43,6 +45,8 @@ public:
   unsigned int contents(unsigned int space, unsigned int address) const;
   /// The handles with which the board was called.
   std::set<int> handles() const;
+  /// When, by the system clock, each of the log's reads and writes was made.
+  std::vector<std::chrono::system_clock::time_point> access_times() const;
 
   /// @name What the driver's functions do
   /// @{
@@ -70,6 +74,7 @@ private:
   unsigned int reads_left_ = 0;
   unsigned int pending_bit_ = 0;
   std::set<int> handles_;
+  std::vector<std::chrono::system_clock::time_point> access_times_;
 };
 
 }  // namespace doubles

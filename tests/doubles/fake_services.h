@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "call_log.h"
+#include "everybody_engineS.h"
+#include "gui_managerS.h"
+#include "hw_enumerateS.h"
+
+namespace doubles {
+
+/// The unit's three remote services, as real servants of this process's ORB. bind() makes them what the fake
+/// framework's lookups find; each operation can be given something to do first, which may throw a CORBA exception.
+///
+/// Calls in the log: "ShowDialog [<title>] [<text>] [<buttons>] <wait>", "SetDialogSize [<title>] [<size>]",
+/// "GetShutdown", "ShutdownAll <process> <serial>", "ShutdownEngine <engine>".
+class FakeServices {
+public:
+  static constexpr char GUI_MANAGER[] = "Halcyra/local/GUIManager";
+  static constexpr char EVERYBODY_ENGINE[] = "Halcyra/local/EVERYBODYENG/1";
+  static constexpr char HW_ENUMERATION[] = "Halcyra/local/HWENUM_ABLE/1";
+
+  FakeServices();
+  ~FakeServices();
+  FakeServices(const FakeServices&) = delete;
+  FakeServices& operator=(const FakeServices&) = delete;
+
+  /// Binds all three services to their paths.
+  FakeServices& bind();
+  /// What the user answers a dialog that waits with; 0 unless told.
+  FakeServices& user_answers(CORBA::Long answer);
+  /// The everybody engine has no shutdown interface: it returns nil.
+  FakeServices& has_no_shutdown_interface();
+  /// Every call of the operation from now on runs `action` first; what that throws is what the caller gets.
+  FakeServices& runs_first(const std::string& operation, std::function<void()> action);
+
+  Halcyra::gui::GUIManager_ptr gui_manager() const;
+  Varnok::EverybodyEng::Interfaces_ptr everybody_engine() const;
+  Varnok::HwEnumerate_Able_ptr hw_enumeration() const;
+
+private:
+  class Servants;
+  std::unique_ptr<Servants> servants_;
+};
+
+}  // namespace doubles

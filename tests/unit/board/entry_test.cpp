@@ -1,0 +1,192 @@
+#include <gmock/gmock.h>
+
+#include <dlfcn.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <iostream>
+#include <new>
+
+#include <boost/thread/exceptions.hpp>
+
+#include "base_hardware.h"
+#include "captured_output.h"
+#include "failing_allocation.h"
+#include "fake_psdriver.h"
+#include "fake_radalt.h"
+#include "fake_varnok.h"
+#include "hardware.h"
+
+// Each case loads the library in a child process of its own, which ends with _Exit: what it found stands on its
+// standard error and in its exit status.
+
+namespace {
+
+bool mutexes_fail = false;
+
+}  // namespace
+
+/// The C library's function, which can be told to fail.
+extern "C" int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) noexcept {
+  if (mutexes_fail) return EAGAIN;
+  using Init = int (*)(pthread_mutex_t*, const pthread_mutexattr_t*);
+  static const auto real = reinterpret_cast<Init>(dlsym(RTLD_NEXT, "pthread_mutex_init"));
+  return real(mutex, attributes);
+}
+
+namespace {
+
+using doubles::calls;
+using doubles::CapturedOutput;
+using doubles::FakePsdriver;
+using doubles::FakeRadalt;
+using testing::Eq;
+using testing::ExitedWithCode;
+
+constexpr int AS_EXPECTED = 42;
+
+class EntryDeathTest : public testing::Test {
+protected:
+  EntryDeathTest() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
+};
+
+/// Loads the library, with its own trace of the construction unheard.
+void* load(const char* library = ENTRY_LIBRARY) {
+  void* const loaded = dlopen(library, RTLD_NOW | RTLD_LOCAL);
+  if (!loaded) std::cerr << dlerror() << std::endl;
+  return loaded;
+}
+
+[[noreturn]] void leave(bool as_expected) {
+  std::_Exit(as_expected ? AS_EXPECTED : 1);
+}
+
+TEST_F(EntryDeathTest, LoadingMakesTheObjectAndPublishesIt) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        const bool loaded = load() != nullptr;
+        leave(loaded && Hardware && Hardware->GetMaxInterfaces() == 1 && calls().count("init") == 1);
+      },
+      ExitedWithCode(AS_EXPECTED), Eq(""));
+}
+
+TEST_F(EntryDeathTest, TheLoadedObjectHasNoFans) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        load();
+        leave(Hardware->GetFanState(0) == BASE_HARDWARE::FAN_UNKNOWN);
+      },
+      ExitedWithCode(AS_EXPECTED), Eq("BASE_HARDWARE::GetFanState index err\n"));
+}
+
+TEST_F(EntryDeathTest, TheObjectIsPublishedOnlyWhenItsConstructionHasReturned) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        bool null_until_the_end = false;
+        driver.runs_first("SetSwitchInterruptCallback", [&] { null_until_the_end = Hardware == nullptr; });
+        load();
+        leave(null_until_the_end && Hardware);
+      },
+      ExitedWithCode(AS_EXPECTED), Eq(""));
+}
+
+TEST_F(EntryDeathTest, WithHardwareSetOneLineIsPrintedAndNothingElseHappens) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        const CapturedOutput output;
+        auto* const someone = reinterpret_cast<BASE_HARDWARE*>(&board);
+        Hardware = someone;
+        const bool loaded = load() != nullptr;
+        std::_Exit(loaded && Hardware == someone && calls().all().empty() && output.out().empty() &&
+                           output.err() == "so proxy err\n"
+                       ? AS_EXPECTED
+                       : 1);
+      },
+      ExitedWithCode(AS_EXPECTED), Eq(""));
+}
+
+TEST_F(EntryDeathTest, LoadingTheSameLibraryAgainMakesNoSecondObject) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        void* const first = load();
+        const BASE_HARDWARE* const object = Hardware;
+        leave(load() == first && Hardware == object && calls().count("init") == 1);
+      },
+      ExitedWithCode(AS_EXPECTED), Eq(""));
+}
+
+TEST_F(EntryDeathTest, ABoardThatCannotBeOpenedEndsTheHostWithStatusOne) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        driver.runs_first("SetBatteryRelativeStateOfChargeCallback", [] { std::_Exit(77); });
+        board.opens_with(-19);
+        load();
+        leave(true);
+      },
+      ExitedWithCode(1), Eq(" HARDWARE::Init  critical error opening device, errno=-19\n"));
+}
+
+TEST_F(EntryDeathTest, AnExceptionOfTheConstructionLeavesTheLoadAndHardwareNull) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        driver.fails("psdriver");
+        bool thrown = false;
+        try {
+          load();
+        } catch (const psdriverError&) {
+          thrown = true;
+        }
+        leave(thrown && !Hardware && calls().count("init") == 0);
+      },
+      ExitedWithCode(AS_EXPECTED), Eq(""));
+}
+
+TEST_F(EntryDeathTest, NoMemoryForTheObjectLeavesTheLoadAndHardwareNull) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        bool thrown = false;
+        try {
+          const doubles::FailingAllocation failing(1, sizeof(HARDWARE));
+          load();
+        } catch (const std::bad_alloc&) {
+          thrown = true;
+        }
+        leave(thrown && !Hardware && calls().all().empty());
+      },
+      ExitedWithCode(AS_EXPECTED), Eq(""));
+}
+
+TEST_F(EntryDeathTest, AMutexThatCannotBeMadeLeavesTheLoadAsAThreadResourceError) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        bool thrown = false;
+        try {
+          mutexes_fail = true;
+          load();
+        } catch (const boost::thread_resource_error&) {
+          thrown = true;
+        }
+        leave(thrown && !Hardware && calls().all().empty());
+      },
+      ExitedWithCode(AS_EXPECTED), Eq(""));
+}
+
+}  // namespace

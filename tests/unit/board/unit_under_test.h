@@ -1,0 +1,34 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <memory>
+
+#include "captured_output.h"
+#include "fake_psdriver.h"
+#include "fake_radalt.h"
+#include "fake_varnok.h"
+#include "hardware.h"
+
+/// The radar-altimeter unit, with what only it and its derived classes see.
+class OpenHardware : public HARDWARE {
+public:
+  using BASE_HARDWARE::fan_states;
+  using Handheld_Hardware::board_handle_;
+  using Handheld_Hardware::kelvin_offset_;
+};
+
+/// A unit on a fake board and a fake power supply; the log begins after its construction.
+class UnitTest : public testing::Test {
+protected:
+  UnitTest() {
+    doubles::reset_framework();
+    const doubles::CapturedOutput unheard;
+    unit_ = std::make_unique<OpenHardware>();
+    doubles::calls().clear();
+  }
+
+  doubles::FakeRadalt board_;
+  doubles::FakePsdriver driver_;
+  std::unique_ptr<OpenHardware> unit_;
+};
