@@ -12,6 +12,8 @@ function(project_test name)
   cmake_parse_arguments(TEST "IN_PRIVATE_ROOT;WITH_MAIN" "LABEL;TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} GTest::gmock project_warnings)
+  # What is tested is built as it ships; the tests themselves only have to be built soon.
+  target_compile_options(${name} PRIVATE -O0 -g1)
   if(NOT TEST_WITH_MAIN)
     target_link_libraries(${name} PRIVATE GTest::gmock_main)
   endif()
