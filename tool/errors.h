@@ -24,6 +24,7 @@ public:
 /// Ends the command with this status and no message of its own: the reason is known already.
 struct CommandEnd {
   int status;
+  bool interrupted = false;  ///< a signal to this command ended it
 };
 
 }  // namespace tool

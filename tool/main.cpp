@@ -1,5 +1,7 @@
 // The command line of the simulated unit.
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <exception>
 
@@ -20,6 +22,8 @@ int complain(int status, const char* what) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // What is made for a unit is for its programs to read, whoever runs them.
+  umask(022);
   CLI::App app("Runs the hardware library on a simulated unit, and looks after units that run.", "unit");
   app.require_subcommand(1);
   tool::add_run(app);

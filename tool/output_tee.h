@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <deque>
 #include <filesystem>
 #include <mutex>
@@ -27,6 +28,9 @@ public:
   /// Waits until the last writer has closed its end and everything has been copied.
   void finish();
 
+  /// Copies into the log only from now on. Any thread.
+  void mute() { target_ = -1; }
+
   /// The last whole lines, oldest first. Any thread.
   std::vector<std::string> last_lines() const;
 
@@ -35,7 +39,7 @@ private:
   void keep(const char* bytes, std::size_t size);
 
   std::filesystem::path log_;
-  int target_;
+  std::atomic<int> target_;
   int read_ = -1;
   int write_ = -1;
   std::thread copying_;

@@ -46,7 +46,6 @@ public:
 };
 
 void print_state(const ordered_json& state, bool json) {
-  // A document of its own is laid out for people too; of many, each is one line.
   std::fputs((json ? state.dump() + '\n' : as_text(state)).c_str(), stdout);
   std::fflush(stdout);
 }
@@ -60,11 +59,11 @@ std::string screen_text(const StartedUnit& unit, const ordered_json& state) {
   return text;
 }
 
-void show_until_ended(StartedUnit& unit, bool json, bool on_screen) {
-  const std::unique_ptr<Screen> screen = on_screen ? std::make_unique<Screen>() : nullptr;
+/// Shows the state once a second until something ends.
+[[noreturn]] void show_forever(StartedUnit& unit, bool json, const Screen* screen) {
   for (std::chrono::milliseconds patience = first_patience;; patience = std::chrono::milliseconds(0)) {
     const ordered_json state = read_unit_state(unit.host(), patience);
-    if (screen) {
+    if (screen != nullptr) {
       screen->show(screen_text(unit, state));
     } else {
       print_state(state, json);
@@ -73,23 +72,38 @@ void show_until_ended(StartedUnit& unit, bool json, bool on_screen) {
   }
 }
 
+/// The same on a screen of its own; what the host said last of errors is shown afterwards where it has ended by itself.
+void show_on_screen(StartedUnit& unit) {
+  unit.mute();
+  try {
+    const Screen screen;
+    show_forever(unit, false, &screen);
+  } catch (const CommandEnd& end) {
+    if (!end.interrupted) {
+      for (const std::string& line : unit.last_errors()) {
+        std::fprintf(stderr, "%s\n", line.c_str());
+      }
+    }
+    throw;
+  }
+}
+
 void run(const RunOptions& options) {
   const Signals signals;
-  const bool on_screen = !options.once && !options.json && isatty(STDOUT_FILENO) == 1;
-  const OutputTargets targets{options.json ? STDERR_FILENO
-                              : on_screen  ? -1
-                                           : STDOUT_FILENO,
-                              on_screen ? -1 : STDERR_FILENO};
-  StartedUnit unit(options.unit, targets, signals);
+  StartedUnit unit(options.unit, {options.json ? STDERR_FILENO : STDOUT_FILENO, STDERR_FILENO}, signals);
   if (options.once) {
     print_state(read_unit_state(unit.host(), first_patience), options.json);
     return;
   }
   try {
-    show_until_ended(unit, options.json, on_screen);
+    if (!options.json && isatty(STDOUT_FILENO) == 1) {
+      show_on_screen(unit);
+    } else {
+      show_forever(unit, options.json, nullptr);
+    }
   } catch (const CommandEnd& end) {
     // Being ended is this command's ordinary end.
-    if (end.status <= status_of_signal(0)) {
+    if (!end.interrupted) {
       throw;
     }
   }

@@ -133,6 +133,11 @@ std::string StartedUnit::bring_inside(const std::string& library) const {
   return (fs::path("/run/unit/library") / name).string();
 }
 
+void StartedUnit::mute() {
+  out_.mute();
+  err_.mute();
+}
+
 void StartedUnit::pause(std::chrono::milliseconds time) {
   const auto deadline = std::chrono::steady_clock::now() + time;
   for (auto left = time; left.count() > 0;
@@ -149,7 +154,7 @@ void StartedUnit::wait(int descriptor, std::chrono::milliseconds time) {
     }
     while (const std::optional<int> number = signals_.take()) {
       if (*number != SIGCHLD) {
-        throw CommandEnd{status_of_signal(*number)};
+        throw CommandEnd{status_of_signal(*number), true};
       }
     }
     if (const std::optional<int> status = root_->poll()) {

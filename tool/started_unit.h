@@ -38,7 +38,7 @@ simulator::sysroot::StateFolder make_state(const std::string& path);
 /// Throws CommandError where this machine gives no private root.
 void require_private_root();
 
-/// Where the host's output goes beside the unit's logs; -1: nowhere.
+/// Where the host's output goes beside the unit's logs, run/unit/log/host.out and host.err; -1: nowhere.
 struct OutputTargets {
   int out = 1;
   int err = 2;
@@ -57,7 +57,10 @@ public:
   HostClient& host() { return *host_; }
   simulator::model::UnitModel& model() { return model_; }
   const std::filesystem::path& state() const { return state_.path(); }
+  /// Keeps the host's output to the unit's logs from now on.
+  void mute();
   std::vector<std::string> last_output() const { return out_.last_lines(); }
+  std::vector<std::string> last_errors() const { return err_.last_lines(); }
 
   /// Waits `time`, or less where something ends: throws CommandEnd as the constructor does.
   void pause(std::chrono::milliseconds time);

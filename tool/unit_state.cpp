@@ -27,6 +27,15 @@ std::string line(const std::string& name, const std::string& value) {
   return text + value + '\n';
 }
 
+/// Rows with their label first.
+ordered_json labelled(const json& rows, const char* value) {
+  ordered_json labelled_rows = ordered_json::array();
+  for (const json& row : rows) {
+    labelled_rows.push_back({{"name", row["name"]}, {value, row[value]}});
+  }
+  return labelled_rows;
+}
+
 std::string yes_or_no(const ordered_json& flag) {
   return flag.get<bool>() ? "yes" : "no";
 }
@@ -35,12 +44,12 @@ std::string yes_or_no(const ordered_json& flag) {
 
 ordered_json read_unit_state(HostClient& host, std::chrono::milliseconds patience) {
   ordered_json state;
-  state["versions"] = host.call("GetVersionList")["versions"];
+  state["versions"] = labelled(host.call("GetVersionList")["versions"], "version");
   // The listener comes before the value: what the charger query publishes reaches it.
   host.call("external_voltage");
   host.call("GetChargerStatus");
   const json charge = host.call("GetBatteryChargeStatus");
-  state["temperatures"] = host.call("GetTemperature")["temperatures"];
+  state["temperatures"] = labelled(host.call("GetTemperature")["temperatures"], "celsius");
   ordered_json& power = state["power"];
   power["charge_percent"] = charge["result"].get<bool>() ? charge["charge"] : json();
   power["battery_present"] = host.call("BatteryPresent")["result"].get<int>() != 0;
