@@ -76,11 +76,11 @@ private:
       pause();
     }
   }
-  become_program(
-      {"dnsmasq", "--keep-in-foreground", "--conf-file=/dev/null", "--user=", "--group=", "--pid-file=", "--port=0",
-       "--interface=srv0", "--bind-interfaces", "--dhcp-authoritative", "--no-ping",
-       "--dhcp-range=10.77.0.10,10.77.0.50,255.255.255.0,1h", "--dhcp-option=option:dns-server,10.77.0.1", "--dhcp-leasefile=/run/unit/leases", "--log-facility=-"},
-      {far_end_log});
+  become_program({"dnsmasq", "--keep-in-foreground", "--conf-file=/dev/null",
+                  "--user=", "--group=", "--pid-file=", "--port=0", "--interface=srv0", "--bind-interfaces",
+                  "--dhcp-authoritative", "--no-ping", "--dhcp-range=10.77.0.10,10.77.0.50,255.255.255.0,1h",
+                  "--dhcp-option=option:dns-server,10.77.0.1", "--dhcp-leasefile=/run/unit/leases", "--log-facility=-"},
+                 {far_end_log});
 }
 
 /// Whether some socket of that process's network namespace is bound to the DHCP server's port.

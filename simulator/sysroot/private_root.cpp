@@ -11,6 +11,7 @@
 #include <system_error>
 #include <thread>
 
+#include "bwrap_command.h"
 #include "unit_environment.h"
 
 namespace simulator::sysroot {
@@ -57,7 +58,7 @@ Words init_line(const RootOptions& options, int lifeline) {
 
 }  // namespace
 
-PrivateRoot::PrivateRoot(const StateFolder& state, const RootOptions& options) : bwrap_(options.build, state.path()) {
+PrivateRoot::PrivateRoot(const StateFolder& state, const RootOptions& options) {
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) {
     throw std::system_error(errno, std::generic_category(), "pipe");
@@ -67,7 +68,8 @@ PrivateRoot::PrivateRoot(const StateFolder& state, const RootOptions& options) :
 
   std::vector<std::pair<std::string, std::string>> environment = unit_environment(state, naming_port);
   environment.insert(environment.end(), options.environment.begin(), options.environment.end());
-  const Words words = bwrap_.line(environment, init_line(options, ends[0]));
+  const BwrapCommand bwrap(options.build, state.path());
+  const Words words = bwrap.line(environment, init_line(options, ends[0]));
   std::vector<char*> line;
   for (const std::string& word : words) {
     line.push_back(const_cast<char*>(word.c_str()));

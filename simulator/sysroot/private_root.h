@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "bwrap_command.h"
 #include "state_folder.h"
 
 namespace simulator::sysroot {
@@ -50,7 +49,6 @@ public:
 private:
   std::optional<int> reap(int options);
 
-  BwrapCommand bwrap_;
   pid_t process_ = -1;
   int lifeline_ = -1;  ///< everything inside ends when this end is closed
   std::optional<int> status_;
