@@ -14,6 +14,8 @@ constexpr const char* cyclone_configuration =
     "<Discovery><ParticipantIndex>auto</ParticipantIndex><MaxAutoParticipantIndex>31</MaxAutoParticipantIndex>"
     "<Peers><Peer address=\"127.0.0.1\"/></Peers></Discovery></Domain></CycloneDDS>";
 
+/// OpenDDS finds the other processes by multicast on the loopback interface and sends to them directly. With its own
+/// heartbeat and repair times a value that was published before its reader came would take seconds.
 constexpr const char* opendds_configuration =
     "[common]\n"
     "DCPSGlobalTransportConfig=$file\n"
@@ -21,12 +23,16 @@ constexpr const char* opendds_configuration =
     "DCPSRTISerialization=1\n"
     "[transport/unit_transport]\n"
     "transport_type=rtps_udp\n"
-    "local_address=127.0.0.1:\n"
-    "multicast_interface=lo\n"
+    "local_address=127.0.0.1:0\n"
+    "use_multicast=0\n"
+    "heartbeat_period=50\n"
+    "heartbeat_response_delay=5\n"
+    "nak_response_delay=5\n"
     "[rtps_discovery/unit_discovery]\n"
-    "SpdpLocalAddress=127.0.0.1\n"
-    "SedpLocalAddress=127.0.0.1:\n"
     "MulticastInterface=lo\n"
+    "SedpMulticast=0\n"
+    "SedpLocalAddress=127.0.0.1:0\n"
+    "SpdpLocalAddress=127.0.0.1\n"
     "ResendPeriod=1\n";
 
 }  // namespace
