@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <regex>
 
 #include "tool_output.h"
 
@@ -23,12 +24,14 @@ void PrintTo(const Member& member, std::ostream* out) {
   *out << member.name << " at " << member.offset;
 }
 
+/// Text of an XML attribute, its angle brackets as they are in C++.
 std::string attribute(const std::string& line, const std::string& name) {
   const std::string key = " " + name + "='";
   const std::size_t begin = line.find(key);
   if (begin == std::string::npos) return "";
   const std::size_t value = begin + key.size();
-  return line.substr(value, line.find('\'', value) - value);
+  const std::string text = line.substr(value, line.find('\'', value) - value);
+  return std::regex_replace(std::regex_replace(text, std::regex("&lt;"), "<"), std::regex("&gt;"), ">");
 }
 
 const std::vector<std::string>& interface_dump() {
