@@ -39,7 +39,7 @@ const std::vector<std::string>& interface_dump() {
   return dump;
 }
 
-/// The lines between a class's tag and its end.
+/// The lines between a class's tag and its end, without those of classes inside it.
 std::vector<std::string> class_body(const std::string& name) {
   std::vector<std::string> body;
   std::size_t depth = 0;
@@ -47,8 +47,8 @@ std::vector<std::string> class_body(const std::string& name) {
     const bool opens = line.find("<class-decl") != std::string::npos && line.find("/>") == std::string::npos;
     if (depth == 0 && !(opens && attribute(line, "name") == name)) continue;
     if (opens) ++depth;
+    if (depth == 1) body.push_back(line);
     if (line.find("</class-decl>") != std::string::npos && --depth == 0) return body;
-    body.push_back(line);
   }
   throw std::runtime_error("no class " + name + " in the debug information");
 }

@@ -73,7 +73,7 @@ std::vector<Names> slots(const std::string& table) {
     Names operation;
     for (const std::string& name : targets.at(at)) {
       const std::string text = demangled(name);
-      operation.insert(text.substr(0, text.find('(')));
+      operation.insert(text.substr(0, text.find_first_of("([")));
     }
     operations.push_back(operation);
   }
