@@ -18,6 +18,33 @@ using simulator::model::SettingError;
 using simulator::model::settings;
 using simulator::model::SettingType;
 
+/// The row of the documentation's table that describes the setting.
+std::string documented(const Setting& setting) {
+  const std::string range = std::to_string(setting.minimum) + " to " + std::to_string(setting.maximum);
+  std::string takes;
+  switch (setting.type) {
+    case SettingType::NUMBER:
+      takes = range;
+      break;
+    case SettingType::WORD:
+      takes = "word";
+      break;
+    case SettingType::DURATION:
+      takes = range + " or `\"never\"`";
+      break;
+    case SettingType::FLAG:
+      takes = "`true`, `false`";
+      break;
+    case SettingType::CHOICE:
+      takes = "behaviour";
+      break;
+    case SettingType::OPTIONAL_TEXT:
+      takes = "text or `null`";
+      break;
+  }
+  return "| `" + setting.name + "` | " + takes + " | " + setting.unit + " | " + setting.doc + " |";
+}
+
 /// A value that the setting takes and that differs from every initial one.
 json other_value(const Setting& setting) {
   switch (setting.type) {
@@ -65,6 +92,20 @@ TEST_F(SettingsTest, EverySettingHasANameAndADocumentation) {
     names.insert(setting.name);
   }
   EXPECT_EQ(names.size(), settings().size());
+}
+
+TEST_F(SettingsTest, TheDocumentationHasARowForEverySettingAndNoOther) {
+  std::vector<std::string> rows;
+  for (const std::string& line : simulator_test::lines_of(UNIT_FILE_PAGE)) {
+    if (line.rfind("| `", 0) == 0) {
+      rows.push_back(line);
+    }
+  }
+  std::vector<std::string> expected;
+  for (const Setting& setting : settings()) {
+    expected.push_back(documented(setting));
+  }
+  EXPECT_EQ(rows, expected);
 }
 
 TEST_F(SettingsTest, SettingsReachTheModel) {
