@@ -1,0 +1,150 @@
+#include "remote_services.h"
+
+#include "fake_services.h"
+#include "handheld_under_test.h"
+
+namespace {
+
+using doubles::calls;
+using doubles::CapturedOutput;
+using doubles::FakeServices;
+using testing::ElementsAre;
+
+const char NO_GUI_MANAGER[] = "Handheld_Hardware::FindGuiManagerInstance Missing GuiManager err\n";
+const char NO_EVERYBODY[] = "Handheld_Hardware::Missing Everybody Engine err, please load\n";
+const char NO_ENUMERATION[] = "Handheld_Hardware::Missing HW Enumeration Engine err, please load\n";
+
+class RemoteServicesTest : public testing::Test {
+protected:
+  RemoteServicesTest() {
+    doubles::reset_framework();
+    reset_driver_link();
+    calls().clear();
+  }
+  ~RemoteServicesTest() override { reset_driver_link(); }
+
+  FakeServices services_;
+  CapturedOutput output_;
+};
+
+TEST_F(RemoteServicesTest, TheGuiManagerIsFoundByItsPathOfThreeNames) {
+  services_.bind();
+  FindGuiManagerInstance();
+  EXPECT_THAT(calls().all(), ElementsAre("lookup Halcyra/local/GUIManager"));
+  ASSERT_FALSE(CORBA::is_nil(GuiManagerPtr.in()));
+  EXPECT_TRUE(GuiManagerPtr->_is_equivalent(services_.gui_manager()));
+  EXPECT_EQ(output_.out() + output_.err(), "");
+}
+
+TEST_F(RemoteServicesTest, WithoutAGuiManagerOneLineIsPrintedAndTheHolderStaysNil) {
+  FindGuiManagerInstance();
+  EXPECT_TRUE(CORBA::is_nil(GuiManagerPtr.in()));
+  EXPECT_EQ(output_.err(), NO_GUI_MANAGER);
+  EXPECT_EQ(output_.out(), "");
+}
+
+TEST_F(RemoteServicesTest, ALaterLookupThatFailsKeepsTheEarlierGuiManager) {
+  services_.bind();
+  FindGuiManagerInstance();
+  doubles::unbind_service(FakeServices::GUI_MANAGER);
+  FindGuiManagerInstance();
+  ASSERT_FALSE(CORBA::is_nil(GuiManagerPtr.in()));
+  EXPECT_TRUE(GuiManagerPtr->_is_equivalent(services_.gui_manager()));
+  EXPECT_EQ(output_.err(), NO_GUI_MANAGER);
+}
+
+TEST_F(RemoteServicesTest, AnObjectOfAnotherTypeMakesTheGuiManagerNilWithoutAnyMessage) {
+  services_.bind();
+  FindGuiManagerInstance();
+  doubles::bind_service(FakeServices::GUI_MANAGER, services_.hw_enumeration());
+  FindGuiManagerInstance();
+  EXPECT_TRUE(CORBA::is_nil(GuiManagerPtr.in()));
+  EXPECT_EQ(output_.out() + output_.err(), "");
+}
+
+TEST_F(RemoteServicesTest, AnyTypeOfExceptionOfTheGuiManagersLookupIsSwallowed) {
+  doubles::run_first_in_lookups(FakeServices::GUI_MANAGER, [] { throw 42; });
+  EXPECT_NO_THROW(FindGuiManagerInstance());
+  EXPECT_EQ(output_.err(), NO_GUI_MANAGER);
+}
+
+TEST_F(RemoteServicesTest, EachLookupMakesAWrapperThatIsNeverDestroyed) {
+  services_.bind();
+  const unsigned int made = doubles::wrappers_made();
+  FindGuiManagerInstance();
+  FindGuiManagerInstance();
+  FindEverybodyEngine();
+  FindHwEnumerationEngine();
+  EXPECT_EQ(doubles::wrappers_made(), made + 4);
+  EXPECT_EQ(doubles::wrappers_destroyed(), 0U);
+}
+
+TEST_F(RemoteServicesTest, TheEverybodyEngineIsFoundByItsPathOfFourNames) {
+  services_.bind();
+  FindEverybodyEngine();
+  EXPECT_THAT(calls().all(), ElementsAre("lookup Halcyra/local/EVERYBODYENG/1"));
+  ASSERT_FALSE(CORBA::is_nil(EverBdyPtr));
+  EXPECT_TRUE(EverBdyPtr->_is_equivalent(services_.everybody_engine()));
+  EXPECT_EQ(output_.out() + output_.err(), "");
+}
+
+TEST_F(RemoteServicesTest, WithoutAnEverybodyEngineItsLineIsPrinted) {
+  FindEverybodyEngine();
+  EXPECT_EQ(EverBdyPtr, nullptr);
+  EXPECT_EQ(output_.err(), NO_EVERYBODY);
+  EXPECT_EQ(output_.out(), "");
+}
+
+TEST_F(RemoteServicesTest, AnEverybodyEngineOfAnotherTypeIsReportedAsNull) {
+  services_.bind();
+  FindEverybodyEngine();
+  doubles::bind_service(FakeServices::EVERYBODY_ENGINE, services_.gui_manager());
+  FindEverybodyEngine();
+  EXPECT_TRUE(CORBA::is_nil(EverBdyPtr));
+  EXPECT_EQ(output_.err(), "EveryBdyPtr is null\n");
+}
+
+TEST_F(RemoteServicesTest, ALaterLookupThatFailsKeepsTheEarlierEverybodyEngine) {
+  services_.bind();
+  FindEverybodyEngine();
+  doubles::run_first_in_lookups(FakeServices::EVERYBODY_ENGINE, [] { throw CORBA::TRANSIENT(); });
+  FindEverybodyEngine();
+  ASSERT_FALSE(CORBA::is_nil(EverBdyPtr));
+  EXPECT_TRUE(EverBdyPtr->_is_equivalent(services_.everybody_engine()));
+  EXPECT_EQ(output_.err(), NO_EVERYBODY);
+}
+
+TEST_F(RemoteServicesTest, TheEnumerationEngineIsFoundByItsPathOfFourNames) {
+  services_.bind();
+  FindHwEnumerationEngine();
+  EXPECT_THAT(calls().all(), ElementsAre("lookup Halcyra/local/HWENUM_ABLE/1"));
+  ASSERT_FALSE(CORBA::is_nil(EnumEngPtr.in()));
+  EXPECT_TRUE(EnumEngPtr->_is_equivalent(services_.hw_enumeration()));
+  EXPECT_EQ(output_.out() + output_.err(), "");
+}
+
+TEST_F(RemoteServicesTest, WithoutAnEnumerationEngineItsLineIsPrinted) {
+  FindHwEnumerationEngine();
+  EXPECT_TRUE(CORBA::is_nil(EnumEngPtr.in()));
+  EXPECT_EQ(output_.err(), NO_ENUMERATION);
+  EXPECT_EQ(output_.out(), "");
+}
+
+TEST_F(RemoteServicesTest, AnEnumerationEngineOfAnotherTypeIsReportedAsNull) {
+  services_.bind();
+  doubles::bind_service(FakeServices::HW_ENUMERATION, services_.gui_manager());
+  FindHwEnumerationEngine();
+  EXPECT_TRUE(CORBA::is_nil(EnumEngPtr.in()));
+  EXPECT_EQ(output_.err(), "HwEnumPtr is null\n");
+}
+
+TEST_F(RemoteServicesTest, ALaterLookupThatFailsKeepsTheEarlierEnumerationEngine) {
+  services_.bind();
+  FindHwEnumerationEngine();
+  doubles::unbind_service(FakeServices::HW_ENUMERATION);
+  FindHwEnumerationEngine();
+  ASSERT_FALSE(CORBA::is_nil(EnumEngPtr.in()));
+  EXPECT_EQ(output_.err(), NO_ENUMERATION);
+}
+
+}  // namespace
