@@ -1,0 +1,41 @@
+#include <chrono>
+#include <thread>
+
+#include "child.h"
+#include "comparison.h"
+
+namespace {
+
+using benchmarks::Aim;
+using benchmarks::Child;
+using benchmarks::Comparison;
+
+constexpr auto SETTLING_TIME = std::chrono::milliseconds(300);
+constexpr double MIB = 1024 * 1024;
+
+double start_time(const char* side) {
+  return Child("started_process", {side}).number();
+}
+
+double resident(const char* side) {
+  Child child("started_process", {side});
+  child.number();
+  std::this_thread::sleep_for(SETTLING_TIME);
+  child.say("resident");
+  return child.number();
+}
+
+const bool load = benchmarks::compare({"load to Hardware set, against bare participant, writer and reader",
+                                       [] { return start_time("library"); },
+                                       [] { return start_time("bare"); },
+                                       {Aim::Kind::RATIO_AT_MOST, 1.2},
+                                       100});
+
+const bool memory = benchmarks::compare({"resident memory, against the bare engine's",
+                                         [] { return resident("library"); },
+                                         [] { return resident("bare"); },
+                                         {Aim::Kind::EXCESS_AT_MOST, 2 * MIB},
+                                         10,
+                                         "B"});
+
+}  // namespace

@@ -1,0 +1,40 @@
+#include <vector>
+
+#include "comparison.h"
+#include "driver_link.h"
+#include "the_unit.h"
+
+namespace {
+
+using benchmarks::Aim;
+
+/// Three RF transfers of 50 microseconds.
+constexpr double WAITS = 150000;
+
+double version_list() {
+  BASE_HARDWARE& hardware = benchmarks::the_hardware();
+  std::vector<VERSIONSDATA> list;
+  return benchmarks::time_of([&] { hardware.GetVersionList(list); });
+}
+
+/// What the list cannot do without, beside the waits.
+void gather() {
+  benchmarks::read_file("/sys/class/omappci/FPGA_ver");
+  benchmarks::read_file("/sys/class/omappci/Board_rev");
+  benchmarks::read_file("/sys/bus/platform/devices/omap-jtag/CPLD_ver");
+  PSdriver->GetSoftwareVersionNumber();
+  semPowerSupplyVerIrq.wait();
+}
+
+double mandated() {
+  benchmarks::the_hardware();
+  return WAITS + benchmarks::time_of(gather);
+}
+
+const bool registered = benchmarks::compare({"GetVersionList, against its waits, files and driver's reply",
+                                             version_list,
+                                             mandated,
+                                             {Aim::Kind::RATIO_AT_MOST, 1.15},
+                                             500});
+
+}  // namespace

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+namespace benchmarks {
+
+/// What a figure shall come to beside what it is compared with. Only shown: nothing fails where it is missed.
+struct Aim {
+  enum class Kind {
+    RATIO_AT_MOST,   ///< figure / baseline
+    RATE_AT_LEAST,   ///< baseline / figure: operations done in the time of one of the baseline's
+    EXCESS_AT_MOST,  ///< figure - baseline, in the figure's unit
+  };
+
+  Kind kind;
+  double value;
+
+  /// What `figure` comes to beside `baseline`.
+  double compare(double figure, double baseline) const;
+  bool met_by(double compared) const;
+};
+
+/// One figure and what it is compared with, measured in turns within one run.
+struct Comparison {
+  using Measure = std::function<double()>;
+
+  std::string name;
+  Measure figure;    ///< measures once; nanoseconds, or bytes where `unit` says so
+  Measure baseline;  ///< likewise; a floor that is known by reckoning just returns it
+  Aim aim;
+  int samples;  ///< how often each side is measured; medians count
+  std::string unit = "ns";
+};
+
+/// Registers the comparison as a benchmark. Returns true, so that a file-scope object can call it.
+bool compare(const Comparison& comparison);
+
+using Clock = std::chrono::steady_clock;
+
+/// Nanoseconds that one call of `work` takes.
+template <typename Work>
+double time_of(const Work& work) {
+  const auto begin = Clock::now();
+  work();
+  return std::chrono::duration<double, std::nano>(Clock::now() - begin).count();
+}
+
+/// Nanoseconds that one call of `work` takes, of `calls` in a row.
+template <typename Work>
+double time_of_each(int calls, const Work& work) {
+  return time_of([&] {
+           for (int call = 0; call < calls; ++call) {
+             work();
+           }
+         }) /
+         calls;
+}
+
+}  // namespace benchmarks

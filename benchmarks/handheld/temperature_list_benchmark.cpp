@@ -1,0 +1,43 @@
+#include <cstdlib>
+#include <vector>
+
+#include "comparison.h"
+#include "driver_link.h"
+#include "the_unit.h"
+
+namespace {
+
+using benchmarks::Aim;
+
+/// Those of one RF conversion.
+constexpr double WAITS = 450000;
+
+double temperature_list() {
+  BASE_HARDWARE& hardware = benchmarks::the_hardware();
+  std::vector<TEMPERATUREDATA> list;
+  return benchmarks::time_of([&] { hardware.GetTemperature(list); });
+}
+
+/// What the list cannot do without, beside the waits.
+void gather() {
+  PSdriver->GetPowerSupplyTemperatureValue();
+  semPowerSupplyTempIrq.wait();
+  PSdriver->GetBatteryTemperature();
+  semBatteryTempIrq.wait();
+  [[maybe_unused]] const int status = std::system("/home/radalt/bin/i2c_read 3 0x48 0 > /tmp/MIC284");
+  benchmarks::read_file("/tmp/MIC284");
+  benchmarks::read_file("/sys/class/hwmon/hwmon0/device/celsius");
+}
+
+double mandated() {
+  benchmarks::the_hardware();
+  return WAITS + benchmarks::time_of(gather);
+}
+
+const bool registered = benchmarks::compare({"GetTemperature, against its waits, command, files and driver's replies",
+                                             temperature_list,
+                                             mandated,
+                                             {Aim::Kind::RATIO_AT_MOST, 1.15},
+                                             300});
+
+}  // namespace
