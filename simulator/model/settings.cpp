@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "simulator/model/board.h"
 #include "simulator/model/settings_table.h"
 
 namespace simulator::model {
@@ -90,7 +91,14 @@ std::optional<std::uint32_t> number_in(std::string_view text) {
   return whole ? std::optional(number) : std::nullopt;
 }
 
-/// The setting board.register.<space>.<address>; none where the name is not of that form.
+/// True for a register that the board lets nobody set.
+bool is_out_of_reach(std::uint32_t space, std::uint32_t address) {
+  const bool is_request = space == 1 && address == Board::RF_REQUEST;
+  const bool is_last = space == 0xFFFFFFFF && address == 0xFFFFFFFF;
+  return is_request || is_last;
+}
+
+/// The setting board.register.<space>.<address>; none where the name is not of that form or nobody can set it.
 std::optional<Setting> find_register(const std::string& name) {
   if (name.compare(0, REGISTER_PREFIX.size(), REGISTER_PREFIX) != 0) {
     return std::nullopt;
@@ -102,7 +110,10 @@ std::optional<Setting> find_register(const std::string& name) {
   }
   const auto space = number_in(numbers.substr(0, dot));
   const auto address = number_in(numbers.substr(dot + 1));
-  return space && address ? std::optional(register_setting(name, *space, *address, "board register")) : std::nullopt;
+  if (!space || !address || is_out_of_reach(*space, *address)) {
+    return std::nullopt;
+  }
+  return register_setting(name, *space, *address, "board register");
 }
 
 Setting found(const std::string& name) {

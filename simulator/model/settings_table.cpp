@@ -181,7 +181,7 @@ Setting register_setting(const std::string& name, std::uint32_t space, std::uint
   setting.get = [=](UnitModel& unit) -> json { return unit.board().register_value(space, address); };
   setting.set = [=](UnitModel& unit, const json& value) {
     if (!unit.board().set_register(space, address, word_of(value))) {
-      throw SettingError(name, "the board has no such register to set");
+      throw SettingError(name, "the board has no room for one more register");
     }
   };
   return setting;

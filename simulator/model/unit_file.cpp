@@ -98,6 +98,18 @@ void collect(const std::string& name, const json& value, Values& values) {
   }
 }
 
+/// Refuses more registers than a board has room for beside those that have names of their own.
+void check_room(const Values& values) {
+  const auto registers = std::count_if(values.begin(), values.end(), [](const auto& each) {
+    return each.first.compare(0, REGISTERS.size(), REGISTERS) == 0;
+  });
+  if (registers > UnitFile::REGISTERS_AT_MOST) {
+    throw SettingError(std::string(REGISTERS), "holds " + std::to_string(registers) +
+                                                   " registers; a unit file has room for " +
+                                                   std::to_string(UnitFile::REGISTERS_AT_MOST));
+  }
+}
+
 json parsed_text(const std::string& text, const std::string& name) {
   TwiceWatch watch;
   json parsed;
@@ -140,6 +152,7 @@ UnitFile UnitFile::parse(const std::string& text, const std::string& name) {
     for (const auto& [key, value] : parsed.items()) {
       collect(key, value, file.values_);
     }
+    check_room(file.values_);
   } catch (const SettingError& error) {
     throw UnitFileError(name, error.name, error.reason);
   }

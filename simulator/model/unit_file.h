@@ -25,6 +25,9 @@ public:
 /// unit's own initial values (all numbers 0, no sysfs files, a board that answers, services present).
 class UnitFile {
 public:
+  /// How many settings board.register.… a file may hold.
+  static constexpr int REGISTERS_AT_MOST = 4000;
+
   /// Reads and checks the whole file. Throws UnitFileError.
   static UnitFile load(const std::string& path);
   /// The same of a text; `name` stands for the file in errors.

@@ -123,7 +123,16 @@ TEST_F(SettingsTest, AnyBoardRegisterCanBeSet) {
   set_setting(unit_, "board.register.2.4096", "0xFFFFFFFF");
   EXPECT_EQ(unit_.board().read(2, 4096), 0xFFFFFFFFU);
   EXPECT_EQ(get_setting(unit_, "board.register.2.4096"), 0xFFFFFFFFU);
-  EXPECT_EQ(refusal("board.register.1.252", 1), "the board has no such register to set");
+  EXPECT_EQ(refusal("board.register.1.252", 1), "no such setting");
+  EXPECT_EQ(refusal("board.register.4294967295.4294967295", 1), "no such setting");
+  EXPECT_EQ(refusal("board.register.4294967295.4294967294", 1), "taken");
+}
+
+TEST_F(SettingsTest, ABoardThatIsFullTakesNoFurtherRegister) {
+  for (std::uint32_t address = 0; address < 4096; ++address) {
+    unit_.board().set_register(7, address, 1);
+  }
+  EXPECT_EQ(refusal("board.register.7.4096", 1), "the board has no room for one more register");
 }
 
 TEST_F(SettingsTest, ATextFromTheCommandLineIsReadAsTheSettingWantsIt) {

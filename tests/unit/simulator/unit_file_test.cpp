@@ -119,6 +119,17 @@ TEST_F(UnitFileTest, AValueOutOfRangeIsRefused) {
                "unit.json: sensors.i2c_read_status: must be a whole number from 0 to 255, not 256");
 }
 
+TEST_F(UnitFileTest, MoreRegistersThanThereIsRoomForAreRefused) {
+  nlohmann::json file;
+  for (int address = 0; address < 4000; ++address) {
+    file["board"]["register"]["9"][std::to_string(address)] = 1;
+  }
+  EXPECT_NO_THROW(unit_with(file.dump()));
+  file["board"]["register"]["9"]["4000"] = 1;
+  EXPECT_STREQ(refusal_of(file.dump()).what(),
+               "unit.json: board.register: holds 4001 registers; a unit file has room for 4000");
+}
+
 TEST_F(UnitFileTest, AKeyGivenTwiceIsRefused) {
   EXPECT_STREQ(refusal_of(R"({"board": {"handle": 1, "digital": {}, "handle": 2}})").what(),
                "unit.json: board.handle: given twice");
