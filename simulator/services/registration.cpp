@@ -17,13 +17,18 @@ CosNaming::Name name_of(const std::vector<std::string>& path) {
   return name;
 }
 
-/// The naming service's root context; a service that is not there yet is asked again until `patience` has run out.
+/// The naming service's root context. A service that is not there yet, or listens and does not know its root yet, is
+/// asked again until `patience` has run out.
 CosNaming::NamingContext_ptr find_root(CORBA::ORB_ptr orb, std::chrono::milliseconds patience) {
   const auto deadline = std::chrono::steady_clock::now() + patience;
   for (;;) {
     try {
       CORBA::Object_var object = orb->resolve_initial_references("NameService");
-      return CosNaming::NamingContext::_narrow(object);
+      CosNaming::NamingContext_var root = CosNaming::NamingContext::_narrow(object);
+      if (CORBA::is_nil(root)) {
+        throw CORBA::OBJECT_NOT_EXIST();
+      }
+      return root._retn();
     } catch (const CORBA::SystemException&) {
       if (std::chrono::steady_clock::now() >= deadline) {
         throw;

@@ -26,6 +26,10 @@ protected:
   }
 };
 
+Service other_than(Service service) {
+  return service == Service::GUI_MANAGER ? Service::HW_ENUMERATE : Service::GUI_MANAGER;
+}
+
 class BehaviourOf : public Behaviour, public testing::WithParamInterface<Service> {};
 
 INSTANTIATE_TEST_SUITE_P(Services, BehaviourOf,
@@ -58,6 +62,8 @@ TEST_P(BehaviourOf, AServiceThatDiesBreaksTheCallAndStaysDead) {
   model().record().start();
   EXPECT_THROW(call(), CORBA::COMM_FAILURE);
   EXPECT_THROW(call(), CORBA::SystemException);
+  behave(other_than(GetParam()), ServiceBehaviour::THROWS);
+  EXPECT_THROW(call_of(GetParam())(), CORBA::SystemException);
   EXPECT_EQ(calls().size(), 1U);
 }
 

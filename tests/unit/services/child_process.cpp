@@ -2,10 +2,11 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <system_error>
 
 extern char** environ;
@@ -35,14 +36,20 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const std:
   for (char** variable = environ; *variable != nullptr; ++variable) {
     variable_texts.emplace_back(*variable);
   }
-  posix_spawn_file_actions_t actions;
-  ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
-  ::posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-  const int error = ::posix_spawnp(&id_, argument_texts[0].c_str(), &actions, nullptr, pointers(argument_texts).data(),
-                                   pointers(variable_texts).data());
-  ::posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) {
+  const std::vector<char*> argv = pointers(argument_texts);
+  const std::vector<char*> envp = pointers(variable_texts);
+  const int log = ::open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+  id_ = log < 0 ? -1 : ::fork();
+  if (id_ == 0) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    ::dup2(log, STDOUT_FILENO);
+    ::dup2(log, STDERR_FILENO);
+    ::execvpe(argv[0], argv.data(), envp.data());
+    ::_exit(127);
+  }
+  const int error = errno;
+  ::close(log);
+  if (id_ < 0) {
     throw std::system_error(error, std::generic_category(), arguments[0]);
   }
 }

@@ -7,7 +7,7 @@
 
 namespace services_test {
 
-/// A program run as a child, killed at the latest by the destructor.
+/// A program run as a child, killed at the latest by the destructor or with the thread that has started it.
 class ChildProcess {
 public:
   /// Starts it with these variables added to the environment; what it writes to both streams goes to the file

@@ -61,6 +61,7 @@ UnitWithServices::UnitWithServices() {
       simulator::model::UnitModel::create(file("run/unit/model"), simulator::model::UnitFile())));
   start_naming_service();
   orb_ = dcps::start_loopback_orb(naming_port_);
+  await_naming_service();
 }
 
 UnitWithServices::~UnitWithServices() {
@@ -103,17 +104,32 @@ void UnitWithServices::behave(Service service, ServiceBehaviour behaviour) {
   ASSERT_TRUE(model().services().wait_applied(PATIENCE)) << services_output();
 }
 
-CORBA::Object_var UnitWithServices::resolve(const std::vector<std::string>& path) {
+CosNaming::NamingContext_var UnitWithServices::naming_root() {
   const std::string root = "corbaloc:iiop:127.0.0.1:" + std::to_string(naming_port_) + "/NameService";
   CORBA::Object_var object = orb_->string_to_object(root.c_str());
-  CosNaming::NamingContext_var context = CosNaming::NamingContext::_narrow(object.in());
+  return CosNaming::NamingContext::_narrow(object.in());
+}
+
+void UnitWithServices::await_naming_service() {
+  while (naming_service_->running()) {
+    try {
+      if (!CORBA::is_nil(naming_root().in())) {
+        return;
+      }
+    } catch (const CORBA::SystemException&) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+  }
+}
+
+CORBA::Object_var UnitWithServices::resolve(const std::vector<std::string>& path) {
   CosNaming::Name name;
   name.length(static_cast<CORBA::ULong>(path.size()));
   for (CORBA::ULong i = 0; i < name.length(); ++i) {
     name[i].id = CORBA::string_dup(path[i].c_str());
     name[i].kind = CORBA::string_dup("");
   }
-  return context->resolve(name);
+  return naming_root()->resolve(name);
 }
 
 bool UnitWithServices::bound(const std::vector<std::string>& path) {

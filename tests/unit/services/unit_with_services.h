@@ -67,6 +67,9 @@ protected:
 
 private:
   void start_naming_service();
+  CosNaming::NamingContext_var naming_root();
+  /// Asks the naming service until it answers: it listens before it knows its own root.
+  void await_naming_service();
 
   std::string folder_;
   std::unique_ptr<simulator::model::UnitModel> model_;
