@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
@@ -83,6 +84,10 @@ class ScriptedReader : public virtual OpenDDS::DCPS::LocalObject<Varnok::QTNN_DD
 public:
   /// The next take yields this, and so do all after it.
   ScriptedReader(DDS::ReturnCode_t result, bool valid_data, DDS::InstanceStateKind state);
+  ~ScriptedReader() override;
+
+  /// Readers of this kind that still live.
+  static unsigned int alive();
 
   unsigned int takes() const { return takes_; }
 
@@ -98,7 +103,7 @@ private:
   DDS::ReturnCode_t result_;
   bool valid_data_;
   DDS::InstanceStateKind state_;
-  unsigned int takes_ = 0;
+  std::atomic<unsigned int> takes_{0};
 };
 
 }  // namespace doubles

@@ -6,6 +6,8 @@ namespace {
 
 using State = std::shared_ptr<DdsStandIn::State>;
 
+std::atomic<unsigned int> living_readers{0};
+
 class StandInSubscriber : public virtual OpenDDS::DCPS::LocalObject<DDS::Subscriber> {
 public:
   StandInSubscriber(const State& state, DDS::Subscriber_ptr real) : state_(state), real_(real) {}
@@ -64,7 +66,17 @@ DDS::Subscriber_ptr behind(DDS::Subscriber_ptr subscriber) {
 }
 
 ScriptedReader::ScriptedReader(DDS::ReturnCode_t result, bool valid_data, DDS::InstanceStateKind state)
-    : result_(result), valid_data_(valid_data), state_(state) {}
+    : result_(result), valid_data_(valid_data), state_(state) {
+  ++living_readers;
+}
+
+ScriptedReader::~ScriptedReader() {
+  --living_readers;
+}
+
+unsigned int ScriptedReader::alive() {
+  return living_readers;
+}
 
 DDS::ReturnCode_t ScriptedReader::take_next_sample(Varnok::QTNN_DDS::ATTR_VOID&, DDS::SampleInfo& info) {
   ++takes_;
