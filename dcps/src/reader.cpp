@@ -23,8 +23,8 @@ bool DataReaderImpl::open(SubscriberImpl& subscriber, TopicImpl& topic, const DD
   qos_ = qos;
   subscriber_ = add_reference(&subscriber);
   topic_ = add_reference(&topic);
-  listener_ = DDS::DataReaderListener::_duplicate(listener);
-  calls_ = std::make_unique<ListenerCalls>(subscriber.participant().delivery());
+  listener_ = listener;
+  calls_ = std::make_unique<ListenerCalls>(subscriber.participant().delivery(), listener);
   arrivals_->set_filter(std::chrono::nanoseconds(to_cyclone(qos.time_based_filter.minimum_separation)),
                         qos.reliability.kind == DDS::RELIABLE_RELIABILITY_QOS);
   const CycloneQos cyclone_qos = to_cyclone(qos);

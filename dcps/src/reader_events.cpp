@@ -13,8 +13,7 @@ void ReaderEvents::post(void* reader, void (DDS::DataReaderListener::*operation)
                         const Status& status) {
   auto* const from = static_cast<DataReaderImpl*>(reader);
   from->calls_->post([kept = add_reference(from), operation, status] {
-    DDS::DataReaderListener_ptr listener = kept->listener_.in();
-    kept->calls_->call([&] { (listener->*operation)(kept.in(), status); });
+    kept->calls_->call([&] { (kept->listener_->*operation)(kept.in(), status); });
   });
 }
 

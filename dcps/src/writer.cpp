@@ -20,8 +20,8 @@ bool DataWriterImpl::open(PublisherImpl& publisher, TopicImpl& topic, const DDS:
   qos_ = qos;
   publisher_ = add_reference(&publisher);
   topic_ = add_reference(&topic);
-  listener_ = DDS::DataWriterListener::_duplicate(listener);
-  calls_ = std::make_unique<ListenerCalls>(publisher.participant().delivery());
+  listener_ = listener;
+  calls_ = std::make_unique<ListenerCalls>(publisher.participant().delivery(), listener);
   const CycloneQos cyclone_qos = to_cyclone(qos);
   const CycloneListener events =
       WriterEvents::listener_for(*this, CORBA::is_nil(listener) ? OpenDDS::DCPS::NO_STATUS_MASK : mask);

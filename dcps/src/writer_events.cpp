@@ -13,8 +13,7 @@ void WriterEvents::post(void* writer, void (DDS::DataWriterListener::*operation)
                         const Status& status) {
   auto* const from = static_cast<DataWriterImpl*>(writer);
   from->calls_->post([kept = add_reference(from), operation, status] {
-    DDS::DataWriterListener_ptr listener = kept->listener_.in();
-    kept->calls_->call([&] { (listener->*operation)(kept.in(), status); });
+    kept->calls_->call([&] { (kept->listener_->*operation)(kept.in(), status); });
   });
 }
 

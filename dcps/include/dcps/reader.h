@@ -57,7 +57,7 @@ private:
   DDS::DataReaderQos qos_{};
   Reference<SubscriberImpl> subscriber_;
   Reference<TopicImpl> topic_;
-  DDS::DataReaderListener_var listener_;
+  DDS::DataReaderListener_ptr listener_ = nullptr;  ///< good within a call that calls_ makes
   bool tells_of_data_ = false;
   std::atomic<bool> listener_has_returned_{false};  ///< from a first notification
   std::unique_ptr<Arrivals> arrivals_;

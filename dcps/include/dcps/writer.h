@@ -54,7 +54,7 @@ private:
   DDS::DataWriterQos qos_{};
   Reference<PublisherImpl> publisher_;
   Reference<TopicImpl> topic_;
-  DDS::DataWriterListener_var listener_;
+  DDS::DataWriterListener_ptr listener_ = nullptr;  ///< good within a call that calls_ makes
   std::unique_ptr<ListenerCalls> calls_;
 };
 

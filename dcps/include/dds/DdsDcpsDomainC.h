@@ -29,8 +29,8 @@ public:
                                            StatusMask mask) = 0;
   /// RETCODE_PRECONDITION_NOT_MET: it still has readers; RETCODE_ERROR: it is none of this participant's.
   virtual ReturnCode_t delete_subscriber(Subscriber_ptr s) = 0;
-  /// The same name, type and QoS again give the same topic. Nil: the type is not registered, or the topic exists with
-  /// another type or QoS.
+  /// The same name, type and QoS again give the same topic. Nil: the type is not registered, the topic exists with
+  /// another type or QoS, or its name has other characters than letters, digits, '_' and '/', or a digit first.
   virtual Topic_ptr create_topic(const char* topic_name, const char* type_name, const TopicQos& qos,
                                  TopicListener_ptr a_listener, StatusMask mask) = 0;
   /// A topic goes when it has been deleted as often as it was made. RETCODE_PRECONDITION_NOT_MET: a reader or writer

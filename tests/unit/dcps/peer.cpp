@@ -1,0 +1,69 @@
+#include "peer.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <filesystem>
+#include <stdexcept>
+
+namespace dcps_test {
+
+std::string test_folder() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+
+Peer::Peer(const std::vector<std::string>& arguments) {
+  std::array<int, 2> in{};
+  std::array<int, 2> out{};
+  if (pipe2(in.data(), O_CLOEXEC) != 0 || pipe2(out.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+  const std::string program = test_folder() + "/dcps_peer";
+  std::vector<char*> command{const_cast<char*>(program.c_str())};
+  for (const std::string& argument : arguments) command.push_back(const_cast<char*>(argument.c_str()));
+  command.push_back(nullptr);
+  process_ = fork();
+  if (process_ == 0) {
+    dup2(in[0], STDIN_FILENO);
+    dup2(out[1], STDOUT_FILENO);
+    execv(program.c_str(), command.data());
+    _exit(127);
+  }
+  close(in[0]);
+  close(out[1]);
+  to_ = in[1];
+  from_ = out[0];
+}
+
+Peer::~Peer() {
+  close(to_);
+  close(from_);
+  if (process_ <= 0) return;
+  kill(process_, SIGKILL);
+  waitpid(process_, nullptr, 0);
+}
+
+std::string Peer::line() {
+  std::string text;
+  char character = 0;
+  while (read(from_, &character, 1) == 1 && character != '\n') text += character;
+  return text;
+}
+
+std::string Peer::ask(const std::string& command) {
+  const std::string text = command + "\n";
+  if (write(to_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) return "";
+  return line();
+}
+
+int Peer::finish(const std::string& command) {
+  const std::string text = command + "\n";
+  int status = -1;
+  if (write(to_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) return status;
+  waitpid(process_, &status, 0);
+  process_ = -1;
+  return status;
+}
+
+}  // namespace dcps_test

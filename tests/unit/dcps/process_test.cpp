@@ -1,0 +1,82 @@
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+
+#include "entities.h"
+#include "peer.h"
+
+// How processes begin and end with the engine in use.
+namespace dcps_test {
+namespace {
+
+std::vector<std::string> arguments(const std::string& topic) {
+  return {std::to_string(own_domain()), own_topic(topic)};
+}
+
+TEST(Process, ExitsWithItsStatusWhileEverythingIsInUse) {
+  Peer peer(arguments("exit"));
+  ASSERT_EQ(peer.line(), "ready");
+  ASSERT_EQ(peer.ask("write 1"), "0");
+  const int status = peer.finish("exit 7");
+  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 7);
+}
+
+TEST(Process, ExitsWithItsStatusWhenEverythingIsDeleted) {
+  Peer peer(arguments("leave"));
+  ASSERT_EQ(peer.line(), "ready");
+  const int status = peer.finish("leave 0");
+  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST(Process, EndsWhenAListenerThrows) {
+  Entities entities;
+  const Writer_var writer = entities.writer(own_topic("throw") + "/back", durable_writer());
+  Peer peer(arguments("throw"));
+  ASSERT_EQ(peer.line(), "ready");
+  for (int i = 0; i < 1000; ++i) {
+    DDS::PublicationMatchedStatus status{};
+    writer->get_publication_matched_status(status);
+    if (status.current_count == 1) break;
+    usleep(10000);
+  }
+  ASSERT_EQ(writer->write(numbered(1), DDS::HANDLE_NIL), DDS::RETCODE_OK);
+  EXPECT_EQ(peer.line(), "");
+  const int status = peer.finish("exit 0");
+  EXPECT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(WTERMSIG(status), SIGABRT);
+}
+
+TEST(Process, WorksWithoutAnyConfiguration) {
+  const char* const before = getenv("CYCLONEDDS_URI");
+  const std::string saved = before == nullptr ? "" : before;
+  unsetenv("CYCLONEDDS_URI");
+  Peer peer({std::to_string(own_domain()), own_topic("bare")});
+  if (before != nullptr) setenv("CYCLONEDDS_URI", saved.c_str(), 1);
+  EXPECT_EQ(peer.line(), "ready");
+  EXPECT_EQ(peer.ask("write 1"), "0");
+  EXPECT_EQ(WEXITSTATUS(peer.finish("leave 0")), 0);
+}
+
+TEST(Process, APluginSubscribesWhileItIsLoaded) {
+  setenv("DCPS_PLUGIN_DOMAIN", std::to_string(own_domain()).c_str(), 1);
+  setenv("DCPS_PLUGIN_TOPIC", own_topic("plugin").c_str(), 1);
+  Peer peer(arguments("plugin"));
+  ASSERT_EQ(peer.line(), "ready");
+  ASSERT_EQ(peer.ask("write 9"), "0");
+  void* const plugin = dlopen((test_folder() + "/libdcps_plugin.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(plugin, nullptr) << dlerror();
+  const auto wait_for_number = reinterpret_cast<int (*)()>(dlsym(plugin, "dcps_plugin_wait_for_number"));
+  ASSERT_NE(wait_for_number, nullptr);
+  EXPECT_EQ(wait_for_number(), 9);
+  const auto stop = reinterpret_cast<void (*)()>(dlsym(plugin, "dcps_plugin_stop"));
+  ASSERT_NE(stop, nullptr);
+  stop();
+  EXPECT_EQ(dlclose(plugin), 0);
+}
+
+}  // namespace
+}  // namespace dcps_test

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "entities.h"
+
+namespace dcps_test {
+
+/// Does nothing with any status.
+class QuietListener : public virtual OpenDDS::DCPS::LocalObject<DDS::DataReaderListener> {
+public:
+  void on_requested_deadline_missed(DDS::DataReader_ptr, const DDS::RequestedDeadlineMissedStatus&) override {}
+  void on_requested_incompatible_qos(DDS::DataReader_ptr, const DDS::RequestedIncompatibleQosStatus&) override {}
+  void on_sample_rejected(DDS::DataReader_ptr, const DDS::SampleRejectedStatus&) override {}
+  void on_liveliness_changed(DDS::DataReader_ptr, const DDS::LivelinessChangedStatus&) override {}
+  void on_data_available(DDS::DataReader_ptr) override {}
+  void on_subscription_matched(DDS::DataReader_ptr, const DDS::SubscriptionMatchedStatus&) override {}
+  void on_sample_lost(DDS::DataReader_ptr, const DDS::SampleLostStatus&) override {}
+};
+
+/// Takes one sample a notification and records it.
+class RecordingListener : public QuietListener {
+public:
+  struct Taken {
+    DDS::ReturnCode_t result;
+    bool valid;
+    DDS::InstanceStateKind state;
+    CORBA::Long number;
+    std::thread::id thread;
+  };
+
+  /// `after_take` runs at the end of each notification, on its thread.
+  explicit RecordingListener(std::function<void()> after_take = {}) : after_take_(std::move(after_take)) {}
+
+  void on_data_available(DDS::DataReader_ptr reader) override;
+
+  /// Waits, at most ten seconds, for so many notifications; gives all there are then.
+  std::vector<Taken> wait_for(std::size_t count);
+  std::vector<Taken> taken();
+
+private:
+  const std::function<void()> after_take_;
+  std::mutex mutex_;
+  std::condition_variable more_;
+  std::vector<Taken> taken_;
+};
+
+/// A gate that threads wait at until it is opened.
+class Gate {
+public:
+  void open();
+  void wait();
+  /// False: not within ten seconds.
+  bool wait_briefly();
+
+private:
+  std::mutex mutex_;
+  std::condition_variable opened_;
+  bool open_ = false;
+};
+
+}  // namespace dcps_test
