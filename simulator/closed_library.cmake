@@ -1,5 +1,7 @@
 # closed_library(<target> <VARIABLE> <what it is>) makes the target of a closed library: the one at the path that the
 # cache variable holds, as an imported target, else nothing. Sets <VARIABLE>_STANDS_IN where the stand-in is to be built.
+# The real library is copied beside ours, so that a private root that sees only the build folder can load it; its file
+# must have the name by which it is to be loaded.
 function(closed_library target variable what)
   set(${variable} "" CACHE FILEPATH "Path of the real ${what}; empty builds the simulated unit's stand-in")
   if(NOT ${variable})
@@ -10,8 +12,10 @@ function(closed_library target variable what)
     message(FATAL_ERROR "${variable} is \"${${variable}}\": no such file")
   endif()
   set(${variable}_STANDS_IN FALSE PARENT_SCOPE)
+  get_filename_component(name ${${variable}} NAME)
+  configure_file(${${variable}} ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${name} COPYONLY)
   add_library(${target} SHARED IMPORTED GLOBAL)
-  set_target_properties(${target} PROPERTIES IMPORTED_LOCATION ${${variable}})
+  set_target_properties(${target} PROPERTIES IMPORTED_LOCATION ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${name})
 endfunction()
 
 # stand_in_exports(<target> <map>) keeps everything but the symbols of the map file inside the library.
