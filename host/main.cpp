@@ -41,10 +41,10 @@ BASE_HARDWARE* stand_in() {
 }
 
 void serve(const Options& options) {
-  host::Server* server = nullptr;
   // Both outlive this function: a call that never returns keeps a thread in them until the process has ended.
-  auto* requests = new host::Requests({options.preset_hardware, [&server] { server->leave(); }});
-  server = new host::Server(options.socket, [requests](const std::string& line) { return requests->serve(line); });
+  auto* requests = new host::Requests(options.preset_hardware);
+  auto* server =
+      new host::Server(options.socket, [requests](const std::string& line) { return requests->serve(line); });
   server_to_leave = server;
   for (const int number : {SIGTERM, SIGINT}) {
     struct sigaction action {};

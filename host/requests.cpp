@@ -109,9 +109,10 @@ const Operation* find_operation(const std::string& name) {
   return nullptr;
 }
 
-std::string Requests::serve(const std::string& line) {
+Answer Requests::serve(const std::string& line) {
   json id;
   json answer;
+  bool leave = false;
   try {
     const Request request = read_request(line);
     id = request.id;
@@ -119,16 +120,16 @@ std::string Requests::serve(const std::string& line) {
     if (request.call == "operations") {
       answer = describe_operations();
     } else if (request.call == "hardware") {
-      answer = {{"result", Hardware == nullptr ? "none" : host_.preset ? "preset" : "set"}};
+      answer = {{"result", Hardware == nullptr ? "none" : preset_ ? "preset" : "set"}};
     } else if (request.call == "external_voltage") {
       arguments.at_most(1);
       const int wait_ms = arguments.count() > 0 ? arguments.number(0, "longest wait in ms") : 0;
       answer = {{"result", external_voltage_.value(std::chrono::milliseconds(std::min(wait_ms, longest_wait_ms)))}};
     } else if (request.call == "leave") {
-      host_.leave();
+      leave = true;
       answer = json::object();
     } else if (const Operation* operation = find_operation(request.call)) {
-      answer = call_operation(*operation, arguments, host_.preset);
+      answer = call_operation(*operation, arguments, preset_);
     } else {
       throw RequestError("request: there is no operation \"" + request.call + "\"; \"operations\" lists them");
     }
@@ -139,7 +140,7 @@ std::string Requests::serve(const std::string& line) {
   }
   answer["id"] = id;
   // Texts of the unit may hold any bytes; those that are no UTF-8 are shown as replacement characters.
-  return answer.dump(-1, ' ', false, json::error_handler_t::replace);
+  return {answer.dump(-1, ' ', false, json::error_handler_t::replace), leave};
 }
 
 }  // namespace host

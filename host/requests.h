@@ -1,8 +1,8 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
+#include "answer.h"
 #include "base_hardware.h"
 #include "external_voltage.h"
 
@@ -12,19 +12,14 @@ namespace host {
 /// Any thread; a call runs on the thread that serves it, so one that blocks blocks nobody else.
 class Requests {
 public:
-  /// What the host has to offer beside the hardware's operations.
-  struct Host {
-    bool preset = false;          ///< `Hardware` is the host's own stand-in, which no operation can be called on
-    std::function<void()> leave;  ///< ends the host in good order once the answer is out
-  };
+  /// `preset`: `Hardware` is the host's own stand-in, which no operation can be called on.
+  explicit Requests(bool preset) : preset_(preset) {}
 
-  explicit Requests(Host host) : host_(std::move(host)) {}
-
-  /// The answer to one request, without a line end.
-  std::string serve(const std::string& line);
+  /// The answer to one request.
+  Answer serve(const std::string& line);
 
 private:
-  Host host_;
+  bool preset_;
   ExternalVoltage external_voltage_;
 };
 

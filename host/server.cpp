@@ -31,8 +31,13 @@ bool send_all(int connection, const std::string& text) {
   return true;
 }
 
-/// Answers the lines of one connection until its other side closes.
-void serve(int connection, const Server::Answer& answer) {
+void raise_event(int descriptor) noexcept {
+  const std::uint64_t one = 1;
+  [[maybe_unused]] const ssize_t written = write(descriptor, &one, sizeof one);
+}
+
+/// Answers the lines of one connection until its other side closes. `leave` is raised after an answer that says so.
+void serve(int connection, const Server::Answers& answers, int leave) {
   std::string received;
   char block[4096];
   for (ssize_t size = read(connection, block, sizeof block); size > 0; size = read(connection, block, sizeof block)) {
@@ -40,7 +45,12 @@ void serve(int connection, const Server::Answer& answer) {
     for (std::size_t end = received.find('\n'); end != std::string::npos; end = received.find('\n')) {
       const std::string line = received.substr(0, end);
       received.erase(0, end + 1);
-      if (!send_all(connection, answer(line) + '\n')) {
+      const Answer answer = answers(line);
+      const bool sent = send_all(connection, answer.line + '\n');
+      if (answer.leave) {
+        raise_event(leave);
+      }
+      if (!sent) {
         close(connection);
         return;
       }
@@ -51,7 +61,7 @@ void serve(int connection, const Server::Answer& answer) {
 
 }  // namespace
 
-Server::Server(const std::string& path, Answer answer) : answer_(std::move(answer)) {
+Server::Server(const std::string& path, Answers answers) : answers_(std::move(answers)) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.size() >= sizeof address.sun_path) {
@@ -87,15 +97,14 @@ void Server::run() {
       const int connection = accept4(listening_, nullptr, nullptr, SOCK_CLOEXEC);
       if (connection != -1) {
         // Copies what it needs: it may outlive this object when a call never returns.
-        std::thread([connection, answer = answer_] { serve(connection, answer); }).detach();
+        std::thread([connection, answers = answers_, leave = leave_] { serve(connection, answers, leave); }).detach();
       }
     }
   }
 }
 
 void Server::leave() const noexcept {
-  const std::uint64_t one = 1;
-  [[maybe_unused]] const ssize_t written = write(leave_, &one, sizeof one);
+  raise_event(leave_);
 }
 
 }  // namespace host

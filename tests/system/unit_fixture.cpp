@@ -1,0 +1,395 @@
+#include "unit_fixture.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <system_error>
+
+#include "simulator/model/settings.h"
+
+namespace system_test {
+namespace {
+
+namespace fs = std::filesystem;
+using simulator::model::UnitFile;
+using simulator::model::UnitModel;
+
+std::optional<std::string> text_of(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    return std::nullopt;
+  }
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+std::vector<json> json_lines(const fs::path& path) {
+  std::vector<json> lines;
+  std::istringstream text(text_of(path).value_or(""));
+  for (std::string line; std::getline(text, line);) {
+    lines.push_back(json::parse(line));
+  }
+  return lines;
+}
+
+std::size_t count_of(const std::string& wanted, const std::string& text) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(wanted); at != std::string::npos; at = text.find(wanted, at + wanted.size())) {
+    ++count;
+  }
+  return count;
+}
+
+/// Where a program of that name lies inside.
+std::string place_inside(const std::string& name) {
+  for (const char* folder : {"bin/tests/", "bin/"}) {
+    if (name.find('/') == std::string::npos && fs::exists(fs::path(BUILD_FOLDER) / folder / name)) {
+      return std::string("/opt/unit/") + folder + name;
+    }
+  }
+  return name;
+}
+
+bool write_all(int descriptor, const std::string& text) {
+  std::size_t written = 0;
+  while (written < text.size()) {
+    const ssize_t part = ::write(descriptor, text.data() + written, text.size() - written);
+    if (part <= 0) {
+      return false;
+    }
+    written += static_cast<std::size_t>(part);
+  }
+  return true;
+}
+
+/// A connection to the UNIX socket; -1 where nobody listens.
+int connected(const fs::path& socket) {
+  const int connection = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  socket.string().copy(address.sun_path, sizeof address.sun_path - 1);
+  if (connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    close(connection);
+    return -1;
+  }
+  return connection;
+}
+
+bool listens(const fs::path& socket) {
+  const int connection = connected(socket);
+  if (connection != -1) {
+    close(connection);
+  }
+  return connection != -1;
+}
+
+/// A pipe whose ends no other program inherits.
+struct Pipe {
+  Pipe() {
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+      throw std::system_error(errno, std::generic_category(), "pipe");
+    }
+  }
+  int ends[2];
+};
+
+}  // namespace
+
+void PrintTo(const Ending& ending, std::ostream* stream) {
+  *stream << (ending.status ? "status " + std::to_string(*ending.status)
+                            : "signal " + std::to_string(ending.signal.value_or(0)))
+          << ", out \"" << ending.out << "\", err \"" << ending.err << "\"";
+}
+
+Ending Program::wait() const {
+  while (running()) {
+    if (!unit_->take_report(PATIENCE)) {
+      throw std::runtime_error("a program of the unit does not end; out \"" + out() + "\", err \"" + err() + "\"");
+    }
+  }
+  Ending ending = unit_->programs_.at(number_).ending;
+  ending.out = out();
+  ending.err = err();
+  return ending;
+}
+
+bool Program::running() const {
+  while (unit_->take_report(std::chrono::milliseconds(0))) {
+  }
+  return !unit_->programs_.at(number_).ended;
+}
+
+void Program::kill(int signal) const {
+  unit_->send({{"kill", pid()}, {"signal", signal}});
+}
+
+std::string Program::out() const {
+  return unit_->text(unit_->stream_file(number_, "out")).value_or("");
+}
+
+std::string Program::err() const {
+  return unit_->text(unit_->stream_file(number_, "err")).value_or("");
+}
+
+void Program::wait_for(const std::string& text, std::size_t times) const {
+  if (!eventually([&] { return count_of(text, out()) >= times; })) {
+    throw std::runtime_error("a program of the unit does not say \"" + text + "\"; out \"" + out() + "\", err \"" +
+                             err() + "\"");
+  }
+}
+
+int Program::pid() const {
+  return unit_->programs_.at(number_).pid;
+}
+
+OpenCall::OpenCall(const fs::path& socket, const std::string& line) : connection_(connected(socket)) {
+  if (connection_ == -1 || !write_all(connection_, line + "\n")) {
+    throw std::system_error(errno, std::generic_category(), socket.string());
+  }
+}
+
+OpenCall::~OpenCall() {
+  close(connection_);
+}
+
+bool OpenCall::answered() const {
+  pollfd event{connection_, POLLIN, 0};
+  return poll(&event, 1, 0) == 1;
+}
+
+std::string OpenCall::answer() const {
+  std::string answer;
+  while (answer.find('\n') == std::string::npos) {
+    pollfd event{connection_, POLLIN, 0};
+    char block[4096];
+    const ssize_t size =
+        poll(&event, 1, static_cast<int>(PATIENCE.count())) == 1 ? read(connection_, block, sizeof block) : 0;
+    if (size <= 0) {
+      throw std::runtime_error("a request is not answered");
+    }
+    answer.append(block, static_cast<std::size_t>(size));
+  }
+  return answer;
+}
+
+OpenCall Host::begin(const std::string& operation, const json& arguments) const {
+  const json request = {{"id", 1}, {"call", operation}, {"args", arguments}};
+  return {unit_->outside("/run/unit/host.sock"), request.dump()};
+}
+
+json Host::call(const std::string& operation, const json& arguments) const {
+  json answer = json::parse(begin(operation, arguments).answer());
+  answer.erase("id");
+  return answer;
+}
+
+Ending Host::leave() const {
+  call("leave");
+  return wait();
+}
+
+SimulatedUnit::SimulatedUnit()
+    : state_(std::make_unique<simulator::sysroot::StateFolder>(simulator::sysroot::StateFolder::make())) {
+  state_->fill(UnitFile::load(UNIT_FILE));
+  model_.reset(new UnitModel(UnitModel::open((state_->run() / "model").string())));
+  options_.build = BUILD_FOLDER;
+  options_.command = {"/opt/unit/bin/tests/process_starter"};
+}
+
+SimulatedUnit::~SimulatedUnit() {
+  stop();
+}
+
+SimulatedUnit& SimulatedUnit::with_services() {
+  options_.services = true;
+  return *this;
+}
+
+SimulatedUnit& SimulatedUnit::with_network() {
+  options_.network = true;
+  return *this;
+}
+
+SimulatedUnit& SimulatedUnit::with_dhcp_server() {
+  options_.dhcp_server = true;
+  return *this;
+}
+
+SimulatedUnit& SimulatedUnit::set(const std::string& name, const json& value) {
+  simulator::model::set_setting(*model_, name, value);
+  return *this;
+}
+
+SimulatedUnit& SimulatedUnit::fault(Point point, const Fault& fault) {
+  model_->faults().arm(point, fault);
+  return *this;
+}
+
+SimulatedUnit& SimulatedUnit::recorded() {
+  model_->record().start();
+  return *this;
+}
+
+SimulatedUnit& SimulatedUnit::behave(Service service, ServiceBehaviour behaviour) {
+  model_->services().set_behaviour(service, behaviour);
+  if (!model_->services().wait_applied(PATIENCE)) {
+    throw std::runtime_error("the unit's services do not take their new behaviour");
+  }
+  return *this;
+}
+
+SimulatedUnit& SimulatedUnit::start() {
+  Pipe orders;
+  Pipe reports;
+  options_.input = orders.ends[0];
+  options_.output = reports.ends[1];
+  root_ = std::make_unique<simulator::sysroot::PrivateRoot>(*state_, options_);
+  close(orders.ends[0]);
+  close(reports.ends[1]);
+  orders_ = orders.ends[1];
+  reports_ = reports.ends[0];
+  if (run_to_end({"true"}).status != 0) {
+    throw std::runtime_error("the unit does not start");
+  }
+  return *this;
+}
+
+void SimulatedUnit::stop() {
+  if (!root_) {
+    return;
+  }
+  root_->stop();
+  root_.reset();
+  close(orders_);
+  close(reports_);
+}
+
+void SimulatedUnit::send(const json& order) {
+  const std::string line = order.dump() + "\n";
+  if (write_all(orders_, line)) {
+    return;
+  }
+  throw std::system_error(errno, std::generic_category(), "the unit takes no orders");
+}
+
+bool SimulatedUnit::take_report(std::chrono::milliseconds limit) {
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  std::size_t end = received_.find('\n');
+  while (end == std::string::npos) {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    pollfd event{reports_, POLLIN, 0};
+    if (poll(&event, 1, std::max(0, static_cast<int>(left.count()))) != 1) {
+      return false;
+    }
+    char block[4096];
+    const ssize_t size = read(reports_, block, sizeof block);
+    if (size <= 0) {
+      throw std::runtime_error("the unit has ended");
+    }
+    received_.append(block, static_cast<std::size_t>(size));
+    end = received_.find('\n');
+  }
+  note(json::parse(received_.substr(0, end)));
+  received_.erase(0, end + 1);
+  return true;
+}
+
+void SimulatedUnit::note(const json& report) {
+  Known& program = programs_[report.at("number")];
+  if (report.contains("pid")) {
+    program.pid = report.at("pid");
+    return;
+  }
+  program.ended = true;
+  if (report.contains("status")) {
+    program.ending.status = report.at("status").get<int>();
+  } else {
+    program.ending.signal = report.at("signal").get<int>();
+  }
+}
+
+std::string SimulatedUnit::stream_file(int number, const char* stream) const {
+  return "/run/unit/log/" + std::to_string(number) + "." + stream;
+}
+
+Program SimulatedUnit::run(std::vector<std::string> line, const std::map<std::string, std::string>& environment) {
+  const int number = ++started_;
+  line.front() = place_inside(line.front());
+  send({{"number", number},
+        {"run", line},
+        {"environment", environment},
+        {"out", stream_file(number, "out")},
+        {"err", stream_file(number, "err")}});
+  while (programs_[number].pid == 0) {
+    if (!take_report(PATIENCE)) {
+      throw std::runtime_error("the unit does not start " + line.front());
+    }
+  }
+  return {*this, number};
+}
+
+Ending SimulatedUnit::run_to_end(std::vector<std::string> line, const std::map<std::string, std::string>& environment) {
+  return run(std::move(line), environment).wait();
+}
+
+Host SimulatedUnit::host(const std::vector<std::string>& arguments,
+                         const std::map<std::string, std::string>& environment) {
+  const fs::path socket = outside("/run/unit/host.sock");
+  fs::remove(socket);
+  std::vector<std::string> line{"unit-host"};
+  line.insert(line.end(), arguments.begin(), arguments.end());
+  Host host = run(line, environment);
+  const bool serves = eventually([&] { return listens(socket) || !host.running(); }) && host.running();
+  if (!serves) {
+    throw std::runtime_error("unit-host does not serve; out \"" + host.out() + "\", err \"" + host.err() + "\"");
+  }
+  return host;
+}
+
+std::vector<json> SimulatedUnit::events() const {
+  std::vector<json> events = json_lines(outside("/run/unit/events.jsonl"));
+  for (json& event : events) {
+    event.erase("timestamp");
+  }
+  return events;
+}
+
+std::vector<json> SimulatedUnit::calls() const {
+  return json_lines(outside("/run/unit/calls.jsonl"));
+}
+
+std::vector<std::string> SimulatedUnit::call_names() const {
+  std::vector<std::string> names;
+  for (const json& call : calls()) {
+    names.push_back(call.at("at"));
+  }
+  return names;
+}
+
+std::optional<std::string> SimulatedUnit::text(const std::string& path) const {
+  return text_of(outside(path));
+}
+
+void SimulatedUnit::write(const std::string& path, const std::string& text) const {
+  std::ofstream file(outside(path), std::ios::binary);
+  file << text << std::flush;
+  if (!file) {
+    throw std::runtime_error(path + " cannot be written");
+  }
+}
+
+json event(const std::string& source, const std::string& text) {
+  return {{"source", source}, {"category", 3}, {"text", text}, {"severity", 3}, {"flags", 65536}, {"code", 0}};
+}
+
+}  // namespace system_test

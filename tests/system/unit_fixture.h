@@ -1,0 +1,202 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "simulator/model/unit_model.h"
+#include "simulator/sysroot/private_root.h"
+#include "simulator/sysroot/state_folder.h"
+
+namespace system_test {
+
+using nlohmann::json;
+using simulator::model::Fault;
+using simulator::model::FaultKind;
+using simulator::model::Point;
+using simulator::model::Service;
+using simulator::model::ServiceBehaviour;
+
+/// Far longer than anything here takes; only a failing test waits so long.
+inline constexpr std::chrono::milliseconds PATIENCE{20000};
+
+/// How a program ended.
+struct Ending {
+  std::optional<int> status;  ///< its exit status, or
+  std::optional<int> signal;  ///< the signal that ended it
+  std::string out;
+  std::string err;
+};
+
+void PrintTo(const Ending& ending, std::ostream* stream);
+
+/// Exited by itself with that status.
+MATCHER_P(ExitedWith, status, "exited with status " + std::to_string(status)) {
+  return arg.status == status;
+}
+/// Ended by that signal.
+MATCHER_P(EndedBySignal, signal, "ended by signal " + std::to_string(signal)) {
+  return arg.signal == signal;
+}
+
+class SimulatedUnit;
+
+/// A program that runs, or ran, inside a unit. Copies stand for the same program; valid as long as the unit.
+class Program {
+public:
+  /// Waits for its end. Throws std::runtime_error when it does not come.
+  Ending wait() const;
+  bool running() const;
+  /// Sends it a signal.
+  void kill(int signal) const;
+  /// What it has written so far.
+  std::string out() const;
+  std::string err() const;
+  /// Waits until it has written `text` on standard output, `times` times. Throws std::runtime_error.
+  void wait_for(const std::string& text, std::size_t times = 1) const;
+  /// Its process id inside the unit.
+  int pid() const;
+
+protected:
+  friend class SimulatedUnit;
+  Program(SimulatedUnit& unit, int number) : unit_(&unit), number_(number) {}
+
+  SimulatedUnit* unit_;
+  int number_;
+};
+
+/// A request that has been sent and may never be answered. Gives it up with the object.
+class OpenCall {
+public:
+  OpenCall(const std::filesystem::path& socket, const std::string& line);
+  ~OpenCall();
+  OpenCall(const OpenCall&) = delete;
+  OpenCall& operator=(const OpenCall&) = delete;
+
+  bool answered() const;
+  /// Waits for the answer's line. Throws std::runtime_error when it does not come.
+  std::string answer() const;
+
+private:
+  int connection_;
+};
+
+/// A unit-host that serves requests.
+class Host : public Program {
+public:
+  /// Calls an operation without waiting for the answer.
+  OpenCall begin(const std::string& operation, const json& arguments = json::array()) const;
+  /// Calls an operation and returns the answer without its "id".
+  json call(const std::string& operation, const json& arguments = json::array()) const;
+  /// Asks it to leave in good order and waits for its end.
+  Ending leave() const;
+
+private:
+  friend class SimulatedUnit;
+  Host(const Program& program) : Program(program) {}
+};
+
+/// A simulated unit in a private root and a state folder of its own, with the shipped unit file's values. Set up first,
+/// then start(); all of it has gone when the object has. One thread.
+class SimulatedUnit {
+public:
+  SimulatedUnit();
+  ~SimulatedUnit();
+  SimulatedUnit(const SimulatedUnit&) = delete;
+  SimulatedUnit& operator=(const SimulatedUnit&) = delete;
+
+  /// What the unit is to have beside its programs. Before start().
+  SimulatedUnit& with_services();
+  SimulatedUnit& with_network();
+  SimulatedUnit& with_dhcp_server();
+
+  /// Sets a value of the unit by name. Any time.
+  SimulatedUnit& set(const std::string& name, const json& value);
+  /// Arms a fault. Any time.
+  SimulatedUnit& fault(Point point, const Fault& fault);
+  /// Switches the record of calls on, empty. Any time.
+  SimulatedUnit& recorded();
+  /// Makes the service behave so and waits until the naming service shows it. After start().
+  SimulatedUnit& behave(Service service, ServiceBehaviour behaviour);
+
+  SimulatedUnit& start();
+  /// Ends everything inside; returns when it has ended.
+  void stop();
+
+  /// Starts a program inside. A name without a slash is looked for in the build's bin/tests/ and bin/, then in PATH.
+  Program run(std::vector<std::string> line, const std::map<std::string, std::string>& environment = {});
+  /// As run(), and waits for its end.
+  Ending run_to_end(std::vector<std::string> line, const std::map<std::string, std::string>& environment = {});
+  /// Starts unit-host and waits until it serves requests. Throws std::runtime_error with its output when it ends.
+  Host host(const std::vector<std::string>& arguments = {}, const std::map<std::string, std::string>& environment = {});
+
+  simulator::model::UnitModel& model() { return *model_; }
+  /// The events sent so far, without their time stamps.
+  std::vector<json> events() const;
+  /// The crossings recorded so far.
+  std::vector<json> calls() const;
+  /// Of every crossing recorded so far, its place: "radalt.read".
+  std::vector<std::string> call_names() const;
+  /// Raises a switch interrupt and returns its number.
+  std::uint64_t interrupt(int value) { return model_->power_supply().raise_interrupt(value); }
+  /// Waits until the handler of that interrupt has returned; false when it does not in time.
+  bool handled(std::uint64_t number) { return model_->power_supply().wait_interrupt_handled(number, PATIENCE); }
+
+  /// Where a path of the unit lies outside ("/sys/…", "/tmp/…", "/run/…", "/root/…").
+  std::filesystem::path outside(const std::string& path) const { return state_->path() / path.substr(1); }
+  /// The text of a file of the unit; none where there is no such file.
+  std::optional<std::string> text(const std::string& path) const;
+  void write(const std::string& path, const std::string& text) const;
+
+private:
+  friend class Program;
+  friend class Host;
+
+  struct Known {
+    int pid = 0;
+    Ending ending;
+    bool ended = false;
+  };
+
+  void send(const json& order);
+  /// Takes in one report of the starter; false when none comes within `limit`.
+  bool take_report(std::chrono::milliseconds limit);
+  void note(const json& report);
+  std::string stream_file(int number, const char* stream) const;
+
+  std::unique_ptr<simulator::sysroot::StateFolder> state_;
+  std::unique_ptr<simulator::model::UnitModel> model_;
+  simulator::sysroot::RootOptions options_;
+  std::unique_ptr<simulator::sysroot::PrivateRoot> root_;
+  int orders_ = -1;
+  int reports_ = -1;
+  std::string received_;
+  int started_ = 0;
+  std::map<int, Known> programs_;
+};
+
+/// Waits until `condition()` is true; false when it does not become so in time.
+template <typename Condition>
+bool eventually(Condition condition) {
+  const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      return false;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return true;
+}
+
+/// The event that a failure of the power-supply driver, or of another part of the unit, leads to.
+json event(const std::string& source, const std::string& text);
+
+}  // namespace system_test
