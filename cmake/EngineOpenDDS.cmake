@@ -7,13 +7,17 @@
 if(NOT OpenDDS_FOUND)
   find_package(OpenDDS CONFIG QUIET)
 endif()
+# Kept, so that the build folder configures itself again outside the environment that it was made in.
+foreach(root DDS_ROOT ACE_ROOT TAO_ROOT)
+  set(DCPS_${root} "$ENV{${root}}" CACHE PATH "${root} of the OpenDDS that has no CMake package")
+endforeach()
 if(OpenDDS_FOUND)
   set(dcps_origin "the CMake package in ${OpenDDS_DIR}")
-elseif(DEFINED ENV{DDS_ROOT} AND DEFINED ENV{ACE_ROOT} AND DEFINED ENV{TAO_ROOT})
-  set(dcps_origin "the environment: DDS_ROOT=$ENV{DDS_ROOT} ACE_ROOT=$ENV{ACE_ROOT} TAO_ROOT=$ENV{TAO_ROOT}")
-  file(TO_CMAKE_PATH "$ENV{DDS_ROOT}" DDS_ROOT)
-  file(TO_CMAKE_PATH "$ENV{ACE_ROOT}" ACE_ROOT)
-  file(TO_CMAKE_PATH "$ENV{TAO_ROOT}" TAO_ROOT)
+elseif(DCPS_DDS_ROOT AND DCPS_ACE_ROOT AND DCPS_TAO_ROOT)
+  set(dcps_origin "DDS_ROOT=${DCPS_DDS_ROOT} ACE_ROOT=${DCPS_ACE_ROOT} TAO_ROOT=${DCPS_TAO_ROOT}")
+  foreach(root DDS_ROOT ACE_ROOT TAO_ROOT)
+    file(TO_CMAKE_PATH "${DCPS_${root}}" ${root})
+  endforeach()
 else()
   message(FATAL_ERROR
     "DCPS=OpenDDS, and OpenDDS is not found. Looked for its CMake package (OpenDDSConfig.cmake; give OpenDDS_ROOT or "

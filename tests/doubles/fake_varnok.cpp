@@ -1,5 +1,6 @@
 #include "fake_varnok.h"
 
+#include <dcps/dds_start.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -42,7 +43,7 @@ DDS::DomainId_t real_domain() {
 
 DDS::DomainParticipant_ptr real_participant() {
   static const DDS::DomainParticipant_ptr participant = [] {
-    const DDS::DomainParticipantFactory_var factory = TheParticipantFactory;
+    const DDS::DomainParticipantFactory_var factory = dcps::start_dds();
     return factory->create_participant(real_domain(), PARTICIPANT_QOS_DEFAULT, DDS::DomainParticipantListener::_nil(),
                                        Varnok::ALL_STATUSES);
   }();
