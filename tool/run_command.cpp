@@ -1,6 +1,8 @@
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -47,7 +49,9 @@ public:
 
 void print_state(const ordered_json& state, bool json) {
   std::fputs((json ? state.dump() + '\n' : as_text(state)).c_str(), stdout);
-  std::fflush(stdout);
+  if (std::fflush(stdout) != 0) {
+    throw CommandError(STATUS_FAILED, std::string("standard output: ") + std::strerror(errno));
+  }
 }
 
 std::string screen_text(const StartedUnit& unit, const ordered_json& state) {

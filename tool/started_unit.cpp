@@ -1,5 +1,6 @@
 #include "started_unit.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <unistd.h>
@@ -88,7 +89,12 @@ StartedUnit::StartedUnit(const UnitChoice& choice, const OutputTargets& targets,
   if (record) {
     model_.record().start();
   }
-  root_.emplace(state_, root_options(choice));
+  // The terminal's input is this command's own.
+  const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  RootOptions options = root_options(choice);
+  options.input = nothing;
+  root_.emplace(state_, options);
+  close(nothing);
   out_.start();
   err_.start();
   const fs::path socket = state_.run() / "host.sock";

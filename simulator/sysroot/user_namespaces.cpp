@@ -1,5 +1,6 @@
 #include "user_namespaces.h"
 
+#include <fcntl.h>
 #include <grp.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -13,18 +14,37 @@
 namespace simulator::sysroot {
 namespace {
 
-/// The child's part: enters namespaces as the unit's programs will. Returns an error number, 0 when all went well.
-int try_namespaces() {
+/// What of it went wrong.
+enum Step : int { NOTHING, NAMESPACES, RIGHTS, PROC };
+
+/// Ends the process: tells which step failed, and why, through the pipe.
+[[noreturn]] void report(int pipe, Step step) {
+  const int failure[] = {step, step == NOTHING ? 0 : errno};
+  [[maybe_unused]] const ssize_t written = write(pipe, failure, sizeof failure);
+  _exit(0);
+}
+
+/// The child's part: enters namespaces as the unit's programs will.
+[[noreturn]] void try_namespaces(int pipe) {
+  constexpr unsigned user = unit_user_of_root;
   if (geteuid() == 0 &&
-      (setgroups(0, nullptr) != 0 || setresgid(unit_user_of_root, unit_user_of_root, unit_user_of_root) != 0 ||
-       setresuid(unit_user_of_root, unit_user_of_root, unit_user_of_root) != 0)) {
-    return errno;
+      (setgroups(0, nullptr) != 0 || setresgid(user, user, user) != 0 || setresuid(user, user, user) != 0)) {
+    report(pipe, NAMESPACES);
   }
   if (unshare(CLONE_NEWUSER | CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWIPC | CLONE_NEWUTS | CLONE_NEWNET) != 0) {
-    return errno;
+    report(pipe, NAMESPACES);
   }
   // Some machines hand out namespaces without the rights that come with them.
-  return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 ? 0 : errno;
+  if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+    report(pipe, RIGHTS);
+  }
+  // A new /proc needs a process of the new namespace, and a /proc outside of which nothing is hidden.
+  const pid_t first_inside = fork();
+  if (first_inside == 0) {
+    report(pipe, mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr) == 0 ? NOTHING : PROC);
+  }
+  waitpid(first_inside, nullptr, 0);
+  _exit(0);
 }
 
 /// The number that a kernel setting holds; none where the kernel has no such setting.
@@ -56,19 +76,31 @@ std::optional<std::string> missing_for_private_root() {
   if (access("/usr/bin/bwrap", X_OK) != 0) {
     return "the simulated unit needs bubblewrap (/usr/bin/bwrap); install the package bubblewrap";
   }
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) {
+    return std::string("no pipe can be made: ") + std::strerror(errno);
+  }
   const pid_t child = fork();
   if (child == 0) {
-    _exit(try_namespaces());
+    try_namespaces(ends[1]);
   }
-  int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child) {
-    return std::string("no child process can be started: ") + std::strerror(errno);
+  close(ends[1]);
+  int failure[] = {NAMESPACES, ECHILD};
+  [[maybe_unused]] const ssize_t taken = read(ends[0], failure, sizeof failure);
+  close(ends[0]);
+  waitpid(child, nullptr, 0);
+  const std::string reason = std::strerror(failure[1]);
+  switch (failure[0]) {
+    case NOTHING:
+      return std::nullopt;
+    case PROC:
+      return "the simulated unit needs a /proc of its own, which this machine refuses (" + reason +
+             "); where this is a container, parts of its /proc are hidden: start it so that they are not (for example "
+             "--security-opt systempaths=unconfined)";
+    default:
+      return "the simulated unit needs user namespaces, which this machine refuses (" + reason + "); " +
+             how_to_enable();
   }
-  if (WIFEXITED(status) && WEXITSTATUS(status) == 0) {
-    return std::nullopt;
-  }
-  const std::string reason = WIFEXITED(status) ? std::strerror(WEXITSTATUS(status)) : "the attempt was killed";
-  return "the simulated unit needs user namespaces, which this machine refuses (" + reason + "); " + how_to_enable();
 }
 
 }  // namespace simulator::sysroot
