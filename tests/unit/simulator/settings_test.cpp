@@ -175,6 +175,7 @@ TEST_F(SettingsTest, NumbersStayInTheirRange) {
   EXPECT_EQ(refusal("power_supply.temperature", 18446744073709551615U),
             "must be a whole number from -2147483648 to 2147483647, not 18446744073709551615");
   EXPECT_EQ(refusal("power_supply.temperature", -2147483648), "taken");
+  EXPECT_EQ(refusal("power_supply.temperature", 2147483647), "taken");
 }
 
 TEST_F(SettingsTest, WordsAreNumbersOrHexadecimalText) {

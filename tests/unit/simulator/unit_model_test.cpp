@@ -75,6 +75,18 @@ TEST_F(UnitModelTest, AFileThatIsNoModelIsRefused) {
   EXPECT_THROW(UnitModel::open(other), std::runtime_error);
 }
 
+TEST_F(UnitModelTest, AModelOfAnotherVersionIsRefused) {
+  const std::string whole = simulator_test::text_of(path_);
+  for (const std::size_t place : {0U, 8U, 12U}) {
+    std::string other = whole;
+    other[place] = static_cast<char>(other[place] ^ 1);
+    simulator_test::write_text(folder_ / "other", other);
+    EXPECT_THROW(UnitModel::open(folder_ / "other"), std::runtime_error) << place;
+  }
+  simulator_test::write_text(folder_ / "other", whole);
+  EXPECT_NO_THROW(UnitModel::open(folder_ / "other"));
+}
+
 TEST_F(UnitModelTest, ThisProcesssUnitIsTheOneOfItsRunFolder) {
   ::setenv("UNIT_RUN", (folder_ / "nowhere").c_str(), 1);
   EXPECT_THROW(UnitModel::of_this_unit(), std::system_error);
