@@ -21,16 +21,18 @@ protected:
   }
 };
 
-psdriver* leaked_driver() {
-  auto* driver = new psdriver(DEVICE);
-  driver->SetBatteryTemperatureCallback([](int) {});
-  return driver;
+/// The driver as its users keep it: reachable until the end, never deleted.
+psdriver* kept_driver() {
+  static psdriver* kept = nullptr;
+  kept = new psdriver(DEVICE);
+  kept->SetBatteryTemperatureCallback([](int) {});
+  return kept;
 }
 
 TEST_F(DriverExitTest, AProcessThatLeavesItsDriverAliveEndsAsItSays) {
   EXPECT_EXIT(
       {
-        leaked_driver();
+        kept_driver();
         std::exit(5);
       },
       ::testing::ExitedWithCode(5), "^$");
@@ -39,7 +41,7 @@ TEST_F(DriverExitTest, AProcessThatLeavesItsDriverAliveEndsAsItSays) {
 TEST_F(DriverExitTest, AProcessEndsWhileRepliesKeepComing) {
   EXPECT_EXIT(
       {
-        psdriver* driver = leaked_driver();
+        psdriver* driver = kept_driver();
         for (int request = 0; request < 1000; ++request) {
           driver->GetBatteryTemperature();
         }
@@ -51,7 +53,7 @@ TEST_F(DriverExitTest, AProcessEndsWhileRepliesKeepComing) {
 TEST_F(DriverExitTest, AProcessMayEndFromWithinACallBack) {
   EXPECT_EXIT(
       {
-        psdriver* driver = leaked_driver();
+        psdriver* driver = kept_driver();
         driver->SetSwitchInterruptCallback([](int status) { std::exit(status); });
         ThisUnit::get().model().power_supply().raise_interrupt(7);
         ::pause();
@@ -69,7 +71,7 @@ TEST_F(DriverExitTest, NoCallBackBeginsOnceEarlierObjectsAreDestroyed) {
           ThisUnit::get().model().power_supply().wait_interrupt_handled(
               ThisUnit::get().model().power_supply().interrupts_raised(), std::chrono::seconds(60));
         });
-        leaked_driver()->SetSwitchInterruptCallback([](int) {
+        kept_driver()->SetSwitchInterruptCallback([](int) {
           if (destroyed) ::_exit(99);
         });
         std::exit(8);
