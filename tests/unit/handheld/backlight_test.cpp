@@ -128,9 +128,10 @@ TEST_F(BacklightTest, EachAllocationThatFailsInGetBacklightIsReportedAndSwallowe
     EXPECT_EQ(level, failed ? 77 : 100);
     EXPECT_EQ(output_.err().substr(lines), failed ? "Handheld_Hardware::GetBacklight err\n" : "");
     ASSERT_EQ(sent_events().size(), events + (failed ? 1 : 0));
-    if (failed)
+    if (failed) {
       EXPECT_EQ(sent_events().back(),
                 failure_event("Handheld_Hardware::GetBacklight()", "/sys/class/backlight/omap-bl/brightness missing"));
+    }
   }
   EXPECT_GT(nth, 2U) << "no allocation was made to fail";
   EXPECT_EQ(output_.out(), "");
@@ -148,10 +149,11 @@ TEST_F(BacklightTest, EachAllocationThatFailsInSetMaxBacklightIsReportedAndSwall
     }
     EXPECT_EQ(output_.err().substr(lines), failed ? "Handheld_Hardware::setMaxBacklight err\n" : "");
     ASSERT_EQ(sent_events().size(), events + (failed ? 1 : 0));
-    if (failed)
+    if (failed) {
       EXPECT_EQ(sent_events().back(),
                 failure_event("Handheld_Hardware::setMaxBacklight()",
                               "/sys/class/backlight/omap-bl/max_brightness or brightness missing"));
+    }
   }
   EXPECT_GT(nth, 3U) << "two files are opened, and each needs memory";
   EXPECT_EQ(output_.out(), "");

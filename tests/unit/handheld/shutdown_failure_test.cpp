@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <cstdio>
+
+#include "failing_allocation.h"
 #include "power_switch_under_test.h"
 
 // What a shutdown does when a service is not there, is not what it should be, or fails in mid-call.
@@ -141,6 +145,32 @@ INSTANTIATE_TEST_SUITE_P(Steps, FailingStepTest,
                            name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
                            return name;
                          });
+
+TEST_F(ShutdownFailureTest, ABacklightThatCannotBeRaisedIsReportedAndTheRequestGoesOn) {
+  {
+    const doubles::FailingAllocation no_file_buffer(1, BUFSIZ);
+    Handheld_Hardware::PowerSwitch(0x120);
+    EXPECT_TRUE(no_file_buffer.has_failed());
+  }
+  Calls expected = whole_shutdown();
+  expected.insert(expected.begin() + 1, "event Handheld_Hardware::setMaxBacklight()");
+  EXPECT_EQ(calls().all(), expected);
+  EXPECT_EQ(output_.err(), "Handheld_Hardware::setMaxBacklight err\n");
+  EXPECT_THAT(sent_events(),
+              ElementsAre(failure_event("Handheld_Hardware::setMaxBacklight()",
+                                        "/sys/class/backlight/omap-bl/max_brightness or brightness missing")));
+}
+
+TEST_F(ShutdownFailureTest, AnEventLogThatRefusesTheBacklightsEventDoesNotKeepTheRequestBack) {
+  doubles::run_first_in_sends([] { throw std::runtime_error("log full"); });
+  {
+    const doubles::FailingAllocation no_file_buffer(1, BUFSIZ);
+    EXPECT_NO_THROW(Handheld_Hardware::PowerSwitch(0x160));
+  }
+  EXPECT_EQ(calls().count(SCRIPT), 1U);
+  EXPECT_EQ(file_text(POWER_FILE), "0");
+  EXPECT_EQ(calls().all().back(), GIVE_LOCK_BACK);
+}
 
 TEST_F(ShutdownFailureTest, AnEverybodyEngineWithoutShutdownInterfaceIsPassedOver) {
   services_.has_no_shutdown_interface();

@@ -182,8 +182,9 @@ TEST_P(Mic284Test, IsReadAsHexadecimalWithItsLowByteSigned) {
   ASSERT_EQ(list.size(), 6U);
   EXPECT_EQ(list[3].name, "Slot 1 MIC284 Temperature");
   EXPECT_EQ(list[3].temperature, static_cast<float>(GetParam().degrees));
-  if (GetParam().degrees > -274 && GetParam().degrees < 1000)
+  if (GetParam().degrees > -274 && GetParam().degrees < 1000) {
     EXPECT_EQ(unit_->Slot1MIC284Temperature(), GetParam().degrees * 100 + 27315);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, Mic284Test,
