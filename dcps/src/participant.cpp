@@ -49,7 +49,7 @@ bool ParticipantImpl::open() {
 
 void ParticipantImpl::close() {
   const dds_entity_t participant = participant_.exchange(0);
-  if (participant > 0) delete_in_cyclone(participant, delivery_);
+  if (participant > 0) delete_in_cyclone(participant, this, delivery_);
 }
 
 bool ParticipantImpl::is_clean() {

@@ -26,7 +26,7 @@ bool PublisherImpl::open() {
 void PublisherImpl::close() {
   delete_contained_entities();
   const dds_entity_t publisher = publisher_.exchange(0);
-  if (publisher > 0) delete_in_cyclone(publisher, participant_->delivery());
+  if (publisher > 0) delete_in_cyclone(publisher, this, participant_->delivery());
 }
 
 bool PublisherImpl::is_clean() {

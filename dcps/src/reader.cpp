@@ -1,6 +1,7 @@
 #include <dcps/reader.h>
 
 #include "arrivals.h"
+#include "callback_order.h"
 #include "engine.h"
 #include "listener_calls.h"
 #include "qos.h"
@@ -16,7 +17,9 @@ DataReaderImpl::DataReaderImpl(std::size_t sample_size)
     : entity_handle_(next_instance_handle()),
       arrivals_(std::make_unique<Arrivals>(sample_size, next_instance_handle())) {}
 
-DataReaderImpl::~DataReaderImpl() = default;
+DataReaderImpl::~DataReaderImpl() {
+  CallbackOrder::enter(this);
+}
 
 bool DataReaderImpl::open(SubscriberImpl& subscriber, TopicImpl& topic, const DDS::DataReaderQos& qos,
                           DDS::DataReaderListener_ptr listener, DDS::StatusMask mask) {
@@ -32,6 +35,7 @@ bool DataReaderImpl::open(SubscriberImpl& subscriber, TopicImpl& topic, const DD
   tells_of_data_ = (mask & DDS::DATA_AVAILABLE_STATUS) != 0;
   // The filter goes by the times of arrival, so it has to see each sample when it comes.
   const CycloneListener events = ReaderEvents::listener_for(*this, mask | DDS::DATA_AVAILABLE_STATUS);
+  CallbackOrder::leave(this);
   const UserCall call;
   const dds_entity_t reader = dds_create_reader(subscriber.cyclone(), topic.cyclone(), cyclone_qos.get(), events.get());
   if (reader < 0) return false;
@@ -44,7 +48,7 @@ void DataReaderImpl::close() {
   const dds_entity_t reader = reader_.exchange(0);
   if (reader <= 0) return;
   calls_->close();
-  delete_in_cyclone(reader, subscriber_->participant().delivery());
+  delete_in_cyclone(reader, this, subscriber_->participant().delivery());
   topic_->remove_user();
 }
 
@@ -54,6 +58,7 @@ void DataReaderImpl::data_arrived(int reader) {
   if (!tells_of_data_ || !arrivals_->begin_notifying()) return;
   if (listener_has_returned_ && !UserCall::on_this_thread()) {
     const EngineCall call;
+    const auto kept = add_reference(this);
     notify_all();
     return;
   }

@@ -2,6 +2,7 @@
 
 #include <dcps/reader.h>
 
+#include "callback_order.h"
 #include "listener_calls.h"
 #include "references.h"
 #include "statuses.h"
@@ -12,6 +13,7 @@ template <typename Status>
 void ReaderEvents::post(void* reader, void (DDS::DataReaderListener::*operation)(DDS::DataReader_ptr, const Status&),
                         const Status& status) {
   auto* const from = static_cast<DataReaderImpl*>(reader);
+  const CallbackOrder order(from);
   from->calls_->post([kept = add_reference(from), operation, status] {
     kept->calls_->call([&] { (kept->listener_->*operation)(kept.in(), status); });
   });
@@ -31,7 +33,9 @@ CycloneListener ReaderEvents::listener_for(DataReaderImpl& reader, DDS::StatusMa
 }
 
 void ReaderEvents::data_available(dds_entity_t cyclone, void* reader) noexcept {
-  static_cast<DataReaderImpl*>(reader)->data_arrived(cyclone);
+  auto* const to = static_cast<DataReaderImpl*>(reader);
+  const CallbackOrder order(to);
+  to->data_arrived(cyclone);
 }
 
 void ReaderEvents::deadline_missed(dds_entity_t, dds_requested_deadline_missed_status_t status, void* reader) {

@@ -26,7 +26,7 @@ bool SubscriberImpl::open() {
 void SubscriberImpl::close() {
   delete_contained_entities();
   const dds_entity_t subscriber = subscriber_.exchange(0);
-  if (subscriber > 0) delete_in_cyclone(subscriber, participant_->delivery());
+  if (subscriber > 0) delete_in_cyclone(subscriber, this, participant_->delivery());
 }
 
 bool SubscriberImpl::is_clean() {

@@ -26,13 +26,14 @@ EngineCall::~EngineCall() {
   --engine_calls;
 }
 
-void delete_in_cyclone(dds_entity_t entity, const std::shared_ptr<Delivery>& delivery) {
+void delete_in_cyclone(dds_entity_t cyclone, DDS::Entity_ptr entity, const std::shared_ptr<Delivery>& delivery) {
   if (engine_calls > 0) {
-    delivery->post([entity, delivery] { delete_in_cyclone(entity, delivery); });
+    const DDS::Entity_var kept = DDS::Entity::_duplicate(entity);
+    delivery->post([cyclone, kept, delivery] { delete_in_cyclone(cyclone, kept.in(), delivery); });
     return;
   }
   const UserCall call;
-  dds_delete(entity);
+  dds_delete(cyclone);
 }
 
 }  // namespace dcps

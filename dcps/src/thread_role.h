@@ -4,6 +4,8 @@
 
 #include <dds/dds.h>
 
+#include <dds/DdsDcpsInfrastructureC.h>
+
 #include "delivery.h"
 
 /// Whose thread the current one is: Cyclone delivers on threads of its own, but what is written in this process it
@@ -31,8 +33,8 @@ public:
   EngineCall& operator=(const EngineCall&) = delete;
 };
 
-/// Deletes an entity in Cyclone. Cyclone waits for calls under way, so from within an EngineCall it is left to the
-/// delivery thread, in the order of deletion.
-void delete_in_cyclone(dds_entity_t entity, const std::shared_ptr<Delivery>& delivery);
+/// Deletes in Cyclone what stands for `entity`. Cyclone waits for calls under way, so from within an EngineCall it is
+/// left to the delivery thread, in the order of deletion; `entity`, which Cyclone may call until then, is kept.
+void delete_in_cyclone(dds_entity_t cyclone, DDS::Entity_ptr entity, const std::shared_ptr<Delivery>& delivery);
 
 }  // namespace dcps

@@ -38,7 +38,7 @@ bool TopicImpl::open() {
 
 void TopicImpl::close() {
   const dds_entity_t topic = topic_.exchange(0);
-  if (topic > 0) delete_in_cyclone(topic, participant_->delivery());
+  if (topic > 0) delete_in_cyclone(topic, this, participant_->delivery());
 }
 
 DDS::DomainParticipant_ptr TopicImpl::get_participant() {

@@ -1,5 +1,6 @@
 #include <dcps/writer.h>
 
+#include "callback_order.h"
 #include "engine.h"
 #include "listener_calls.h"
 #include "publisher.h"
@@ -13,7 +14,9 @@ namespace dcps {
 
 DataWriterImpl::DataWriterImpl() : entity_handle_(next_instance_handle()), instance_handle_(next_instance_handle()) {}
 
-DataWriterImpl::~DataWriterImpl() = default;
+DataWriterImpl::~DataWriterImpl() {
+  CallbackOrder::enter(this);
+}
 
 bool DataWriterImpl::open(PublisherImpl& publisher, TopicImpl& topic, const DDS::DataWriterQos& qos,
                           DDS::DataWriterListener_ptr listener, DDS::StatusMask mask) {
@@ -25,6 +28,7 @@ bool DataWriterImpl::open(PublisherImpl& publisher, TopicImpl& topic, const DDS:
   const CycloneQos cyclone_qos = to_cyclone(qos);
   const CycloneListener events =
       WriterEvents::listener_for(*this, CORBA::is_nil(listener) ? OpenDDS::DCPS::NO_STATUS_MASK : mask);
+  CallbackOrder::leave(this);
   const UserCall call;
   const dds_entity_t writer = dds_create_writer(publisher.cyclone(), topic.cyclone(), cyclone_qos.get(), events.get());
   if (writer < 0) return false;
@@ -37,7 +41,7 @@ void DataWriterImpl::close() {
   const dds_entity_t writer = writer_.exchange(0);
   if (writer <= 0) return;
   calls_->close();
-  delete_in_cyclone(writer, publisher_->participant().delivery());
+  delete_in_cyclone(writer, this, publisher_->participant().delivery());
   topic_->remove_user();
 }
 

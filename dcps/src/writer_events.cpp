@@ -2,6 +2,7 @@
 
 #include <dcps/writer.h>
 
+#include "callback_order.h"
 #include "listener_calls.h"
 #include "references.h"
 #include "statuses.h"
@@ -12,6 +13,7 @@ template <typename Status>
 void WriterEvents::post(void* writer, void (DDS::DataWriterListener::*operation)(DDS::DataWriter_ptr, const Status&),
                         const Status& status) {
   auto* const from = static_cast<DataWriterImpl*>(writer);
+  const CallbackOrder order(from);
   from->calls_->post([kept = add_reference(from), operation, status] {
     kept->calls_->call([&] { (kept->listener_->*operation)(kept.in(), status); });
   });

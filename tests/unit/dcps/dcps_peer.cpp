@@ -60,7 +60,11 @@ std::unique_ptr<Peer> make_peer(DDS::DomainId_t domain, const std::string& topic
   const DDS::DataWriter_var writer = peer->publisher->create_datawriter(topic, qos, nullptr, 0);
   peer->writer = ATTR_BOOLEANDataWriter::_narrow(writer);
   const DDS::DataReaderListener_var listener = new ThrowingListener;
-  peer->reader = peer->subscriber->create_datareader(back, DATAREADER_QOS_DEFAULT, listener, ~0U);
+  DDS::DataReaderQos reader_qos;
+  peer->subscriber->get_default_datareader_qos(reader_qos);
+  reader_qos.reliability.kind = DDS::RELIABLE_RELIABILITY_QOS;
+  reader_qos.durability.kind = DDS::TRANSIENT_LOCAL_DURABILITY_QOS;
+  peer->reader = peer->subscriber->create_datareader(back, reader_qos, listener, DDS::DATA_AVAILABLE_STATUS);
   return peer;
 }
 

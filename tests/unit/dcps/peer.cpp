@@ -1,6 +1,7 @@
 #include "peer.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -47,7 +48,8 @@ Peer::~Peer() {
 std::string Peer::line() {
   std::string text;
   char character = 0;
-  while (read(from_, &character, 1) == 1 && character != '\n') text += character;
+  pollfd readable{from_, POLLIN, 0};
+  while (poll(&readable, 1, 20000) == 1 && read(from_, &character, 1) == 1 && character != '\n') text += character;
   return text;
 }
 

@@ -23,7 +23,7 @@ public:
   std::string ask(const std::string& command);
   /// Gives it its last command and waits for its end: the status as waitpid gives it.
   int finish(const std::string& command);
-  /// The next line that it writes; empty: it has ended.
+  /// The next line that it writes; empty: it has ended, or written none for twenty seconds.
   std::string line();
 
 private:
