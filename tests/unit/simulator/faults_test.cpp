@@ -17,11 +17,11 @@ using simulator::model::Watch;
 
 class FaultsTest : public ::testing::Test {
 protected:
-  /// What the next calls of the point meet, one letter each: '.' nothing, 'x' the fault.
+  /// What the next calls of the point meet, one letter each: '.' nothing, '!' the fault.
   std::string next_calls(Point point, int calls) {
     std::string met;
     for (int call = 0; call < calls; ++call) {
-      met += faults_.strike(point).kind == FaultKind::NONE ? '.' : 'x';
+      met += faults_.strike(point).kind == FaultKind::NONE ? '.' : '!';
     }
     return met;
   }
@@ -63,21 +63,21 @@ TEST_F(FaultsTest, NothingGoesWrongUnlessArmed) {
 
 TEST_F(FaultsTest, AFaultHitsFromItsNthCallOn) {
   faults_.arm(Point::RADALT_READ, {FaultKind::FAIL, 5, 3, Fault::ALWAYS});
-  EXPECT_EQ(next_calls(Point::RADALT_READ, 6), "..xxxx");
+  EXPECT_EQ(next_calls(Point::RADALT_READ, 6), "..!!!!");
   EXPECT_EQ(next_calls(Point::RADALT_WRITE, 2), "..");
 }
 
 TEST_F(FaultsTest, AFaultHitsAsOftenAsItSays) {
   faults_.arm(Point::RADALT_READ, {FaultKind::FAIL, 5, 2, 2});
-  EXPECT_EQ(next_calls(Point::RADALT_READ, 6), ".xx...");
+  EXPECT_EQ(next_calls(Point::RADALT_READ, 6), ".!!...");
   faults_.arm(Point::RADALT_READ, {FaultKind::FAIL, 5, 1, 1});
-  EXPECT_EQ(next_calls(Point::RADALT_READ, 3), "x..");
+  EXPECT_EQ(next_calls(Point::RADALT_READ, 3), "!..");
 }
 
 TEST_F(FaultsTest, CallsAreCountedFromTheArming) {
   next_calls(Point::RADALT_READ, 5);
   faults_.arm(Point::RADALT_READ, {FaultKind::FAIL, 5, 2, 1});
-  EXPECT_EQ(next_calls(Point::RADALT_READ, 3), ".x.");
+  EXPECT_EQ(next_calls(Point::RADALT_READ, 3), ".!.");
 }
 
 TEST_F(FaultsTest, AnArmedFaultIsHandedOutWhole) {
