@@ -85,9 +85,7 @@ TEST_F(Naming, AReferenceFoundBeforeStaysGoodWhenTheNameGoes) {
 TEST_F(Naming, OneServiceAloneRegistersOnlyItself) {
   services_ = std::make_unique<ChildProcess>(std::vector<std::string>{UNIT_SERVICES, "--only", "everybody_engine"},
                                              variables(), file("services.log"));
-  while (!bound(EVERYBODY_ENGINE_PATH)) {
-    ASSERT_TRUE(services_->running()) << services_output();
-  }
+  ASSERT_TRUE(comes_true([this] { return bound(EVERYBODY_ENGINE_PATH); })) << services_output();
   EXPECT_FALSE(CORBA::is_nil(everybody_engine().in()));
   EXPECT_FALSE(bound(GUI_MANAGER_PATH));
   EXPECT_FALSE(bound(HW_ENUMERATE_PATH));

@@ -52,6 +52,17 @@ std::string content(const std::string& path) {
 
 }  // namespace
 
+bool comes_true(const std::function<bool()>& condition) {
+  const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() >= deadline) {
+      return false;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return true;
+}
+
 UnitWithServices::UnitWithServices() {
   std::string pattern = "/tmp/unit-XXXXXX";
   folder_ = ::mkdtemp(pattern.data());

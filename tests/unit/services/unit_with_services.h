@@ -5,6 +5,7 @@
 #include <tao/corba.h>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -26,6 +27,9 @@ using simulator::model::ServiceBehaviour;
 
 /// Far longer than anything here takes; only a failing test waits so long.
 inline constexpr std::chrono::milliseconds PATIENCE{20000};
+
+/// Waits until the condition holds; false when PATIENCE passes first.
+bool comes_true(const std::function<bool()>& condition);
 
 inline const std::vector<std::string> GUI_MANAGER_PATH{"Halcyra", "local", "GUIManager"};
 inline const std::vector<std::string> EVERYBODY_ENGINE_PATH{"Halcyra", "local", "EVERYBODYENG", "1"};
