@@ -146,7 +146,8 @@ DDS_BaseObj::~DDS_BaseObj() = default;
 const DDS_Context& DDS_BaseObj::DdsBase() const {
   auto& one = framework();
   const std::lock_guard<std::mutex> lock(one.mutex);
-  if (!one.participant_replaced) one.context.participant = doubles::real_participant();
+  const bool unset = CORBA::is_nil(one.context.participant) && !one.participant_replaced;
+  if (unset) one.context.participant = doubles::real_participant();
   return one.context;
 }
 
