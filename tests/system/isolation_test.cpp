@@ -4,6 +4,8 @@
 #include <sched.h>
 #include <unistd.h>
 
+#include <fstream>
+
 #include "command_line.h"
 
 namespace {
@@ -134,13 +136,21 @@ TEST_P(RefusedUnitFileTest, NothingStarts) {
 
 INSTANTIATE_TEST_SUITE_P(
     UnitFiles, RefusedUnitFileTest,
-    testing::Values(Refused{"{\n  \"board\": {\n    \"handle\": 3,,\n", "?"}, Refused{"", "?"},
-                    Refused{"[1]", "must hold one JSON object"},
-                    Refused{R"({"power_supply":{"colour":1}})", "power_supply.colour: no such setting"},
-                    Refused{R"({"colour":1})", "colour: no such setting"},
-                    Refused{R"({"power_supply":{"temperature":"warm"}})", "?"},
-                    Refused{R"({"power_supply":{"reply_delay":-1}})", "?"}, Refused{R"({"board":7})", "?"},
-                    Refused{R"({"board":{"handle":1,"handle":2}})", "board.handle: given twice"}));
+    testing::Values(
+        Refused{"{\n  \"board\": {\n    \"handle\": 3,,\n",
+                "line 3, column 17: syntax error while parsing object key - unexpected ','; expected string literal"},
+        Refused{"",
+                "line 1, column 1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
+                "literal"},
+        Refused{"[1]", "must hold one JSON object"},
+        Refused{R"({"power_supply":{"colour":1}})", "power_supply.colour: no such setting"},
+        Refused{R"({"colour":1})", "colour: no such setting"},
+        Refused{R"({"power_supply":{"temperature":"warm"}})",
+                "power_supply.temperature: must be a whole number from -2147483648 to 2147483647, not \"warm\""},
+        Refused{R"({"power_supply":{"reply_delay":-1}})",
+                "power_supply.reply_delay: must be a whole number from 0 to 60000000, not -1"},
+        Refused{R"({"board":7})", "board: must hold settings, not 7"},
+        Refused{R"({"board":{"handle":1,"handle":2}})", "board.handle: given twice"}));
 
 TEST(LibraryTest, ALibraryThatIsNotThereIsTheLoadersToReport) {
   const Ending ending = unit_command({"run", "--once", "--json", "--library", "/no/such/library.so"});

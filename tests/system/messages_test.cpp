@@ -41,9 +41,9 @@ protected:
 TEST_F(MessagesTest, OnlyChangesOfTheExternalVoltageArePublished) {
   const Host host = unit_.start().host();
   const Program listener = unit_.run({"dds_peer", "listen"});
-  listener.wait_for("listening\n");
   charger_status(host, 0x00);
   charger_status(host, 0x01);
+  listener.wait_for("1\n");
   charger_status(host, 0x09);
   charger_status(host, 0x08);
   listener.wait_for("0\n");

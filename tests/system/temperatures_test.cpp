@@ -18,7 +18,7 @@ protected:
   }
 
   json temperatures(const json& list_before = json::array()) {
-    const json answer = host().call("GetTemperature", {list_before});
+    const json answer = host().call("GetTemperature", json::array({list_before}));
     EXPECT_EQ(answer["result"], 1);
     return answer["temperatures"];
   }

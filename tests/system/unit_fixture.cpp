@@ -248,6 +248,9 @@ SimulatedUnit& SimulatedUnit::behave(Service service, ServiceBehaviour behaviour
 }
 
 SimulatedUnit& SimulatedUnit::start() {
+  if (root_) {
+    return *this;
+  }
   Pipe orders;
   Pipe reports;
   options_.input = orders.ends[0];

@@ -127,6 +127,7 @@ public:
   /// Makes the service behave so and waits until the naming service shows it. After start().
   SimulatedUnit& behave(Service service, ServiceBehaviour behaviour);
 
+  /// Does nothing where it has started.
   SimulatedUnit& start();
   /// Ends everything inside; returns when it has ended.
   void stop();

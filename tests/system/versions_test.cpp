@@ -13,7 +13,7 @@ protected:
   /// Starts a host and asks it for the version list.
   json versions(const json& list_before = json::array()) {
     host_.emplace(unit_.start().host());
-    const json answer = host_->call("GetVersionList", {list_before});
+    const json answer = host_->call("GetVersionList", json::array({list_before}));
     EXPECT_EQ(answer["result"], 1);
     EXPECT_EQ(answer["versions"].size(), 10U);
     return answer["versions"];
