@@ -135,7 +135,10 @@ std::string StartedUnit::bring_inside(const std::string& library) const {
   }
   fs::create_directories(state_.run() / "library");
   const fs::path name = fs::path(library).filename();
-  fs::copy_file(library, state_.run() / "library" / name);
+  const fs::path copy = state_.run() / "library" / name;
+  fs::copy_file(library, copy);
+  // The unit's programs may be another user than the one who owns the library.
+  fs::permissions(copy, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read, fs::perm_options::add);
   return (fs::path("/run/unit/library") / name).string();
 }
 
