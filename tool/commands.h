@@ -1,16 +1,74 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "running_unit.h"
+#include "started_unit.h"
 
 namespace tool {
 
-/// Each adds one subcommand, or a few that belong together, to the command. A subcommand chosen on the command line
-/// runs while the line is parsed; it ends with CommandEnd, CommandError, or normally for status 0.
-void add_run(CLI::App& app);
-void add_exec(CLI::App& app);
-void add_settings(CLI::App& app);  ///< get, set, list
-void add_requests(CLI::App& app);  ///< call, interrupt
-void add_dialogs(CLI::App& app);   ///< dialogs, answer
-void add_shutdown(CLI::App& app);
+/// The subcommands. Each runs to its end; it ends with status 0 by returning, else with CommandEnd or CommandError, or
+/// with what a bad unit file or state folder throws. Main thread only.
+
+/// "run": a fresh unit, its state shown.
+struct RunOptions {
+  UnitChoice unit;
+  bool once = false;  ///< shown once; else once a second until a signal
+  bool json = false;
+};
+void run(const RunOptions& options);
+
+/// "exec": a command on a fresh unit, without a host.
+struct ExecOptions {
+  UnitChoice unit;
+  bool services = false;
+  bool network = false;
+  std::vector<std::string> environment;  ///< "NAME=VALUE"
+  std::vector<std::string> command;      ///< at least one word
+};
+/// Returns the command's exit status.
+int exec(const ExecOptions& options);
+
+/// "shutdown": presses the power switch, has the question answered from standard input, prints what was called.
+struct ShutdownOptions {
+  RunningUnit running;
+  UnitChoice unit;
+  bool on_running = false;  ///< `running` is used; else a fresh `unit`
+  bool json = false;
+};
+void shut_down(const ShutdownOptions& options);
+
+/// "get", "set" and "list".
+struct SettingOptions {
+  RunningUnit unit;
+  std::string key;
+  std::string value;
+  bool json = false;
+};
+void get_setting(const SettingOptions& options);
+void set_setting(const SettingOptions& options);
+void list_settings(const SettingOptions& options);
+
+/// "call" and "interrupt".
+struct RequestOptions {
+  RunningUnit unit;
+  std::string operation;
+  std::vector<std::string> arguments;
+  std::string value;
+  bool json = false;
+};
+void call_operation(const RequestOptions& options);
+void raise_interrupt(const RequestOptions& options);
+
+/// "dialogs" and "answer".
+struct DialogOptions {
+  RunningUnit unit;
+  std::string title;
+  std::string label;
+  bool json = false;
+};
+void show_dialogs(const DialogOptions& options);
+void answer_dialog(const DialogOptions& options);
 
 }  // namespace tool

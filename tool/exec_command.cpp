@@ -15,14 +15,6 @@ using simulator::sysroot::PrivateRoot;
 using simulator::sysroot::RootOptions;
 using simulator::sysroot::StateFolder;
 
-struct ExecOptions {
-  UnitChoice unit;
-  bool services = false;
-  bool network = false;
-  std::vector<std::string> environment;
-  std::vector<std::string> command;
-};
-
 /// The command's status; that of the signal where one ends this command first.
 int wait_for_end(PrivateRoot& root, const Signals& signals) {
   for (;;) {
@@ -54,6 +46,8 @@ std::vector<std::pair<std::string, std::string>> environment(const std::vector<s
   return all;
 }
 
+}  // namespace
+
 int exec(const ExecOptions& options) {
   const simulator::model::UnitFile values = load_unit_file(options.unit.unit_file);
   RootOptions root_options;
@@ -70,28 +64,6 @@ int exec(const ExecOptions& options) {
   state.fill(values);
   PrivateRoot root(state, root_options);
   return wait_for_end(root, signals);
-}
-
-}  // namespace
-
-void add_exec(CLI::App& app) {
-  CLI::App* command =
-      app.add_subcommand("exec", "Runs a command on a fresh simulated unit, without a host; exits with its status.");
-  const auto options = std::make_shared<ExecOptions>();
-  command->add_option("--unit", options->unit.unit_file, "unit file; without it, the one that comes with the build");
-  command->add_option("--state", options->unit.state, "state folder, kept; without it, a new one that is removed");
-  command->add_flag("--services", options->services, "the naming service and the unit's services run");
-  command->add_flag("--network", options->network, "there is an interface eth0");
-  command->add_flag("--dhcp-server", options->unit.dhcp_server, "a DHCP server answers on eth0");
-  command->add_option("--env", options->environment, "NAME=VALUE for the command's environment; may be repeated")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  command
-      ->add_option("command", options->command,
-                   "the command, after \"--\"; programs of the build folder by their path there or inside (/opt/unit)")
-      ->required();
-  command->positionals_at_end();
-  command->callback([options] { throw CommandEnd{exec(*options)}; });
 }
 
 }  // namespace tool

@@ -20,12 +20,6 @@ constexpr std::chrono::milliseconds refresh_interval{1000};
 /// How long the first published value of the external voltage may take to arrive.
 constexpr std::chrono::milliseconds first_patience{200};
 
-struct RunOptions {
-  UnitChoice unit;
-  bool once = false;
-  bool json = false;
-};
-
 /// The terminal while a unit is shown on it: a screen of its own, given back at the end.
 class Screen {
 public:
@@ -92,6 +86,8 @@ void show_on_screen(StartedUnit& unit) {
   }
 }
 
+}  // namespace
+
 void run(const RunOptions& options) {
   const Signals signals;
   StartedUnit unit(options.unit, {options.json ? STDERR_FILENO : STDOUT_FILENO, STDERR_FILENO}, signals);
@@ -111,22 +107,6 @@ void run(const RunOptions& options) {
       throw;
     }
   }
-}
-
-}  // namespace
-
-void add_run(CLI::App& app) {
-  CLI::App* command =
-      app.add_subcommand("run", "Runs the library on a fresh simulated unit and shows the unit's state.");
-  const auto options = std::make_shared<RunOptions>();
-  command->add_flag("--once", options->once, "show it once and leave; else once a second until Ctrl-C");
-  command->add_flag("--json", options->json,
-                    "show JSON documents, one a line; the library's output goes to standard error");
-  command->add_option("--unit", options->unit.unit_file, "unit file; without it, the one that comes with the build");
-  command->add_option("--state", options->unit.state, "state folder, kept; without it, a new one that is removed");
-  command->add_option("--library", options->unit.library, "library to load; without it, the build's own");
-  command->add_flag("--dhcp-server", options->unit.dhcp_server, "a DHCP server answers on the unit's network");
-  command->callback([options] { run(*options); });
 }
 
 }  // namespace tool

@@ -8,16 +8,12 @@
 namespace tool {
 namespace fs = std::filesystem;
 
-void RunningUnit::add_option(CLI::App& command) {
-  command.add_option("--unit-state", chosen_, "state folder of the unit; without it, the only unit that runs");
-}
-
 fs::path RunningUnit::state() const {
-  if (!chosen_.empty()) {
-    if (!simulator::sysroot::is_running(chosen_)) {
-      throw CommandError(STATUS_BAD_USAGE, chosen_ + ": no unit runs on that state folder");
+  if (!chosen.empty()) {
+    if (!simulator::sysroot::is_running(chosen)) {
+      throw CommandError(STATUS_BAD_USAGE, chosen + ": no unit runs on that state folder");
     }
-    return chosen_;
+    return chosen;
   }
   const std::vector<fs::path> units = simulator::sysroot::running_units();
   if (units.empty()) {

@@ -15,13 +15,6 @@ using simulator::model::Setting;
 using simulator::model::SettingType;
 using simulator::model::UnitModel;
 
-struct SettingOptions {
-  RunningUnit unit;
-  std::string key;
-  std::string value;
-  bool json = false;
-};
-
 const char* name_of(SettingType type) {
   switch (type) {
     case SettingType::NUMBER:
@@ -69,7 +62,19 @@ std::string kind(const Setting& setting) {
   return setting.unit.empty() ? text : text + " (" + setting.unit + ")";
 }
 
-void list(const SettingOptions& options) {
+/// Runs `action`; a name or value that the unit does not take is bad usage.
+template <typename Action>
+auto with_usage_errors(Action action) {
+  try {
+    return action();
+  } catch (const simulator::model::SettingError& error) {
+    throw CommandError(STATUS_BAD_USAGE, error.what());
+  }
+}
+
+}  // namespace
+
+void list_settings(const SettingOptions& options) {
   ordered_json rows = ordered_json::array();
   for (const Setting& setting : simulator::model::settings()) {
     if (options.json) {
@@ -83,9 +88,9 @@ void list(const SettingOptions& options) {
   }
 }
 
-void get(const SettingOptions& options) {
+void get_setting(const SettingOptions& options) {
   UnitModel model = options.unit.model();
-  const nlohmann::json value = simulator::model::get_setting(model, options.key);
+  const nlohmann::json value = with_usage_errors([&] { return simulator::model::get_setting(model, options.key); });
   if (options.json) {
     std::printf("%s\n", ordered_json{{"name", options.key}, {"value", value}}.dump().c_str());
   } else {
@@ -93,42 +98,9 @@ void get(const SettingOptions& options) {
   }
 }
 
-void set(const SettingOptions& options) {
+void set_setting(const SettingOptions& options) {
   UnitModel model = options.unit.model();
-  simulator::model::set_setting_from_text(model, options.key, options.value);
-}
-
-/// Runs `action`; a name or value that the unit does not take is bad usage.
-template <typename Action>
-void run(Action action, const SettingOptions& options) {
-  try {
-    action(options);
-  } catch (const simulator::model::SettingError& error) {
-    throw CommandError(STATUS_BAD_USAGE, error.what());
-  }
-}
-
-}  // namespace
-
-void add_settings(CLI::App& app) {
-  const auto options = std::make_shared<SettingOptions>();
-
-  CLI::App* get_command = app.add_subcommand("get", "Prints a value of a running unit.");
-  options->unit.add_option(*get_command);
-  get_command->add_option("key", options->key, "the setting's name; \"unit list\" lists them")->required();
-  get_command->add_flag("--json", options->json, "print JSON");
-  get_command->callback([options] { run(get, *options); });
-
-  CLI::App* set_command = app.add_subcommand("set", "Sets a value of a running unit.");
-  options->unit.add_option(*set_command);
-  set_command->add_option("key", options->key, "the setting's name; \"unit list\" lists them")->required();
-  set_command->add_option("value", options->value, "its new value: JSON where it is some, else text")->required();
-  set_command->callback([options] { run(set, *options); });
-
-  CLI::App* list_command =
-      app.add_subcommand("list", "Lists the settings of a unit: name, kind and range, what it is.");
-  list_command->add_flag("--json", options->json, "print JSON");
-  list_command->callback([options] { run(list, *options); });
+  with_usage_errors([&] { simulator::model::set_setting_from_text(model, options.key, options.value); });
 }
 
 }  // namespace tool

@@ -26,13 +26,6 @@ constexpr const char* question = "System Prompt";
 constexpr std::chrono::milliseconds step{5};
 constexpr std::chrono::seconds patience{30};
 
-struct ShutdownOptions {
-  RunningUnit running;
-  UnitChoice unit;
-  bool on_running = false;
-  bool json = false;
-};
-
 /// How this command waits: in a way that notices the end of what it has started.
 struct Waiting {
   std::function<void(int descriptor)> until_readable;
@@ -149,6 +142,8 @@ void press_switch(UnitModel& model, const std::filesystem::path& state, const Wa
   print_calls(calls_since(state, before), shut_down, as_json);
 }
 
+}  // namespace
+
 void shut_down(const ShutdownOptions& options) {
   if (options.on_running) {
     UnitModel model = options.running.model();
@@ -161,22 +156,6 @@ void shut_down(const ShutdownOptions& options) {
   const Waiting waiting{[&unit](int descriptor) { unit.wait_readable(descriptor); },
                         [&unit](std::chrono::milliseconds time) { unit.pause(time); }};
   press_switch(unit.model(), unit.state(), waiting, options.json);
-}
-
-}  // namespace
-
-void add_shutdown(CLI::App& app) {
-  CLI::App* command = app.add_subcommand("shutdown",
-                                         "Presses the power switch of a unit, shows its question, takes the answer "
-                                         "from standard input and prints what was called.");
-  const auto options = std::make_shared<ShutdownOptions>();
-  command->add_flag("--running", options->on_running, "on a unit that runs already; else on a fresh one");
-  options->running.add_option(*command);
-  command->add_option("--unit", options->unit.unit_file, "unit file of a fresh unit");
-  command->add_option("--state", options->unit.state, "state folder of a fresh unit, kept");
-  command->add_option("--library", options->unit.library, "library that a fresh unit loads");
-  command->add_flag("--json", options->json, "print JSON; the question goes to standard error");
-  command->callback([options] { shut_down(*options); });
 }
 
 }  // namespace tool

@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <filesystem>
@@ -17,8 +18,6 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include <CLI/CLI.hpp>
 
 #include "child_process.h"
 #include "naming.h"
@@ -31,6 +30,10 @@ using simulator::sysroot::shell_status;
 using simulator::sysroot::start_program;
 
 constexpr int status_of_ended_unit = 1;
+constexpr int status_of_bad_usage = 2;
+constexpr const char* usage =
+    "usage: unit-init --lifeline DESCRIPTOR [--services PORT] [--network] [--dhcp-server] -- COMMAND…\n"
+    "First process of a unit's private root; started by \"unit\".\n";
 
 struct Orders {
   int lifeline = -1;    ///< readable when everything is to end
@@ -39,6 +42,31 @@ struct Orders {
   bool dhcp_server = false;
   std::vector<std::string> command;
 };
+
+/// What the command line orders; none where it is not as `usage` says.
+std::optional<Orders> read_orders(int argc, char** argv) {
+  Orders orders;
+  int next = 1;
+  for (; next < argc && std::strcmp(argv[next], "--") != 0; ++next) {
+    const std::string option = argv[next];
+    if (option == "--network") {
+      orders.network = true;
+    } else if (option == "--dhcp-server") {
+      orders.dhcp_server = true;
+    } else if (option == "--lifeline" && next + 1 < argc) {
+      orders.lifeline = std::atoi(argv[++next]);
+    } else if (option == "--services" && next + 1 < argc) {
+      orders.naming_port = std::atoi(argv[++next]);
+    } else {
+      return std::nullopt;
+    }
+  }
+  if (next + 1 >= argc || orders.lifeline < 0) {
+    return std::nullopt;
+  }
+  orders.command.assign(argv + next + 1, argv + argc);
+  return orders;
+}
 
 /// Makes this process's surroundings the unit's. Throws std::runtime_error.
 void prepare(const Orders& orders) {
@@ -91,14 +119,12 @@ int look_after(pid_t command, int lifeline, int children) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Orders orders;
-  CLI::App app("First process of a unit's private root; started by \"unit\".");
-  app.add_option("--lifeline", orders.lifeline, "descriptor whose end of file ends the unit")->required();
-  app.add_option("--services", orders.naming_port, "run the naming service on this port, and the unit's services");
-  app.add_flag("--network", orders.network, "make the interface eth0");
-  app.add_flag("--dhcp-server", orders.dhcp_server, "let a DHCP server answer on eth0");
-  app.add_option("command", orders.command, "the command to run")->required();
-  CLI11_PARSE(app, argc, argv);
+  const std::optional<Orders> read = read_orders(argc, argv);
+  if (!read) {
+    std::fputs(usage, stderr);
+    return status_of_bad_usage;
+  }
+  const Orders& orders = *read;
   fcntl(orders.lifeline, F_SETFD, FD_CLOEXEC);
 
   sigset_t watched;
