@@ -14,7 +14,7 @@ bool ListenerCalls::call(const std::function<void()>& call) {
   call();
   lock.lock();
   caller_ = {};
-  if (closed_) given_back = listener_._retn();
+  if (closed_by_caller_) given_back = listener_._retn();
   ended_.notify_all();
   lock.unlock();
   return true;
@@ -24,7 +24,8 @@ void ListenerCalls::close() {
   DDS::Listener_var given_back;
   std::unique_lock lock(mutex_);
   closed_ = true;
-  if (caller_ == std::this_thread::get_id()) return;
+  closed_by_caller_ = caller_ == std::this_thread::get_id();
+  if (closed_by_caller_) return;
   ended_.wait(lock, [&] { return caller_ == std::thread::id(); });
   given_back = listener_._retn();
   lock.unlock();

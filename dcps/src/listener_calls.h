@@ -37,6 +37,7 @@ private:
   DDS::Listener_var listener_;
   std::thread::id caller_;  ///< the thread that is inside the listener
   bool closed_ = false;
+  bool closed_by_caller_ = false;  ///< from within its call
 };
 
 }  // namespace dcps

@@ -117,6 +117,19 @@ TEST_F(ListenerTest, DeletionWaitsForTheCallUnderWay) {
   EXPECT_EQ(listener.taken().size(), 1U) << "no call begins after the deletion";
 }
 
+TEST_F(ListenerTest, AListenerMayGoAsSoonAsItsReaderIsDeleted) {
+  Entities entities;
+  const Writer_var writer = entities.writer(topic_);
+  for (int i = 0; i < 300; ++i) {
+    Gate entered;
+    RecordingListener listener([&] { entered.open(); });
+    const Reader_var reader = entities.reader(topic_, &listener);
+    writer->write(numbered(i), NIL);
+    ASSERT_TRUE(entered.wait_briefly());
+    ASSERT_EQ(entities.subscriber->delete_datareader(reader), DDS::RETCODE_OK);
+  }
+}
+
 TEST_F(ListenerTest, ReadersAreDeletedWhileDataArrive) {
   Entities entities;
   const Writer_var writer = entities.writer(topic_);

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,7 +20,8 @@ std::string test_folder() {
 Peer::Peer(const std::vector<std::string>& arguments) {
   std::array<int, 2> in{};
   std::array<int, 2> out{};
-  if (pipe2(in.data(), O_CLOEXEC) != 0 || pipe2(out.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, in.data()) != 0 || pipe2(out.data(), O_CLOEXEC) != 0)
+    throw std::runtime_error("no pipe");
   const std::string program = test_folder() + "/dcps_peer";
   std::vector<char*> command{const_cast<char*>(program.c_str())};
   for (const std::string& argument : arguments) command.push_back(const_cast<char*>(argument.c_str()));
@@ -54,18 +56,20 @@ std::string Peer::line() {
 }
 
 std::string Peer::ask(const std::string& command) {
-  const std::string text = command + "\n";
-  if (write(to_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) return "";
-  return line();
+  return tell(command) ? line() : "";
 }
 
 int Peer::finish(const std::string& command) {
-  const std::string text = command + "\n";
+  tell(command);
   int status = -1;
-  if (write(to_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) return status;
   waitpid(process_, &status, 0);
   process_ = -1;
   return status;
+}
+
+bool Peer::tell(const std::string& command) {
+  const std::string text = command + "\n";
+  return send(to_, text.data(), text.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(text.size());
 }
 
 }  // namespace dcps_test

@@ -21,12 +21,14 @@ public:
 
   /// Gives it a command and waits until it has answered: its answer.
   std::string ask(const std::string& command);
-  /// Gives it its last command and waits for its end: the status as waitpid gives it.
+  /// Gives it its last command and waits for its end, if it has not ended already: the status as waitpid gives it.
   int finish(const std::string& command);
   /// The next line that it writes; empty: it has ended, or written none for twenty seconds.
   std::string line();
 
 private:
+  bool tell(const std::string& command);
+
   pid_t process_ = -1;
   int to_ = -1;
   int from_ = -1;
