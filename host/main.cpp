@@ -11,6 +11,7 @@
 #include <CLI/CLI.hpp>
 
 #include "base_hardware.h"
+#include "exception_name.h"
 #include "library.h"
 #include "requests.h"
 #include "server.h"
@@ -92,6 +93,8 @@ int main(int argc, char** argv) {
     return run(options);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "unit-host: %s\n", error.what());
-    return status_not_loaded;
+  } catch (...) {
+    std::fprintf(stderr, "unit-host: an exception of type %s\n", host::current_exception_name().c_str());
   }
+  return status_not_loaded;
 }

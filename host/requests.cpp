@@ -2,11 +2,11 @@
 
 #include <cxxabi.h>
 
+#include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <exception>
-#include <memory>
 
+#include "exception_name.h"
 #include "operation.h"
 
 namespace host {
@@ -32,10 +32,7 @@ json describe_operations() {
 
 /// The exception that is being handled, as the answer shows it.
 json describe_exception() {
-  const std::type_info* type = abi::__cxa_current_exception_type();
-  const std::unique_ptr<char, void (*)(void*)> name(abi::__cxa_demangle(type->name(), nullptr, nullptr, nullptr),
-                                                    std::free);
-  json description = {{"type", name ? name.get() : type->name()}};
+  json description = {{"type", current_exception_name()}};
   try {
     throw;
   } catch (const std::exception& error) {
