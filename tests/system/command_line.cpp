@@ -47,6 +47,7 @@ OutsideProgram::OutsideProgram(std::vector<std::string> line, const std::string&
   process_ = fork();
   if (process_ == 0) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    ::signal(SIGPIPE, SIG_DFL);
     dup2(in, STDIN_FILENO);
     dup2(out_, STDOUT_FILENO);
     dup2(err_, STDERR_FILENO);

@@ -11,7 +11,6 @@
 namespace {
 
 using namespace system_test;
-using testing::ElementsAre;
 using testing::IsEmpty;
 namespace fs = std::filesystem;
 
@@ -165,12 +164,6 @@ TEST(LibraryTest, ALibraryThatIsNoneIsTheLoadersToReport) {
   EXPECT_THAT(ending, ExitedWith(1));
   EXPECT_EQ(ending.out, "");
   EXPECT_EQ(ending.err, "/run/unit/library/" + fs::path(file.path()).filename().string() + ": invalid ELF header\n");
-}
-
-TEST(LibraryTest, ADriverThatRefusesEndsTheCommandWithItsStatus) {
-  SimulatedUnit unit;
-  unit.fault(Point::RADALT_INIT, {FaultKind::FAIL, 2}).start();
-  EXPECT_THAT(unit.run_to_end({"unit-host"}), ExitedWith(1));
 }
 
 void write_text(const char* path, const std::string& text) {

@@ -1,12 +1,9 @@
 // The power switch and the cover: interrupts from the controller, services in processes of their own, one record of
 // calls across all of them.
 
-#include <signal.h>
 #include <sys/stat.h>
 
-#include <fstream>
-
-#include "unit_fixture.h"
+#include "shutdown_fixture.h"
 
 namespace {
 
@@ -14,67 +11,6 @@ using namespace system_test;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
-using testing::StartsWith;
-
-const char QUESTION[] = "System Prompt";
-const char BL_POWER[] = "/sys/class/backlight/omap-bl/bl_power";
-const char BRIGHTNESS[] = "/sys/class/backlight/omap-bl/brightness";
-
-const char NO_GUI[] = "Handheld_Hardware::FindGuiManagerInstance Missing GuiManager err\n";
-const char NO_EVERYBODY[] = "Handheld_Hardware::Missing Everybody Engine err, please load\n";
-const char NO_ENUMERATION[] = "Handheld_Hardware::Missing HW Enumeration Engine err, please load\n";
-
-const char EVERYBODY_LINE[] = "Shutting down everybody engine\n";
-const char ENUMERATION_LINE[] = "Shutting down hardware enum\n";
-const char HARDWARE_LINE[] = "Hardware shutdown\n";
-
-std::string trace_line(int value) {
-  return "PowerSwitch:Comm status interrupt value" + std::to_string(value) + "\n";
-}
-
-class ShutdownTest : public testing::Test {
-protected:
-  ShutdownTest() : host_(unit_.with_services().start().host()) {
-    load_trace_ = host_.out();
-    unit_.recorded();
-  }
-
-  /// Raises an interrupt that asks nothing and waits until it has been handled.
-  void interrupt(int value) { ASSERT_TRUE(unit_.handled(unit_.interrupt(value))); }
-
-  /// Raises an interrupt that asks, answers, and waits until it has been handled.
-  void interrupt_and_answer(int value, const std::string& label) {
-    const std::uint64_t number = unit_.interrupt(value);
-    ASSERT_TRUE(unit_.model().gui().wait_shown(QUESTION, PATIENCE));
-    ASSERT_TRUE(unit_.model().gui().answer(QUESTION, label));
-    ASSERT_TRUE(unit_.handled(number));
-  }
-
-  /// What the library has written since it was loaded.
-  std::string out() const { return host_.out().substr(load_trace_.size()); }
-
-  SimulatedUnit unit_;
-  Host host_;
-  std::string load_trace_;
-};
-
-/// The record of a shutdown request, in parts.
-const std::vector<std::string> REQUEST = {"psdriver.interrupt", "locker.take", "orb.lookup", "orb.lookup",
-                                          "orb.lookup"};
-const std::vector<std::string> ASK = {"gui.ShowDialog"};
-const std::vector<std::string> SCREEN = {"gui.ShowDialog", "gui.SetDialogSize"};
-const std::vector<std::string> EVERYBODY = {"everybody_engine.GetShutdown", "locker.Init_core",
-                                            "everybody_engine.ShutdownAll"};
-const std::vector<std::string> ENUMERATION = {"hw_enumerate.ShutdownEngine"};
-const std::vector<std::string> HARDWARE = {"/root/.shutdown", "psdriver.SetUserInterface_CommunicationStatus"};
-
-std::vector<std::string> joined(std::initializer_list<std::vector<std::string>> parts) {
-  std::vector<std::string> all;
-  for (const auto& part : parts) {
-    all.insert(all.end(), part.begin(), part.end());
-  }
-  return all;
-}
 
 TEST_F(ShutdownTest, AnswerOkShutsEverythingDownInItsOrder) {
   interrupt_and_answer(0x100, "Ok");
@@ -301,107 +237,6 @@ TEST_F(ShutdownTest, AServantThatNeverAnswersHoldsTheShutdownUp) {
   EXPECT_FALSE(unit_.model().power_supply().wait_interrupt_handled(number, std::chrono::milliseconds(300)));
   EXPECT_EQ(unit_.model().power_supply().communication_status(), -1);
   EXPECT_THAT(host_.leave(), ExitedWith(0));
-}
-
-// How a service behaves, whether there is still a question, what is called and what is said.
-struct Failing {
-  std::string name;
-  Service service;
-  ServiceBehaviour behaviour;
-  bool asks;
-  std::vector<std::string> calls;
-  std::string progress;
-  std::string errors;
-};
-
-class FailingServiceTest : public ShutdownTest, public testing::WithParamInterface<Failing> {};
-
-TEST_P(FailingServiceTest, TheUnitIsShutDownAllTheSame) {
-  unit_.model().services().set_slow_ms(GetParam().service, 150);
-  unit_.behave(GetParam().service, GetParam().behaviour);
-  if (GetParam().asks) {
-    interrupt_and_answer(0x140, "Ok");
-  } else {
-    interrupt(0x140);
-  }
-  EXPECT_THAT(unit_.call_names(), ElementsAreArray(GetParam().calls));
-  EXPECT_EQ(out(), trace_line(0x140) + GetParam().progress);
-  EXPECT_EQ(host_.err(), GetParam().errors);
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), 0x100);
-  EXPECT_EQ(unit_.text(BL_POWER), "0");
-  EXPECT_EQ(host_.call("GetChargerStatus")["result"], true);
-}
-
-const std::string ALL_LINES = std::string(EVERYBODY_LINE) + ENUMERATION_LINE + HARDWARE_LINE;
-const std::string NO_EVERYBODY_LINES = std::string(ENUMERATION_LINE) + HARDWARE_LINE;
-const std::vector<std::string> ALL_CALLS = joined({REQUEST, ASK, SCREEN, EVERYBODY, ENUMERATION, HARDWARE});
-const std::vector<std::string> NO_GUI_CALLS = joined({REQUEST, EVERYBODY, ENUMERATION, HARDWARE});
-const std::vector<std::string> ASKED_ONCE = joined({REQUEST, ASK, EVERYBODY, ENUMERATION, HARDWARE});
-const std::vector<std::string> NO_EVERYBODY_CALLS = joined({REQUEST, ASK, SCREEN, ENUMERATION, HARDWARE});
-const std::vector<std::string> EVERYBODY_FAILS =
-    joined({REQUEST, ASK, SCREEN, {"everybody_engine.GetShutdown"}, ENUMERATION, HARDWARE});
-const std::vector<std::string> NO_ENUMERATION_CALLS = joined({REQUEST, ASK, SCREEN, EVERYBODY, HARDWARE});
-
-INSTANTIATE_TEST_SUITE_P(
-    Services, FailingServiceTest,
-    testing::Values(
-        Failing{"AbsentGui", Service::GUI_MANAGER, ServiceBehaviour::ABSENT, false, NO_GUI_CALLS, ALL_LINES, NO_GUI},
-        Failing{"WrongGui", Service::GUI_MANAGER, ServiceBehaviour::WRONG_TYPE, false, NO_GUI_CALLS, ALL_LINES, ""},
-        Failing{"DyingGui", Service::GUI_MANAGER, ServiceBehaviour::DIES_IN_CALL, false, ASKED_ONCE, ALL_LINES, ""},
-        Failing{"ThrowingGui", Service::GUI_MANAGER, ServiceBehaviour::THROWS, false, ALL_CALLS, ALL_LINES, ""},
-        Failing{"SlowGui", Service::GUI_MANAGER, ServiceBehaviour::SLOW, true, ALL_CALLS, ALL_LINES, ""},
-        Failing{"AbsentEverybody", Service::EVERYBODY_ENGINE, ServiceBehaviour::ABSENT, true, NO_EVERYBODY_CALLS,
-                NO_EVERYBODY_LINES, NO_EVERYBODY},
-        Failing{"WrongEverybody", Service::EVERYBODY_ENGINE, ServiceBehaviour::WRONG_TYPE, true, NO_EVERYBODY_CALLS,
-                NO_EVERYBODY_LINES, "EveryBdyPtr is null\n"},
-        Failing{"DyingEverybody", Service::EVERYBODY_ENGINE, ServiceBehaviour::DIES_IN_CALL, true, EVERYBODY_FAILS,
-                ALL_LINES, ""},
-        Failing{"ThrowingEverybody", Service::EVERYBODY_ENGINE, ServiceBehaviour::THROWS, true, EVERYBODY_FAILS,
-                ALL_LINES, ""},
-        Failing{"SlowEverybody", Service::EVERYBODY_ENGINE, ServiceBehaviour::SLOW, true, ALL_CALLS, ALL_LINES, ""},
-        Failing{"AbsentEnumeration", Service::HW_ENUMERATE, ServiceBehaviour::ABSENT, true, NO_ENUMERATION_CALLS,
-                ALL_LINES, NO_ENUMERATION},
-        Failing{"WrongEnumeration", Service::HW_ENUMERATE, ServiceBehaviour::WRONG_TYPE, true, NO_ENUMERATION_CALLS,
-                ALL_LINES, "HwEnumPtr is null\n"},
-        Failing{"DyingEnumeration", Service::HW_ENUMERATE, ServiceBehaviour::DIES_IN_CALL, true, ALL_CALLS, ALL_LINES,
-                ""},
-        Failing{"ThrowingEnumeration", Service::HW_ENUMERATE, ServiceBehaviour::THROWS, true, ALL_CALLS, ALL_LINES, ""},
-        Failing{"SlowEnumeration", Service::HW_ENUMERATE, ServiceBehaviour::SLOW, true, ALL_CALLS, ALL_LINES, ""}),
-    [](const auto& failing) { return failing.param.name; });
-
-// One call that goes wrong while its service is well, and what is called then.
-struct FailingCall {
-  Point point;
-  Fault fault;
-  std::vector<std::string> calls;
-};
-
-class FailingCallTest : public ShutdownTest, public testing::WithParamInterface<FailingCall> {};
-
-TEST_P(FailingCallTest, TheNextStepFollows) {
-  unit_.fault(GetParam().point, GetParam().fault);
-  interrupt_and_answer(0x100, "Ok");
-  EXPECT_THAT(unit_.call_names(), ElementsAreArray(GetParam().calls));
-  EXPECT_EQ(out(), trace_line(0x100) + ALL_LINES);
-  EXPECT_EQ(host_.err(), "");
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), 0x100);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Calls, FailingCallTest,
-    testing::Values(FailingCall{Point::GUI_SHOW_DIALOG, {FaultKind::FAIL, 0, 2}, ALL_CALLS},
-                    FailingCall{Point::GUI_SET_DIALOG_SIZE, {FaultKind::FAIL}, ALL_CALLS},
-                    FailingCall{Point::EVERYBODY_GET_SHUTDOWN, {FaultKind::GARBAGE}, EVERYBODY_FAILS},
-                    FailingCall{Point::EVERYBODY_SHUTDOWN_ALL, {FaultKind::FAIL}, ALL_CALLS},
-                    FailingCall{Point::HW_ENUMERATE_SHUTDOWN_ENGINE, {FaultKind::FAIL}, ALL_CALLS}));
-
-// A unit without naming service and services: whoever is there is shut down.
-TEST(LonelyUnitTest, WithoutANamingServiceTheUnitIsShutDown) {
-  SimulatedUnit unit;
-  const Host host = unit.start().host();
-  ASSERT_TRUE(unit.handled(unit.interrupt(0x100)));
-  EXPECT_EQ(host.err(), std::string(NO_GUI) + NO_EVERYBODY + NO_ENUMERATION);
-  EXPECT_EQ(unit.model().power_supply().communication_status(), 0x100);
 }
 
 }  // namespace

@@ -2,17 +2,17 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
+#include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
 
+#include "inside_files.h"
 #include "simulator/model/settings.h"
 
 namespace system_test {
@@ -21,16 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 using simulator::model::UnitFile;
 using simulator::model::UnitModel;
-
-std::optional<std::string> text_of(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    return std::nullopt;
-  }
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
 
 std::vector<json> json_lines(const fs::path& path) {
   std::vector<json> lines;
@@ -41,14 +31,6 @@ std::vector<json> json_lines(const fs::path& path) {
   return lines;
 }
 
-std::size_t count_of(const std::string& wanted, const std::string& text) {
-  std::size_t count = 0;
-  for (std::size_t at = text.find(wanted); at != std::string::npos; at = text.find(wanted, at + wanted.size())) {
-    ++count;
-  }
-  return count;
-}
-
 /// Where a program of that name lies inside.
 std::string place_inside(const std::string& name) {
   for (const char* folder : {"bin/tests/", "bin/"}) {
@@ -57,39 +39,6 @@ std::string place_inside(const std::string& name) {
     }
   }
   return name;
-}
-
-bool write_all(int descriptor, const std::string& text) {
-  std::size_t written = 0;
-  while (written < text.size()) {
-    const ssize_t part = ::write(descriptor, text.data() + written, text.size() - written);
-    if (part <= 0) {
-      return false;
-    }
-    written += static_cast<std::size_t>(part);
-  }
-  return true;
-}
-
-/// A connection to the UNIX socket; -1 where nobody listens.
-int connected(const fs::path& socket) {
-  const int connection = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  socket.string().copy(address.sun_path, sizeof address.sun_path - 1);
-  if (connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    close(connection);
-    return -1;
-  }
-  return connection;
-}
-
-bool listens(const fs::path& socket) {
-  const int connection = connected(socket);
-  if (connection != -1) {
-    close(connection);
-  }
-  return connection != -1;
 }
 
 /// A pipe whose ends no other program inherits.
@@ -104,101 +53,10 @@ struct Pipe {
 
 }  // namespace
 
-void PrintTo(const Ending& ending, std::ostream* stream) {
-  *stream << (ending.status ? "status " + std::to_string(*ending.status)
-                            : "signal " + std::to_string(ending.signal.value_or(0)))
-          << ", out \"" << ending.out << "\", err \"" << ending.err << "\"";
-}
-
-Ending Program::wait() const {
-  while (running()) {
-    if (!unit_->take_report(PATIENCE)) {
-      throw std::runtime_error("a program of the unit does not end; out \"" + out() + "\", err \"" + err() + "\"");
-    }
-  }
-  Ending ending = unit_->programs_.at(number_).ending;
-  ending.out = out();
-  ending.err = err();
-  return ending;
-}
-
-bool Program::running() const {
-  while (unit_->take_report(std::chrono::milliseconds(0))) {
-  }
-  return !unit_->programs_.at(number_).ended;
-}
-
-void Program::kill(int signal) const {
-  unit_->send({{"kill", pid()}, {"signal", signal}});
-}
-
-std::string Program::out() const {
-  return unit_->text(unit_->stream_file(number_, "out")).value_or("");
-}
-
-std::string Program::err() const {
-  return unit_->text(unit_->stream_file(number_, "err")).value_or("");
-}
-
-void Program::wait_for(const std::string& text, std::size_t times) const {
-  if (!eventually([&] { return count_of(text, out()) >= times; })) {
-    throw std::runtime_error("a program of the unit does not say \"" + text + "\"; out \"" + out() + "\", err \"" +
-                             err() + "\"");
-  }
-}
-
-int Program::pid() const {
-  return unit_->programs_.at(number_).pid;
-}
-
-OpenCall::OpenCall(const fs::path& socket, const std::string& line) : connection_(connected(socket)) {
-  if (connection_ == -1 || !write_all(connection_, line + "\n")) {
-    throw std::system_error(errno, std::generic_category(), socket.string());
-  }
-}
-
-OpenCall::~OpenCall() {
-  close(connection_);
-}
-
-bool OpenCall::answered() const {
-  pollfd event{connection_, POLLIN, 0};
-  return poll(&event, 1, 0) == 1;
-}
-
-std::string OpenCall::answer() const {
-  std::string answer;
-  while (answer.find('\n') == std::string::npos) {
-    pollfd event{connection_, POLLIN, 0};
-    char block[4096];
-    const ssize_t size =
-        poll(&event, 1, static_cast<int>(PATIENCE.count())) == 1 ? read(connection_, block, sizeof block) : 0;
-    if (size <= 0) {
-      throw std::runtime_error("a request is not answered");
-    }
-    answer.append(block, static_cast<std::size_t>(size));
-  }
-  return answer;
-}
-
-OpenCall Host::begin(const std::string& operation, const json& arguments) const {
-  const json request = {{"id", 1}, {"call", operation}, {"args", arguments}};
-  return {unit_->outside("/run/unit/host.sock"), request.dump()};
-}
-
-json Host::call(const std::string& operation, const json& arguments) const {
-  json answer = json::parse(begin(operation, arguments).answer());
-  answer.erase("id");
-  return answer;
-}
-
-Ending Host::leave() const {
-  call("leave");
-  return wait();
-}
-
 SimulatedUnit::SimulatedUnit()
     : state_(std::make_unique<simulator::sysroot::StateFolder>(simulator::sysroot::StateFolder::make())) {
+  // A unit that has ended shows as an error of what is asked of it.
+  ::signal(SIGPIPE, SIG_IGN);
   state_->fill(UnitFile::load(UNIT_FILE));
   model_.reset(new UnitModel(UnitModel::open((state_->run() / "model").string())));
   options_.build = BUILD_FOLDER;
