@@ -175,6 +175,14 @@ TEST_F(RfTempTest, ACountBeyondFullScaleWrapsInThirtyTwoBits) {
   expect_valid(107375, 22317);
 }
 
+TEST_F(RfTempTest, TheLowestValidTemperatureIsJustAboveItsBound) {
+  expect_valid(322123, 22316);
+}
+
+TEST_F(RfTempTest, TheFloatNextToTheUpperBoundIsInvalid) {
+  expect_invalid(330315);
+}
+
 TEST_F(RfTempTest, AUnitWithoutAnRfBoardReportsTheInvalidRow) {
   const TEMPERATUREDATA row = unit_->rftemp();
   EXPECT_EQ(row.name, "RF Temperature Off (Temp Invalid!)");
