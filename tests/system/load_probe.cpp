@@ -3,8 +3,8 @@
 // A load that ended in an exception has "exception": {"type","what"}.
 //
 //   load_probe [--stay] [--occupy TOPIC boolean|void] LIBRARY…
-// --stay keeps the process after its report. --occupy makes a topic of that name and type before loading, on the
-// participant that the library will use.
+// --stay keeps the process once it has loaded, without a report. --occupy makes a topic of that name and type before
+// loading, on the participant that the library will use.
 
 #include <dlfcn.h>
 
@@ -101,10 +101,10 @@ int main(int argc, char** argv) {
   for (; next < argc; ++next) {
     report["loads"].push_back(load(argv[next]));
   }
-  report.update(describe_hardware());
-  std::ofstream("/run/unit/report.json") << report << std::flush;
   while (stays) {
     pause();
   }
+  report.update(describe_hardware());
+  std::ofstream("/run/unit/report.json") << report << std::flush;
   return 0;
 }

@@ -2,6 +2,8 @@
 
 #include <signal.h>
 
+#include <algorithm>
+
 #include "unit_fixture.h"
 
 namespace {
@@ -119,6 +121,18 @@ TEST_F(LoadTest, ABoardThatCannotBeOpenedEndsTheProcessEveryTime) {
   }
 }
 
+TEST_F(LoadTest, ABoardThatCannotBeOpenedEndsTheProcessWhileMessagesArrive) {
+  unit_.fault(Point::RADALT_INIT, {FaultKind::FAIL, 5}).start();
+  const Program peer = unit_.run({"dds_peer", "flood"});
+  peer.wait_for("flooding\n");
+  for (int run = 0; run < 20; ++run) {
+    const Ending ending = unit_.run_to_end({"unit-host"});
+    ASSERT_THAT(ending, ExitedWith(1)) << "run " << run;
+    ASSERT_EQ(ending.err, " HARDWARE::Init  critical error opening device, errno=-5\n") << "run " << run;
+    ASSERT_TRUE(peer.running());
+  }
+}
+
 TEST_F(LoadTest, APowerSupplyDriverThatThrowsEndsTheLoadWithItsException) {
   unit_.fault(Point::PSDRIVER_OPEN, {FaultKind::FAIL, 6}).recorded().start();
   const Ending ending = unit_.run_to_end({"load_probe", LIBRARY});
@@ -228,6 +242,19 @@ TEST_F(LoadTest, ExitsWhileMessagesArrive) {
     ASSERT_EQ(ending.err, "") << "run " << run;
     ASSERT_TRUE(peer.running());
   }
+}
+
+// The subscription is ready long before this driver is.
+TEST_F(LoadTest, MessagesThatCameBeforeTheDriverAreCaughtUpWith) {
+  unit_.fault(Point::PSDRIVER_OPEN, {FaultKind::SLOW, 700}).recorded().start();
+  const Program peer = unit_.run({"dds_peer", "flood"});
+  peer.wait_for("flooding\n");
+  EXPECT_THAT(unit_.run_to_end({"unit-host", "--load-only"}), ExitedWith(0));
+  const std::vector<std::string> calls = unit_.call_names();
+  const auto opened = std::find(calls.begin(), calls.end(), "psdriver.open");
+  const auto initialised = std::find(calls.begin(), calls.end(), "radalt.init");
+  ASSERT_NE(initialised, calls.end());
+  EXPECT_NE(std::find(opened, initialised, "psdriver.SetSystemLEDStatus"), initialised);
 }
 
 TEST_F(LoadTest, ExitsWhileTheLoadIsCaughtUpByMessages) {
