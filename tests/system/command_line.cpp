@@ -92,7 +92,9 @@ Ending OutsideProgram::wait() {
 }
 
 void OutsideProgram::kill(int signal) const {
-  ::kill(process_, signal);
+  if (!ended_) {
+    ::kill(process_, signal);
+  }
 }
 
 std::string OutsideProgram::out() const {

@@ -20,6 +20,7 @@ public:
 
   /// Waits for its end. Throws std::runtime_error when it does not come.
   Ending wait();
+  /// Sends it a signal; does nothing once its end has been seen.
   void kill(int signal) const;
   std::string out() const;
   std::string err() const;

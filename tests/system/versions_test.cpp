@@ -1,5 +1,7 @@
 // The version list of the real library against what the unit holds.
 
+#include <signal.h>
+
 #include "unit_fixture.h"
 
 namespace {
@@ -98,6 +100,20 @@ TEST_F(VersionsTest, ALockThatCannotBeTakenIsReportedAndTheListGoesOn) {
   unit_.fault(Point::RADALT_LOCK_GET, {FaultKind::FAIL, 11}).fault(Point::RADALT_LOCK_PUT, {FaultKind::FAIL, 1});
   EXPECT_EQ(versions()[0]["version"], "88993 (5300)");
   EXPECT_THAT(host_->out(), testing::EndsWith("SysLockfail 11\nSysUnlockfail 1\nSysLockfail 11\nSysUnlockfail 1\n"));
+}
+
+TEST_F(VersionsTest, AnotherProgramThatHoldsTheBoardIsWaitedForAndItsDeathGivesTheBoardBack) {
+  host_.emplace(unit_.start().host());
+  const Program holder = unit_.run({"lock_holder"});
+  holder.wait_for("lock 0\n");
+  unit_.recorded();
+  const OpenCall open = host_->begin("GetVersionList");
+  ASSERT_TRUE(eventually([this] { return unit_.model().faults().calls(Point::RADALT_LOCK_GET) == 1; }));
+  EXPECT_FALSE(open.answered());
+  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_READ), 0U);
+  holder.kill(SIGKILL);
+  EXPECT_EQ(json::parse(open.answer())["versions"][0]["version"], "88993 (5300)");
+  EXPECT_EQ(host_->out().find("SysLockfail"), std::string::npos);
 }
 
 TEST_F(VersionsTest, ATooShortPowerSupplyVersionIsMissing) {
