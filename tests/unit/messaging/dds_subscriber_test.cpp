@@ -205,7 +205,9 @@ TEST_F(DdsSubscriberTest, ASampleBeforeTheEndOfStartUpIsTakenAtOnceAndHeardAfter
   auto* const reader = new ScriptedReader(DDS::RETCODE_OK, true, DDS::ALIVE_INSTANCE_STATE);
   const DDS::DataReader_var reference = reader;
   const std::future<void> delivery = std::async(std::launch::async, [&] { listener->on_data_available(reader); });
-  while (reader->takes() == 0) std::this_thread::yield();
+  for (int tries = 0; tries < 10000 && reader->takes() == 0; ++tries)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  EXPECT_EQ(reader->takes(), 1U);
   EXPECT_TRUE(goes_on(delivery));
   EXPECT_EQ(calls().count(HEARD), 0U);
   gate.open();
