@@ -140,7 +140,9 @@ using doubles::framework;
 
 namespace Varnok {
 
-DDS_BaseObj::DDS_BaseObj() = default;
+DDS_BaseObj::DDS_BaseObj() {
+  DdsBase();
+}
 DDS_BaseObj::~DDS_BaseObj() = default;
 
 const DDS_Context& DDS_BaseObj::DdsBase() const {
