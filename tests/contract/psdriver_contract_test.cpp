@@ -9,9 +9,9 @@
 // What the power-supply driver promises, whichever controller is behind it.
 namespace {
 
-using contract::hear;
-using contract::heard;
-using Calls = contract::Heard::Calls;
+using doubles::hear;
+using doubles::heard;
+using Calls = doubles::Heard::Calls;
 
 constexpr char DEVICE[] = "/dev/null";
 

@@ -48,7 +48,7 @@ TEST_F(PsdriverFaultsTest, ARequestThatFailsIsNeverAnswered) {
   EXPECT_EQ(refusal([&] { driver_.GetBatteryTemperature(); }), "psdriver.GetBatteryTemperature: Input/output error");
   driver_.SetCharger_BatteryStatusCallback(hear<'b'>);
   driver_.GetCharger_BatteryStatus();
-  EXPECT_EQ(heard.first(1)[0].first, 'b');
+  EXPECT_EQ(heard.at_least(1)[0].first, 'b');
 }
 
 TEST_F(PsdriverFaultsTest, ARegistrationThatFailsKeepsTheEarlierFunction) {
@@ -57,7 +57,7 @@ TEST_F(PsdriverFaultsTest, ARegistrationThatFailsKeepsTheEarlierFunction) {
   EXPECT_EQ(refusal([&] { driver_.SetBatteryTemperatureCallback(hear<'2'>); }),
             "psdriver.SetBatteryTemperatureCallback: Input/output error");
   driver_.GetBatteryTemperature();
-  EXPECT_EQ(heard.first(1)[0].first, '1');
+  EXPECT_EQ(heard.at_least(1)[0].first, '1');
 }
 
 TEST_F(PsdriverFaultsTest, AStatusThatFailsIsNotSet) {
@@ -77,7 +77,7 @@ TEST_F(PsdriverFaultsTest, ASwallowedReplyNeverComes) {
   driver_.GetBatteryTemperature();
   driver_.SetCharger_BatteryStatusCallback(hear<'b'>);
   driver_.GetCharger_BatteryStatus();
-  const Heard::Calls calls = heard.first(2);
+  const Heard::Calls calls = heard.at_least(2);
   EXPECT_EQ(calls[0], (std::pair<char, int>('e', 27)));
   EXPECT_EQ(calls[1].first, 'b');
 }
@@ -88,7 +88,7 @@ TEST_F(PsdriverFaultsTest, ALateReplyIsOvertaken) {
   unit_.faults().arm(Point::GET_BATTERY_TEMPERATURE, {FaultKind::LATE, 50});
   driver_.GetBatteryTemperature();
   driver_.GetCharger_BatteryStatus();
-  const Heard::Calls calls = heard.first(2);
+  const Heard::Calls calls = heard.at_least(2);
   EXPECT_EQ(calls[0].first, 'b');
   EXPECT_EQ(calls[1].first, 'e');
 }
@@ -98,7 +98,7 @@ TEST_F(PsdriverFaultsTest, ADoubledReplyComesTwice) {
   unit_.faults().arm(Point::GET_BATTERY_TEMPERATURE, {FaultKind::TWICE, 0, 1, 1});
   driver_.GetBatteryTemperature();
   driver_.GetBatteryTemperature();
-  EXPECT_EQ(heard.first(3).size(), 3U);
+  EXPECT_EQ(heard.at_least(3).size(), 3U);
 }
 
 TEST_F(PsdriverFaultsTest, AGarbledReplyCarriesTheWrongValue) {
@@ -107,7 +107,7 @@ TEST_F(PsdriverFaultsTest, AGarbledReplyCarriesTheWrongValue) {
   unit_.faults().arm(Point::GET_BATTERY_TEMPERATURE, {FaultKind::GARBAGE, -99, 1, 1});
   driver_.GetBatteryTemperature();
   driver_.GetBatteryTemperature();
-  EXPECT_EQ(heard.first(2), (Heard::Calls{{'e', -99}, {'e', 27}}));
+  EXPECT_EQ(heard.at_least(2), (Heard::Calls{{'e', -99}, {'e', 27}}));
 }
 
 }  // namespace

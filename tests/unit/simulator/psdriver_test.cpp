@@ -41,7 +41,7 @@ TEST_F(PsdriverTest, EachRequestIsAnsweredThroughTheFunctionOfItsKind) {
   driver_.GetSoftwareVersionNumber();
   driver_.GetCharger_BatteryStatus();
   driver_.GetBatteryRelativeStateOfCharge();
-  EXPECT_EQ(heard.first(7),
+  EXPECT_EQ(heard.at_least(7),
             (Heard::Calls{{'g', 16}, {'f', 15}, {'e', 14}, {'d', 13}, {'c', 12}, {'b', 11}, {'a', 10}}));
 }
 
@@ -52,7 +52,7 @@ TEST_F(PsdriverTest, RepliesKeepTheOrderOfTheRequestsWhileTheDelayShrinks) {
   driver_.GetBatteryTemperature();
   power_supply_.set_reply_delay(0);
   driver_.GetCharger_BatteryStatus();
-  const Heard::Calls calls = heard.first(2);
+  const Heard::Calls calls = heard.at_least(2);
   ASSERT_EQ(calls.size(), 2U);
   EXPECT_EQ(calls[0].first, 'e');
   EXPECT_EQ(calls[1].first, 'b');
@@ -63,7 +63,7 @@ TEST_F(PsdriverTest, AReplyWaitsOutItsDelay) {
   power_supply_.set_reply_delay(5'000);
   const auto asked = std::chrono::steady_clock::now();
   driver_.GetBatteryTemperature();
-  heard.first(1);
+  heard.at_least(1);
   EXPECT_GE(std::chrono::steady_clock::now() - asked, std::chrono::microseconds(5'000));
 }
 
@@ -76,7 +76,7 @@ TEST_F(PsdriverTest, CallBacksMayMakeRequestsThemselves) {
     driver->GetCharger_BatteryStatus();
   });
   driver_.GetBatteryTemperature();
-  const Heard::Calls calls = heard.first(2);
+  const Heard::Calls calls = heard.at_least(2);
   ASSERT_EQ(calls.size(), 2U);
   EXPECT_EQ(calls[1].first, 'b');
 }
@@ -92,10 +92,10 @@ TEST_F(PsdriverTest, AnInterruptWaitsForTheRunningCallBack) {
   });
   power_supply_.set_reply(Reply::BATTERY_TEMPERATURE, 27);
   driver_.GetBatteryTemperature();
-  ASSERT_EQ(heard.first(1), (Heard::Calls{{'<', 27}}));
+  ASSERT_EQ(heard.at_least(1), (Heard::Calls{{'<', 27}}));
   power_supply_.raise_interrupt(0x41);
   held.unlock();
-  EXPECT_EQ(heard.first(3), (Heard::Calls{{'<', 27}, {'>', 27}, {'i', 0x41}}));
+  EXPECT_EQ(heard.at_least(3), (Heard::Calls{{'<', 27}, {'>', 27}, {'i', 0x41}}));
 }
 
 TEST_F(PsdriverTest, InterruptsOfAnotherProcessArriveInOrder) {
@@ -109,7 +109,7 @@ TEST_F(PsdriverTest, InterruptsOfAnotherProcessArriveInOrder) {
     }
     ::_exit(0);
   }
-  EXPECT_EQ(heard.first(3), (Heard::Calls{{'i', 0x40}, {'i', 0}, {'i', -1}}));
+  EXPECT_EQ(heard.at_least(3), (Heard::Calls{{'i', 0x40}, {'i', 0}, {'i', -1}}));
   ::waitpid(child, nullptr, 0);
   EXPECT_TRUE(power_supply_.wait_interrupt_handled(power_supply_.interrupts_raised(), std::chrono::seconds(60)));
 }
@@ -119,7 +119,7 @@ TEST_F(PsdriverTest, AnInterruptRaisedBeforeTheDriverWasOpenedIsNotForIt) {
   psdriver later(DEVICE);
   later.SetSwitchInterruptCallback(hear<'l'>);
   const std::uint64_t number = power_supply_.raise_interrupt(2);
-  EXPECT_EQ(heard.first(1), (Heard::Calls{{'l', 2}}));
+  EXPECT_EQ(heard.at_least(1), (Heard::Calls{{'l', 2}}));
   EXPECT_TRUE(power_supply_.wait_interrupt_handled(number, std::chrono::seconds(60)));
 }
 
@@ -128,7 +128,7 @@ TEST_F(PsdriverTest, AnInterruptWithoutHandlerIsDropped) {
   EXPECT_TRUE(power_supply_.wait_interrupt_handled(number, std::chrono::seconds(60)));
   driver_.SetSwitchInterruptCallback(hear<'i'>);
   power_supply_.raise_interrupt(2);
-  EXPECT_EQ(heard.first(1), (Heard::Calls{{'i', 2}}));
+  EXPECT_EQ(heard.at_least(1), (Heard::Calls{{'i', 2}}));
 }
 
 TEST_F(PsdriverTest, ADriverFarBehindLosesTheOldestInterrupts) {
@@ -139,12 +139,12 @@ TEST_F(PsdriverTest, ADriverFarBehindLosesTheOldestInterrupts) {
     const std::lock_guard wait(running);
   });
   power_supply_.raise_interrupt(0);
-  heard.first(1);
+  heard.at_least(1);
   for (int value = 1; value <= 300; ++value) {
     power_supply_.raise_interrupt(value);
   }
   held.unlock();
-  const Heard::Calls calls = heard.first(257);
+  const Heard::Calls calls = heard.at_least(257);
   ASSERT_EQ(calls.size(), 257U);
   EXPECT_EQ(calls[1].second, 45);
   EXPECT_EQ(calls[256].second, 300);
@@ -166,7 +166,7 @@ TEST_F(PsdriverTest, EveryCrossingIsRecordedWithItsReply) {
   driver_.SetBatteryTemperatureCallback(hear<'e'>);
   power_supply_.set_reply(Reply::BATTERY_TEMPERATURE, 27);
   driver_.GetBatteryTemperature();
-  heard.first(1);
+  heard.at_least(1);
   std::vector<std::string> crossings;
   for (const std::string& line : simulator_test::lines_of(ThisUnit::get().file("calls.jsonl"))) {
     crossings.push_back(line.substr(line.find("\"at\"")));
@@ -187,7 +187,7 @@ TEST_F(PsdriverTest, DestructionDropsWhatIsOutstanding) {
   power_supply_.set_reply_delay(0);
   driver_.SetCharger_BatteryStatusCallback(hear<'b'>);
   driver_.GetCharger_BatteryStatus();
-  EXPECT_EQ(heard.first(1)[0].first, 'b');
+  EXPECT_EQ(heard.at_least(1)[0].first, 'b');
 }
 
 TEST_F(PsdriverTest, ThreadsMayAskAtTheSameTime) {
@@ -201,7 +201,7 @@ TEST_F(PsdriverTest, ThreadsMayAskAtTheSameTime) {
   });
   one.join();
   other.join();
-  EXPECT_EQ(heard.first(400).size(), 400U);
+  EXPECT_EQ(heard.at_least(400).size(), 400U);
   const auto threads = heard.threads();
   EXPECT_EQ(std::count(threads.begin(), threads.end(), threads.front()), 400);
 }

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace contract {
+namespace doubles {
 
 /// What the driver's call-backs were called with, in order: the letter of the call-back and its argument. Any thread.
 class Heard {
@@ -51,4 +51,4 @@ void hear(int value) {
   heard.add(What, value);
 }
 
-}  // namespace contract
+}  // namespace doubles
