@@ -5,7 +5,10 @@
 find_package(GTest REQUIRED)
 
 set(TEST_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/tests)
-configure_file(${PROJECT_SOURCE_DIR}/tests/tsan.supp ${PROJECT_BINARY_DIR}/tsan.supp COPYONLY)
+# ThreadSanitizer looks for the file beside each program that it runs in, the tests and what they start.
+foreach(folder IN ITEMS ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${TEST_OUTPUT_DIRECTORY})
+  configure_file(${PROJECT_SOURCE_DIR}/tests/tsan.supp ${folder}/tsan.supp COPYONLY)
+endforeach()
 configure_file(${PROJECT_SOURCE_DIR}/tests/cyclonedds.xml ${PROJECT_BINARY_DIR}/cyclonedds.xml COPYONLY)
 configure_file(${PROJECT_SOURCE_DIR}/tests/opendds.ini ${PROJECT_BINARY_DIR}/opendds.ini COPYONLY)
 
@@ -39,5 +42,5 @@ function(project_test name)
   set_tests_properties(${name} PROPERTIES
     LABELS ${TEST_LABEL}
     TIMEOUT ${TEST_TIMEOUT}
-    ENVIRONMENT "CYCLONEDDS_URI=file://${build_folder}/cyclonedds.xml;DCPSConfigFile=${build_folder}/opendds.ini;OMNIORB_CONFIG=/dev/null;TSAN_OPTIONS=suppressions=${build_folder}/tsan.supp:halt_on_error=1;ASAN_OPTIONS=detect_leaks=1;UBSAN_OPTIONS=print_stacktrace=1")
+    ENVIRONMENT "CYCLONEDDS_URI=file://${build_folder}/cyclonedds.xml;DCPSConfigFile=${build_folder}/opendds.ini;OMNIORB_CONFIG=/dev/null;TSAN_OPTIONS=suppressions=tsan.supp:halt_on_error=1;ASAN_OPTIONS=detect_leaks=1;UBSAN_OPTIONS=print_stacktrace=1")
 endfunction()

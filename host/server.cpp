@@ -31,13 +31,29 @@ bool send_all(int connection, const std::string& text) {
   return true;
 }
 
-void raise_event(int descriptor) noexcept {
-  const std::uint64_t one = 1;
-  [[maybe_unused]] const ssize_t written = write(descriptor, &one, sizeof one);
-}
+}  // namespace
 
-/// Answers the lines of one connection until its other side closes. `leave` is raised after an answer that says so.
-void serve(int connection, const Server::Answers& answers, int leave) {
+/// Asks the server to leave. Shared with the connections' threads, which may outlive the server.
+class Server::Leave {
+public:
+  Leave() : descriptor_(eventfd(0, EFD_CLOEXEC)) {}
+  ~Leave() { close(descriptor_); }
+  Leave(const Leave&) = delete;
+  Leave& operator=(const Leave&) = delete;
+
+  /// Readable once somebody has asked; -1 where the system has none to give.
+  int descriptor() const noexcept { return descriptor_; }
+  void ask() const noexcept {
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(descriptor_, &one, sizeof one);
+  }
+
+private:
+  int descriptor_;
+};
+
+/// Answers the lines of one connection until its other side closes. Asks to leave after an answer that says so.
+void Server::serve(int connection, const Answers& answers, const Leave& leave) {
   std::string received;
   char block[4096];
   for (ssize_t size = read(connection, block, sizeof block); size > 0; size = read(connection, block, sizeof block)) {
@@ -48,7 +64,7 @@ void serve(int connection, const Server::Answers& answers, int leave) {
       const Answer answer = answers(line);
       const bool sent = send_all(connection, answer.line + '\n');
       if (answer.leave) {
-        raise_event(leave);
+        leave.ask();
       }
       if (!sent) {
         close(connection);
@@ -59,9 +75,8 @@ void serve(int connection, const Server::Answers& answers, int leave) {
   close(connection);
 }
 
-}  // namespace
-
-Server::Server(const std::string& path, Answers answers) : answers_(std::move(answers)) {
+Server::Server(const std::string& path, Answers answers)
+    : leave_(std::make_shared<Leave>()), answers_(std::move(answers)) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.size() >= sizeof address.sun_path) {
@@ -70,9 +85,8 @@ Server::Server(const std::string& path, Answers answers) : answers_(std::move(an
   }
   std::memcpy(address.sun_path, path.data(), path.size());
   unlink(path.c_str());
-  leave_ = eventfd(0, EFD_CLOEXEC);
   listening_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (leave_ == -1 || listening_ == -1 ||
+  if (leave_->descriptor() == -1 || listening_ == -1 ||
       bind(listening_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
       listen(listening_, SOMAXCONN) != 0) {
     fail(path);
@@ -81,11 +95,10 @@ Server::Server(const std::string& path, Answers answers) : answers_(std::move(an
 
 Server::~Server() {
   close(listening_);
-  close(leave_);
 }
 
 void Server::run() {
-  pollfd events[] = {{listening_, POLLIN, 0}, {leave_, POLLIN, 0}};
+  pollfd events[] = {{listening_, POLLIN, 0}, {leave_->descriptor(), POLLIN, 0}};
   while (events[1].revents == 0) {
     if (poll(events, 2, -1) == -1) {
       if (errno == EINTR) {
@@ -97,14 +110,14 @@ void Server::run() {
       const int connection = accept4(listening_, nullptr, nullptr, SOCK_CLOEXEC);
       if (connection != -1) {
         // Copies what it needs: it may outlive this object when a call never returns.
-        std::thread([connection, answers = answers_, leave = leave_] { serve(connection, answers, leave); }).detach();
+        std::thread([connection, answers = answers_, leave = leave_] { serve(connection, answers, *leave); }).detach();
       }
     }
   }
 }
 
 void Server::leave() const noexcept {
-  raise_event(leave_);
+  leave_->ask();
 }
 
 }  // namespace host

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "answer.h"
@@ -26,8 +27,12 @@ public:
   void leave() const noexcept;
 
 private:
+  class Leave;
+
+  static void serve(int connection, const Answers& answers, const Leave& leave);
+
   int listening_ = -1;
-  int leave_ = -1;  ///< readable once run() is to return
+  std::shared_ptr<const Leave> leave_;
   Answers answers_;
 };
 

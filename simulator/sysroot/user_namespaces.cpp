@@ -39,7 +39,7 @@ enum Step : int { NOTHING, NAMESPACES, RIGHTS, PROC };
     report(pipe, RIGHTS);
   }
   // A new /proc needs a process of the new namespace, and a /proc outside of which nothing is hidden.
-  const pid_t first_inside = fork();
+  const pid_t first_inside = _Fork();
   if (first_inside == 0) {
     report(pipe, mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr) == 0 ? NOTHING : PROC);
   }
@@ -80,7 +80,8 @@ std::optional<std::string> missing_for_private_root() {
   if (pipe2(ends, O_CLOEXEC) != 0) {
     return std::string("no pipe can be made: ") + std::strerror(errno);
   }
-  const pid_t child = fork();
+  // Only a process of one thread may enter a user namespace; a sanitizer would start a thread of its own after fork().
+  const pid_t child = _Fork();
   if (child == 0) {
     try_namespaces(ends[1]);
   }
