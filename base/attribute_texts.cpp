@@ -1,6 +1,6 @@
 #include <cstdio>
 
-#include "base_hardware.h"
+#include "base/base_hardware.h"
 
 namespace {
 
@@ -13,14 +13,18 @@ char* empty_text(std::size_t size) {
 }  // namespace
 
 char* BASE_HARDWARE::attrib_enum_str_helper(std::string label, std::string value) {
-  if (label.empty()) return empty_text(5);
+  if (label.empty()) {
+    return empty_text(5);
+  }
   char* text = new char[label.length() + value.length() + 4];
   std::sprintf(text, "%s: %s", label.c_str(), value.c_str());
   return text;
 }
 
 char* BASE_HARDWARE::attrib_enum_str_helper(std::string label, int value) {
-  if (static_cast<long>(label.length()) + 15 <= 0) return empty_text(5);
+  if (static_cast<long>(label.length()) + 15 <= 0) {
+    return empty_text(5);
+  }
   char* text = new char[label.length() + 19];
   std::sprintf(text, "%s: %8X", label.c_str(), static_cast<unsigned int>(value));
   return text;
@@ -30,7 +34,9 @@ char* BASE_HARDWARE::attrib_enum_str_helper(std::string label, int value) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-security"
 char* BASE_HARDWARE::attrib_enum_str_helper(std::string text) {
-  if (text.empty()) return empty_text(2);
+  if (text.empty()) {
+    return empty_text(2);
+  }
   char* expanded = new char[text.length() + 1];
   std::sprintf(expanded, text.c_str());
   return expanded;

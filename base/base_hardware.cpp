@@ -1,4 +1,4 @@
-#include "base_hardware.h"
+#include "base/base_hardware.h"
 
 #include <iostream>
 
@@ -24,7 +24,9 @@ int output_line(const char* text) {
 
 BASE_HARDWARE::BASE_HARDWARE(int fan_count) {
   std::cout << "BASE_HARDWARE::BASE_HARDWARE1 " << static_cast<const void*>(this) << std::endl;
-  for (int fan = 0; fan < fan_count; ++fan) fan_states.push_back(FAN_UNKNOWN);
+  for (int fan = 0; fan < fan_count; ++fan) {
+    fan_states.push_back(FAN_UNKNOWN);
+  }
 }
 
 BASE_HARDWARE::~BASE_HARDWARE() = default;

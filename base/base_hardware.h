@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "records.h"
+#include "base/records.h"
 #include "varnok_readings.h"
 
 /// Every hardware service of a unit, as its host sees it: one object behind the global `Hardware`, called only through

@@ -1,6 +1,6 @@
 #include <iostream>
 
-#include "base_hardware.h"
+#include "base/base_hardware.h"
 
 int BASE_HARDWARE::GetFanStatesList(std::vector<FANDATA>& list) {
   std::cerr << "BASE_HARDWARE::GetFanStatesList err" << std::endl;
@@ -11,7 +11,9 @@ int BASE_HARDWARE::GetFanStatesList(std::vector<FANDATA>& list) {
 
 BASE_HARDWARE::FAN_STATES BASE_HARDWARE::GetFanState(unsigned int index) {
   std::cout << "BASE_HARDWARE::GetFanState " << index << std::endl;
-  if (index < fan_states.size()) return fan_states[index];
+  if (index < fan_states.size()) {
+    return fan_states[index];
+  }
   std::cerr << "BASE_HARDWARE::GetFanState index err" << std::endl;
   return FAN_UNKNOWN;
 }

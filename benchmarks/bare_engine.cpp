@@ -1,4 +1,4 @@
-#include "bare_engine.h"
+#include "benchmarks/bare_engine.h"
 
 #include <chrono>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "child.h"
+#include "benchmarks/child.h"
 
 #include <fcntl.h>
 #include <spawn.h>

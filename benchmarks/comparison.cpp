@@ -1,4 +1,4 @@
-#include "comparison.h"
+#include "benchmarks/comparison.h"
 
 #include <benchmark/benchmark.h>
 

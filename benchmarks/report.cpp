@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "comparison.h"
+#include "benchmarks/comparison.h"
 
 namespace {
 

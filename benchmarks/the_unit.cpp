@@ -1,4 +1,4 @@
-#include "the_unit.h"
+#include "benchmarks/the_unit.h"
 
 #include <fcntl.h>
 #include <unistd.h>

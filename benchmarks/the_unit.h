@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hardware.h"
+#include "board/hardware.h"
 #include "simulator/model/unit_model.h"
 
 namespace benchmarks {

@@ -1,4 +1,4 @@
-#include "hardware.h"
+#include "board/hardware.h"
 
 #include <cstdlib>
 #include <iostream>

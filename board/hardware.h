@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "handheld_hardware.h"
+#include "handheld/handheld_hardware.h"
 #include "varnok_events.h"
 
 /// The radar-altimeter unit: the handheld unit with the radar-altimeter board in it.

@@ -1,6 +1,6 @@
 #include <iostream>
 
-#include "hardware.h"
+#include "board/hardware.h"
 #include "radalt.h"
 
 std::string HARDWARE::i2c_command_str() {
@@ -17,10 +17,14 @@ int HARDWARE::read_hw(int handle, unsigned int space, unsigned int address, unsi
 
 void HARDWARE::Lock() {
   const int error = Radalt_LockGet(board_handle_);
-  if (error != 0) std::cout << "SysLockfail " << error << std::endl;
+  if (error != 0) {
+    std::cout << "SysLockfail " << error << std::endl;
+  }
 }
 
 void HARDWARE::UnLock() {
   const int error = Radalt_LockPut(board_handle_);
-  if (error != 0) std::cout << "SysUnlockfail " << error << std::endl;
+  if (error != 0) {
+    std::cout << "SysUnlockfail " << error << std::endl;
+  }
 }

@@ -1,5 +1,5 @@
-#include "hardware.h"
-#include "precise_wait.h"
+#include "board/hardware.h"
+#include "handheld/precise_wait.h"
 
 namespace {
 
@@ -50,9 +50,13 @@ unsigned int HARDWARE::get_RFAdc(unsigned int channel) {
     select_rf_channel(control, selection);
     select_rf_channel(control, selection);
     const bool addressed_by_clearing = (control & 1U) != 0;
-    if (addressed_by_clearing) Poke(RF_CONTROL, control & ~1U);
+    if (addressed_by_clearing) {
+      Poke(RF_CONTROL, control & ~1U);
+    }
     result = Peek_RFregister(RF_ADC);
-    if (addressed_by_clearing) Poke(RF_CONTROL, control);
+    if (addressed_by_clearing) {
+      Poke(RF_CONTROL, control);
+    }
   }
   UnLock();
   return result;
@@ -63,7 +67,9 @@ TEMPERATUREDATA HARDWARE::rftemp() {
   const auto kelvin_hundredths = static_cast<float>(static_cast<int>(hundredths_of_a_kelvin(raw)));
   const float celsius = kelvin_hundredths / 100.0F - kelvin_offset_;
   const double widened = celsius;
-  if (widened < -49.99 || widened > 150.02) return {0.0F, "RF Temperature Off (Temp Invalid!)"};
+  if (widened < -49.99 || widened > 150.02) {
+    return {0.0F, "RF Temperature Off (Temp Invalid!)"};
+  }
   return {celsius, "RF Temperature"};
 }
 

@@ -3,7 +3,7 @@
 #include <iomanip>
 #include <sstream>
 
-#include "hardware.h"
+#include "board/hardware.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include <fstream>
 #include <iostream>
 
-#include "driver_link.h"
-#include "failure_event.h"
-#include "handheld_hardware.h"
+#include "handheld/driver_link.h"
+#include "handheld/handheld_hardware.h"
+#include "messaging/failure_event.h"
 
 // A missing file shows as brightness 0, in both directions; only an exception counts as a failure.
 

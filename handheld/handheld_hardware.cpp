@@ -1,9 +1,9 @@
-#include "handheld_hardware.h"
+#include "handheld/handheld_hardware.h"
 
 #include <boost/bind/bind.hpp>
 
-#include "driver_link.h"
-#include "failure_event.h"
+#include "handheld/driver_link.h"
+#include "messaging/failure_event.h"
 
 using boost::interprocess::interprocess_semaphore;
 
@@ -36,12 +36,13 @@ Varnok::EverybodyEng::Interfaces_ptr EverBdyPtr = nullptr;
 Handheld_Hardware* SwitchOwner = nullptr;
 
 void BatteryRelativeStateOfChargeResponse(int charge) {
-  if (charge_status & BATTERY_ABSENT)
+  if (charge_status & BATTERY_ABSENT) {
     battery_charge = 0;
-  else if ((charge_status & FULLY_CHARGED) == FULLY_CHARGED)
+  } else if ((charge_status & FULLY_CHARGED) == FULLY_CHARGED) {
     battery_charge = 100;
-  else
+  } else {
     battery_charge = charge;
+  }
   semBatteryStatusIrq.post();
 }
 
@@ -91,8 +92,9 @@ Handheld_Hardware::Handheld_Hardware(const int& n)
       battery_temperature_valid_(false),
       mic284_temperature_valid_(false) {
   // The subscription may be ready before the driver is: its early messages are caught up with here.
-  for (unsigned int early = AdoptDriver(new psdriver("/dev/i2c-3")); early > 0; --early)
+  for (unsigned int early = AdoptDriver(new psdriver("/dev/i2c-3")); early > 0; --early) {
     UIDoneLoadingDDS_SubCallback(nullptr);
+  }
 }
 
 Handheld_Hardware::~Handheld_Hardware() = default;

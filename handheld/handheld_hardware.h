@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "base_hardware.h"
-#include "dds_publisher.h"
-#include "dds_subscriber.h"
+#include "base/base_hardware.h"
+#include "messaging/dds_publisher.h"
+#include "messaging/dds_subscriber.h"
 
 /// The handheld unit itself: power supply, battery and charger, temperature sensors, power switch and cover, backlight,
 /// network. The board under it is the concrete class's.

@@ -1,6 +1,6 @@
 #include <cstdlib>
 
-#include "handheld_hardware.h"
+#include "handheld/handheld_hardware.h"
 
 // Interface names go into the command lines as they come.
 

@@ -1,8 +1,8 @@
 #include <iostream>
 
-#include "driver_link.h"
-#include "failure_event.h"
-#include "handheld_hardware.h"
+#include "handheld/driver_link.h"
+#include "handheld/handheld_hardware.h"
+#include "messaging/failure_event.h"
 
 namespace {
 
@@ -26,7 +26,9 @@ bool Handheld_Hardware::GetChargerStatus() {
     return false;
   }
   const bool present = (charge_status & EXTERNAL_VOLTAGE) != 0;
-  if (present == external_voltage_) return true;
+  if (present == external_voltage_) {
+    return true;
+  }
   external_voltage_ = present;
   external_voltage_publisher_.sendData(present);
   return true;

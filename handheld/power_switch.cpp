@@ -2,10 +2,10 @@
 #include <fstream>
 #include <iostream>
 
-#include "driver_link.h"
-#include "failure_event.h"
-#include "handheld_hardware.h"
-#include "remote_services.h"
+#include "handheld/driver_link.h"
+#include "handheld/handheld_hardware.h"
+#include "handheld/remote_services.h"
+#include "messaging/failure_event.h"
 #include "varnok_locker.h"
 
 namespace {
@@ -48,7 +48,9 @@ void attempt(const Step& step) {
 
 /// False when the user said no. A user who cannot be asked is taken to mean the switch that was pressed.
 bool user_agrees() {
-  if (CORBA::is_nil(GuiManagerPtr.in())) return true;
+  if (CORBA::is_nil(GuiManagerPtr.in())) {
+    return true;
+  }
   CORBA::Long answer = ANSWER_OK;
   attempt([&answer] {
     const CORBA::String_var title = CORBA::string_dup("System Prompt");
@@ -60,25 +62,35 @@ bool user_agrees() {
 }
 
 void show_shutdown_screen(const char* title) {
-  if (CORBA::is_nil(GuiManagerPtr.in())) return;
+  if (CORBA::is_nil(GuiManagerPtr.in())) {
+    return;
+  }
   attempt([title] { GuiManagerPtr->ShowDialog(title, SHUTDOWN_SCREEN_TEXT, "", 0); });
   attempt([title] { GuiManagerPtr->SetDialogSize(title, "Max"); });
 }
 
 void shut_down_everybody_engine(const Varnok::Locker& locker) {
-  if (CORBA::is_nil(EverBdyPtr)) return;
+  if (CORBA::is_nil(EverBdyPtr)) {
+    return;
+  }
   std::cout << "Shutting down everybody engine" << std::endl;
   attempt([&locker] {
     const Varnok::EverybodyEng::Shutdown_var engine = EverBdyPtr->GetShutdown();
-    if (CORBA::is_nil(engine.in())) return;
-    if (!locker.core()) locker.Init_core();
+    if (CORBA::is_nil(engine.in())) {
+      return;
+    }
+    if (!locker.core()) {
+      locker.Init_core();
+    }
     engine->ShutdownAll(*locker.core());
   });
 }
 
 void shut_down_hardware_engines(const char* engine) {
   std::cout << "Shutting down hardware enum" << std::endl;
-  if (CORBA::is_nil(EnumEngPtr.in())) return;
+  if (CORBA::is_nil(EnumEngPtr.in())) {
+    return;
+  }
   attempt([engine] { EnumEngPtr->ShutdownEngine(engine); });
 }
 
@@ -86,7 +98,9 @@ void handle_shutdown_request(const Varnok::Locker& locker) {
   FindGuiManagerInstance();
   FindEverybodyEngine();
   FindHwEnumerationEngine();
-  if (!user_agrees()) return;
+  if (!user_agrees()) {
+    return;
+  }
   const CORBA::String_var title = CORBA::string_dup("Shutdown");
   const CORBA::String_var engine = CORBA::string_dup("SYSTEM_ENGINE1");
   show_shutdown_screen(title.in());
@@ -103,10 +117,11 @@ void write_backlight_power(int power) {
 
 /// Closing the cover writes 0, also when it is closed already; only its opening writes 1.
 void follow_cover(bool closed) {
-  if (closed)
+  if (closed) {
     write_backlight_power(0);
-  else if (cover_closed)
+  } else if (cover_closed) {
     write_backlight_power(1);
+  }
   cover_closed = closed;
 }
 
@@ -119,7 +134,9 @@ void Handheld_Hardware::PowerSwitch(int value) {
   if ((value & BACKLIGHT_GROUP) != 0 && (value & BACKLIGHT_TO_MAXIMUM) != 0) {
     attempt([] { SwitchOwner->setMaxBacklight(); });
   }
-  if ((value & SHUTDOWN_REQUEST) != 0) handle_shutdown_request(locker);
+  if ((value & SHUTDOWN_REQUEST) != 0) {
+    handle_shutdown_request(locker);
+  }
   follow_cover((value & COVER_CLOSED) != 0);
 }
 

@@ -1,4 +1,4 @@
-#include "precise_wait.h"
+#include "handheld/precise_wait.h"
 
 #include <sys/prctl.h>
 

@@ -1,7 +1,7 @@
 #include <string>
 
-#include "handheld_hardware.h"
-#include "precise_wait.h"
+#include "handheld/handheld_hardware.h"
+#include "handheld/precise_wait.h"
 #include "varnok_errors.h"
 
 namespace {
@@ -15,7 +15,9 @@ constexpr int MOST_STATUS_READS = 100;
 void require_rf_register(unsigned int address) {
   using Varnok::Operation_errors::DataOutOfRangeException;
   using Varnok::Operation_errors::RangeValue;
-  if (address >= FIRST_RF_REGISTER && address <= LAST_RF_REGISTER && address % 4 == 0) return;
+  if (address >= FIRST_RF_REGISTER && address <= LAST_RF_REGISTER && address % 4 == 0) {
+    return;
+  }
   const auto integer = [](unsigned int number) { return RangeValue::of(static_cast<std::int32_t>(number)); };
   throw DataOutOfRangeException({std::string("Attribute : ") + "Invalid RF board address", integer(FIRST_RF_REGISTER),
                                  integer(LAST_RF_REGISTER), integer(address)});
@@ -46,7 +48,10 @@ unsigned int Handheld_Hardware::Peek_RFregister(unsigned int address) {
   Poke(RF_REQUEST, address);
   WaitUntil(boost::get_system_time() + boost::posix_time::microseconds(50));
   const unsigned int pending = 1U << (address / 4 - 32);
-  for (int reads = 0; reads < MOST_STATUS_READS; ++reads)
-    if ((Peek(RF_REQUEST) & pending) == 0) return Peek(address);
+  for (int reads = 0; reads < MOST_STATUS_READS; ++reads) {
+    if ((Peek(RF_REQUEST) & pending) == 0) {
+      return Peek(address);
+    }
+  }
   return 0;
 }

@@ -1,9 +1,9 @@
-#include "remote_services.h"
+#include "handheld/remote_services.h"
 
 #include <iostream>
 
-#include "driver_link.h"
-#include "service_lookup.h"
+#include "handheld/driver_link.h"
+#include "messaging/service_lookup.h"
 
 void FindGuiManagerInstance() {
   try {
@@ -19,7 +19,9 @@ void FindEverybodyEngine() {
     const auto found = FindService<Varnok::EverybodyEng::Interfaces>({"Halcyra", "local", "EVERYBODYENG", "1"});
     CORBA::release(EverBdyPtr);
     EverBdyPtr = found;
-    if (CORBA::is_nil(EverBdyPtr)) std::cerr << "EveryBdyPtr is null" << std::endl;
+    if (CORBA::is_nil(EverBdyPtr)) {
+      std::cerr << "EveryBdyPtr is null" << std::endl;
+    }
   } catch (...) {
     std::cerr << "Handheld_Hardware::Missing Everybody Engine err, please load" << std::endl;
   }
@@ -28,7 +30,9 @@ void FindEverybodyEngine() {
 void FindHwEnumerationEngine() {
   try {
     EnumEngPtr = FindService<Varnok::HwEnumerate_Able>({"Halcyra", "local", "HWENUM_ABLE", "1"});
-    if (CORBA::is_nil(EnumEngPtr.in())) std::cerr << "HwEnumPtr is null" << std::endl;
+    if (CORBA::is_nil(EnumEngPtr.in())) {
+      std::cerr << "HwEnumPtr is null" << std::endl;
+    }
   } catch (...) {
     std::cerr << "Handheld_Hardware::Missing HW Enumeration Engine err, please load" << std::endl;
   }

@@ -3,9 +3,9 @@
 #include <fstream>
 #include <limits>
 
-#include "driver_link.h"
-#include "failure_event.h"
-#include "handheld_hardware.h"
+#include "handheld/driver_link.h"
+#include "handheld/handheld_hardware.h"
+#include "messaging/failure_event.h"
 
 namespace {
 
@@ -25,7 +25,9 @@ std::int32_t mic284_degrees(const std::string& text) {
 /// appended even when nothing could be read: an empty file repeats that temperature.
 void append_omap_row(std::vector<TEMPERATUREDATA>& list, TEMPERATUREDATA& row) {
   std::ifstream file(OMAP_FILE);
-  if (!file.is_open()) return;
+  if (!file.is_open()) {
+    return;
+  }
   file >> row.temperature;
   file.close();
   row.name = "Slot 1 OMAP Temperature";

@@ -1,8 +1,8 @@
 #include <mutex>
 
-#include "driver_link.h"
-#include "failure_event.h"
-#include "handheld_hardware.h"
+#include "handheld/driver_link.h"
+#include "handheld/handheld_hardware.h"
+#include "messaging/failure_event.h"
 
 namespace {
 
@@ -14,7 +14,9 @@ unsigned int early_messages = 0;
 
 bool driver_has_arrived() {
   const std::lock_guard<std::mutex> lock(driver_arrival);
-  if (!PSdriver) ++early_messages;
+  if (!PSdriver) {
+    ++early_messages;
+  }
   return PSdriver != nullptr;
 }
 
@@ -29,7 +31,9 @@ unsigned int AdoptDriver(psdriver* driver) {
 }
 
 void Handheld_Hardware::UIDoneLoadingDDS_SubCallback(char const*) {
-  if (!driver_has_arrived()) return;
+  if (!driver_has_arrived()) {
+    return;
+  }
   int status = USER_INTERFACE_LOADED;
   try {
     PSdriver->SetSystemLEDStatus(status, false);

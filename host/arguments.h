@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "records.h"
+#include "base/records.h"
 
 namespace host {
 

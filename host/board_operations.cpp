@@ -1,8 +1,8 @@
 // Diagnostic access to the board.
 
-#include "board_operations.h"
+#include "host/board_operations.h"
 
-#include "operation.h"
+#include "host/operation.h"
 
 namespace host {
 namespace {

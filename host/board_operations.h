@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "base_hardware.h"
+#include "base/base_hardware.h"
 
 namespace host {
 

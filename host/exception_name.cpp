@@ -1,4 +1,4 @@
-#include "exception_name.h"
+#include "host/exception_name.h"
 
 #include <cxxabi.h>
 

@@ -1,4 +1,4 @@
-#include "external_voltage.h"
+#include "host/external_voltage.h"
 
 #include <stdexcept>
 #include <thread>
@@ -23,15 +23,21 @@ class ExternalVoltage::Reader : private Varnok::DDS_BaseObj {
 public:
   Reader() {
     const DDS::DomainParticipant_ptr participant = DdsBase().participant;
-    if (CORBA::is_nil(participant)) fail("the process has no DDS participant");
+    if (CORBA::is_nil(participant)) {
+      fail("the process has no DDS participant");
+    }
     const Attribute::TypeSupport_var support = new Attribute::TypeSupportImpl;
-    if (support->register_type(participant, "") != DDS::RETCODE_OK) fail("its type cannot be registered");
+    if (support->register_type(participant, "") != DDS::RETCODE_OK) {
+      fail("its type cannot be registered");
+    }
     const CORBA::String_var type = support->get_type_name();
     topic_ = participant->create_topic(topic_name, type.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
                                        OpenDDS::DCPS::NO_STATUS_MASK);
     subscriber_ = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(),
                                                  OpenDDS::DCPS::NO_STATUS_MASK);
-    if (CORBA::is_nil(topic_.in()) || CORBA::is_nil(subscriber_.in())) fail("its topic cannot be subscribed");
+    if (CORBA::is_nil(topic_.in()) || CORBA::is_nil(subscriber_.in())) {
+      fail("its topic cannot be subscribed");
+    }
     DDS::DataReaderQos qos;
     subscriber_->get_default_datareader_qos(qos);
     qos.durability.kind = DDS::TRANSIENT_LOCAL_DURABILITY_QOS;
@@ -39,7 +45,9 @@ public:
     const DDS::DataReader_var untyped = subscriber_->create_datareader(
         topic_.in(), qos, DDS::DataReaderListener::_nil(), OpenDDS::DCPS::NO_STATUS_MASK);
     reader_ = Attribute::DataReader::_narrow(untyped.in());
-    if (CORBA::is_nil(reader_.in())) fail("its reader cannot be made");
+    if (CORBA::is_nil(reader_.in())) {
+      fail("its reader cannot be made");
+    }
   }
 
   void take_all() {

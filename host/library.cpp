@@ -1,4 +1,4 @@
-#include "library.h"
+#include "host/library.h"
 
 #include <dlfcn.h>
 

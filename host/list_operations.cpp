@@ -1,6 +1,6 @@
 // Lists, display and fans.
 
-#include "operation.h"
+#include "host/operation.h"
 
 namespace host {
 namespace {

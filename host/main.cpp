@@ -10,11 +10,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include "base_hardware.h"
-#include "exception_name.h"
-#include "library.h"
-#include "requests.h"
-#include "server.h"
+#include "base/base_hardware.h"
+#include "host/exception_name.h"
+#include "host/library.h"
+#include "host/requests.h"
+#include "host/server.h"
 
 namespace {
 

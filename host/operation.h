@@ -5,8 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "arguments.h"
-#include "base_hardware.h"
+#include "base/base_hardware.h"
+#include "host/arguments.h"
 
 namespace host {
 

@@ -1,6 +1,6 @@
 // Power, battery, single temperatures and network.
 
-#include "operation.h"
+#include "host/operation.h"
 
 namespace host {
 namespace {

@@ -1,4 +1,4 @@
-#include "requests.h"
+#include "host/requests.h"
 
 #include <cxxabi.h>
 
@@ -6,8 +6,8 @@
 #include <array>
 #include <exception>
 
-#include "exception_name.h"
-#include "operation.h"
+#include "host/exception_name.h"
+#include "host/operation.h"
 
 namespace host {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "answer.h"
-#include "base_hardware.h"
-#include "external_voltage.h"
+#include "base/base_hardware.h"
+#include "host/answer.h"
+#include "host/external_voltage.h"
 
 namespace host {
 

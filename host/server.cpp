@@ -1,4 +1,4 @@
-#include "server.h"
+#include "host/server.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "answer.h"
+#include "host/answer.h"
 
 namespace host {
 

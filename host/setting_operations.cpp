@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "operation.h"
+#include "host/operation.h"
 
 namespace host {
 namespace {

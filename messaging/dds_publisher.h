@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "signature_texts.h"
+#include "messaging/signature_texts.h"
 #include "varnok_attributes.h"
 #include "varnok_dds.h"
 #include "varnok_errors.h"
@@ -66,10 +66,12 @@ DDS_Publisher<T>::~DDS_Publisher() {
 template <typename T>
 void DDS_Publisher<T>::connect() {
   const DDS::DomainParticipant_ptr participant = DdsBase().participant;
-  if (!CORBA::is_nil(participant))
+  if (!CORBA::is_nil(participant)) {
     publisher_ = participant->create_publisher(PUBLISHER_QOS_DEFAULT, DDS::PublisherListener::_nil(), ALL_STATUSES);
-  if (CORBA::is_nil(publisher_.in()))
+  }
+  if (CORBA::is_nil(publisher_.in())) {
     throw Connection_errors::Not_Connected("DDS_Publisher::Init err: Participant->create_publisher");
+  }
   create_topic();
   create_writer();
 }
@@ -77,28 +79,34 @@ void DDS_Publisher<T>::connect() {
 template <typename T>
 void DDS_Publisher<T>::create_topic() {
   const DDS::DomainParticipant_ptr participant = DdsBase().participant;
-  if (writer_->type_support->register_type(participant, "") != DDS::RETCODE_OK)
+  if (writer_->type_support->register_type(participant, "") != DDS::RETCODE_OK) {
     fail(std::string(Texts::constructor) + " err: Osts->register_type");
+  }
   const CORBA::String_var type_name = writer_->type_support->get_type_name();
   topic_ = participant->create_topic(topic_name_.c_str(), type_name.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
                                      ALL_STATUSES);
-  if (CORBA::is_nil(topic_.in()))
+  if (CORBA::is_nil(topic_.in())) {
     fail(std::string(Texts::constructor) + ":  Participant->create_topic [" + topic_name_ + "] [" + type_name.in() +
          "]");
+  }
 }
 
 template <typename T>
 void DDS_Publisher<T>::create_writer() {
   // The initial QoS is what the record holds when its defaults cannot be fetched; the writer is made all the same.
   DDS::DataWriterQos qos = TheServiceParticipant->initial_DataWriterQos();
-  if (publisher_->get_default_datawriter_qos(qos) != DDS::RETCODE_OK)
+  if (publisher_->get_default_datawriter_qos(qos) != DDS::RETCODE_OK) {
     std::cout << "DDS_Publisher:: ERROR: create_datawriter failed" << std::endl;
+  }
   qos.durability.kind = DDS::TRANSIENT_LOCAL_DURABILITY_QOS;
   data_writer_ = publisher_->create_datawriter(topic_.in(), qos, DDS::DataWriterListener::_nil(), ALL_STATUSES);
-  if (CORBA::is_nil(data_writer_.in())) fail(std::string(Texts::constructor) + " err: Publisher->create_datawriter");
+  if (CORBA::is_nil(data_writer_.in())) {
+    fail(std::string(Texts::constructor) + " err: Publisher->create_datawriter");
+  }
   writer_->typed_writer = writer_->narrow(data_writer_.in());
-  if (CORBA::is_nil(writer_->typed_writer.in()))
+  if (CORBA::is_nil(writer_->typed_writer.in())) {
     fail(std::string(Texts::constructor) + " err:  pub_obj.writer_i_narrow_func");
+  }
 }
 
 template <typename T>
@@ -108,8 +116,9 @@ void DDS_Publisher<T>::sendData(const T& value) {
   writer_->sample.timestamp = 0;
   writer_->sample.source = 0;
   writer_->typed_writer->register_instance(writer_->sample);
-  if (writer_->typed_writer->write(writer_->sample, DDS::HANDLE_NIL) != DDS::RETCODE_OK)
+  if (writer_->typed_writer->write(writer_->sample, DDS::HANDLE_NIL) != DDS::RETCODE_OK) {
     throw Connection_errors::Communications_failure(std::string(Texts::send_data) + " error");
+  }
 }
 
 template <typename T>

@@ -5,8 +5,8 @@
 
 #include <boost/function.hpp>
 
-#include "dds_reader_listener.h"
-#include "signature_texts.h"
+#include "messaging/dds_reader_listener.h"
+#include "messaging/signature_texts.h"
 #include "varnok_attributes.h"
 #include "varnok_dds.h"
 #include "varnok_errors.h"
@@ -79,4 +79,4 @@ public:
 
 }  // namespace Varnok
 
-#include "dds_subscriber_impl.h"
+#include "messaging/dds_subscriber_impl.h"

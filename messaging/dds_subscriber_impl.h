@@ -8,7 +8,7 @@
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <boost/thread/thread.hpp>
 
-#include "dds_subscriber.h"
+#include "messaging/dds_subscriber.h"
 
 namespace Varnok {
 
@@ -29,9 +29,13 @@ void DDS_SubscriberBase<T, U>::InitSubBase(DDS_Subscriber<T>* owner, long minSep
                                            unsigned long minSeparationNanosec,
                                            DDS::DurabilityQosPolicyKind durability) {
   const DDS::DomainParticipant_ptr participant = this->DdsBase().participant;
-  if (CORBA::is_nil(participant)) fail(std::string(Texts::init) + " err: Participant NULL");
+  if (CORBA::is_nil(participant)) {
+    fail(std::string(Texts::init) + " err: Participant NULL");
+  }
   subscriber_ = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(), ALL_STATUSES);
-  if (CORBA::is_nil(subscriber_.in())) fail(std::string(Texts::init) + " err: create_subscriber");
+  if (CORBA::is_nil(subscriber_.in())) {
+    fail(std::string(Texts::init) + " err: create_subscriber");
+  }
   create_topic(participant);
   DDS::Duration_t minimum_separation;
   minimum_separation.sec = static_cast<CORBA::Long>(minSeparationSec);
@@ -42,13 +46,15 @@ void DDS_SubscriberBase<T, U>::InitSubBase(DDS_Subscriber<T>* owner, long minSep
 
 template <typename T, typename U>
 void DDS_SubscriberBase<T, U>::create_topic(DDS::DomainParticipant_ptr participant) {
-  if (reader_->type_support->register_type(participant, "") != DDS::RETCODE_OK)
+  if (reader_->type_support->register_type(participant, "") != DDS::RETCODE_OK) {
     fail(std::string(Texts::init) + " err: Osts->register_type");
+  }
   const CORBA::String_var type_name = reader_->type_support->get_type_name();
   topic_ = participant->create_topic(topic_name_.c_str(), type_name.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
                                      ALL_STATUSES);
-  if (CORBA::is_nil(topic_.in()))
+  if (CORBA::is_nil(topic_.in())) {
     fail(std::string(Texts::init) + " err: Participant->create_topic [" + type_name.in() + "] [" + topic_name_ + "]");
+  }
 }
 
 template <typename T, typename U>
@@ -56,14 +62,17 @@ void DDS_SubscriberBase<T, U>::create_reader(DDS_Subscriber<T>* owner, const DDS
                                              DDS::DurabilityQosPolicyKind durability) {
   // The initial QoS is what the record holds when its defaults cannot be fetched; the reader is made all the same.
   DDS::DataReaderQos qos = TheServiceParticipant->initial_DataReaderQos();
-  if (subscriber_->get_default_datareader_qos(qos) != DDS::RETCODE_OK)
+  if (subscriber_->get_default_datareader_qos(qos) != DDS::RETCODE_OK) {
     std::cout << "DDS_Subscriber:: ERROR: create_datareader failed" << std::endl;
+  }
   qos.durability.kind = durability;
   qos.history.kind = DDS::KEEP_ALL_HISTORY_QOS;
   qos.time_based_filter.minimum_separation = minimum_separation;
   listener_.dispatch_to(owner);
   data_reader_ = subscriber_->create_datareader(topic_.in(), qos, &listener_, ALL_STATUSES);
-  if (CORBA::is_nil(data_reader_.in())) fail(std::string(Texts::init) + " err: Subscriber->create_datareader");
+  if (CORBA::is_nil(data_reader_.in())) {
+    fail(std::string(Texts::init) + " err: Subscriber->create_datareader");
+  }
 }
 
 template <typename T, typename U>
@@ -73,7 +82,9 @@ void DDS_SubscriberBase<T, U>::FinishedInitSubBase() {
 
 template <typename T, typename U>
 void DDS_SubscriberBase<T, U>::waitForInitDone() const {
-  while (!init_done_) boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::microseconds(1000));
+  while (!init_done_) {
+    boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::microseconds(1000));
+  }
 }
 
 template <typename T, typename U>
@@ -104,14 +115,21 @@ DDS_Subscriber<T>::~DDS_Subscriber() = default;
 
 template <typename T>
 void DDS_DataReaderListener<T>::on_data_available(DDS::DataReader_ptr reader) {
-  if (!subscriber_) return;
+  if (!subscriber_) {
+    return;
+  }
   auto& record = *subscriber_->reader_;
   record.typed_reader = record.narrow(reader);
-  if (CORBA::is_nil(record.typed_reader.in())) return;
+  if (CORBA::is_nil(record.typed_reader.in())) {
+    return;
+  }
   DDS::SampleInfo info;
-  if (record.typed_reader->take_next_sample(record.sample, info) != DDS::RETCODE_OK)
+  if (record.typed_reader->take_next_sample(record.sample, info) != DDS::RETCODE_OK) {
     throw Runtime_errors::Generic(std::string(DDS_Subscriber_texts<T>::data_available) + " take_next_sample error.");
-  if (!info.valid_data) return report_without_data(info.instance_state);
+  }
+  if (!info.valid_data) {
+    return report_without_data(info.instance_state);
+  }
   subscriber_->waitForInitDone();
   subscriber_->callback_(subscriber_->topic_name_.c_str());
 }

@@ -1,4 +1,4 @@
-#include "failure_event.h"
+#include "messaging/failure_event.h"
 
 #include <cstdint>
 #include <ctime>

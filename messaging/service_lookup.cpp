@@ -1,4 +1,4 @@
-#include "service_lookup.h"
+#include "messaging/service_lookup.h"
 
 #include <boost/thread/lock_guard.hpp>
 #include <boost/thread/mutex.hpp>

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "running_unit.h"
-#include "started_unit.h"
+#include "tool/running_unit.h"
+#include "tool/started_unit.h"
 
 namespace tool {
 

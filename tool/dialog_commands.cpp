@@ -1,10 +1,10 @@
 #include <cstdio>
 #include <memory>
 
-#include "commands.h"
-#include "dialog_text.h"
-#include "errors.h"
-#include "running_unit.h"
+#include "tool/commands.h"
+#include "tool/dialog_text.h"
+#include "tool/errors.h"
+#include "tool/running_unit.h"
 
 namespace tool {
 

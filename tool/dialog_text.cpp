@@ -1,4 +1,4 @@
-#include "dialog_text.h"
+#include "tool/dialog_text.h"
 
 #include <sstream>
 

@@ -4,9 +4,9 @@
 #include <cerrno>
 #include <memory>
 
-#include "commands.h"
-#include "errors.h"
-#include "started_unit.h"
+#include "tool/commands.h"
+#include "tool/errors.h"
+#include "tool/started_unit.h"
 
 namespace tool {
 namespace {

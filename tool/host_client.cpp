@@ -1,4 +1,4 @@
-#include "host_client.h"
+#include "tool/host_client.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "errors.h"
+#include "tool/errors.h"
 
 namespace tool {
 namespace {

@@ -7,10 +7,10 @@
 #include <exception>
 #include <memory>
 
-#include "commands.h"
-#include "errors.h"
 #include "simulator/model/unit_file.h"
 #include "simulator/sysroot/state_folder.h"
+#include "tool/commands.h"
+#include "tool/errors.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "output_tee.h"
+#include "tool/output_tee.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -2,10 +2,10 @@
 #include <cstdio>
 #include <memory>
 
-#include "commands.h"
-#include "errors.h"
-#include "host_client.h"
-#include "running_unit.h"
+#include "tool/commands.h"
+#include "tool/errors.h"
+#include "tool/host_client.h"
+#include "tool/running_unit.h"
 
 namespace tool {
 namespace {

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
-#include "commands.h"
-#include "errors.h"
-#include "started_unit.h"
-#include "unit_state.h"
+#include "tool/commands.h"
+#include "tool/errors.h"
+#include "tool/started_unit.h"
+#include "tool/unit_state.h"
 
 namespace tool {
 namespace {

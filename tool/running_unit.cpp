@@ -1,9 +1,9 @@
-#include "running_unit.h"
+#include "tool/running_unit.h"
 
 #include <vector>
 
-#include "errors.h"
 #include "simulator/sysroot/state_folder.h"
+#include "tool/errors.h"
 
 namespace tool {
 namespace fs = std::filesystem;

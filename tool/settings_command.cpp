@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <memory>
 
-#include "commands.h"
-#include "errors.h"
-#include "running_unit.h"
+#include "tool/commands.h"
+#include "tool/errors.h"
+#include "tool/running_unit.h"
 
 namespace tool {
 namespace {

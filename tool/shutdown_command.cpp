@@ -7,11 +7,11 @@
 #include <memory>
 #include <thread>
 
-#include "commands.h"
-#include "dialog_text.h"
-#include "errors.h"
-#include "running_unit.h"
-#include "started_unit.h"
+#include "tool/commands.h"
+#include "tool/dialog_text.h"
+#include "tool/errors.h"
+#include "tool/running_unit.h"
+#include "tool/started_unit.h"
 
 namespace tool {
 namespace {

@@ -1,4 +1,4 @@
-#include "signals.h"
+#include "tool/signals.h"
 
 #include <signal.h>
 #include <sys/signalfd.h>

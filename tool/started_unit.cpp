@@ -1,4 +1,4 @@
-#include "started_unit.h"
+#include "tool/started_unit.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -9,9 +9,9 @@
 #include <cerrno>
 #include <cstring>
 
-#include "errors.h"
 #include "simulator/model/unit_file.h"
 #include "simulator/sysroot/user_namespaces.h"
+#include "tool/errors.h"
 
 namespace tool {
 namespace fs = std::filesystem;

@@ -7,12 +7,12 @@
 #include <utility>
 #include <vector>
 
-#include "host_client.h"
-#include "output_tee.h"
-#include "signals.h"
 #include "simulator/model/unit_model.h"
 #include "simulator/sysroot/private_root.h"
 #include "simulator/sysroot/state_folder.h"
+#include "tool/host_client.h"
+#include "tool/output_tee.h"
+#include "tool/signals.h"
 
 namespace tool {
 

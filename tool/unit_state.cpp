@@ -1,8 +1,8 @@
-#include "unit_state.h"
+#include "tool/unit_state.h"
 
 #include <cstdio>
 
-#include "host_client.h"
+#include "tool/host_client.h"
 
 namespace tool {
 namespace {

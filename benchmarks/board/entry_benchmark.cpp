@@ -1,8 +1,8 @@
 #include <chrono>
 #include <thread>
 
-#include "child.h"
-#include "comparison.h"
+#include "benchmarks/child.h"
+#include "benchmarks/comparison.h"
 
 namespace {
 

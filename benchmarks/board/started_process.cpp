@@ -11,9 +11,9 @@
 #include <iostream>
 #include <string>
 
-#include "bare_engine.h"
-#include "base_hardware.h"
-#include "comparison.h"
+#include "base/base_hardware.h"
+#include "benchmarks/bare_engine.h"
+#include "benchmarks/comparison.h"
 #include "simulator/model/unit_model.h"
 
 __attribute__((visibility("default"))) BASE_HARDWARE* Hardware = nullptr;

@@ -1,7 +1,7 @@
 #include <benchmark/benchmark.h>
 
-#include "comparison.h"
-#include "the_unit.h"
+#include "benchmarks/comparison.h"
+#include "benchmarks/the_unit.h"
 
 namespace {
 

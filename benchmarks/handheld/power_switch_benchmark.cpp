@@ -1,5 +1,5 @@
-#include "comparison.h"
-#include "the_unit.h"
+#include "benchmarks/comparison.h"
+#include "benchmarks/the_unit.h"
 
 namespace {
 

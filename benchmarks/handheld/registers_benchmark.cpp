@@ -1,8 +1,8 @@
 #include <benchmark/benchmark.h>
 
-#include "comparison.h"
+#include "benchmarks/comparison.h"
+#include "benchmarks/the_unit.h"
 #include "radalt.h"
-#include "the_unit.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include <iostream>
 #include <thread>
 
-#include "comparison.h"
+#include "benchmarks/comparison.h"
+#include "benchmarks/the_unit.h"
 #include "everybody_engine.h"
 #include "gui_manager.h"
 #include "hw_enumerate.h"
-#include "the_unit.h"
 
 namespace {
 

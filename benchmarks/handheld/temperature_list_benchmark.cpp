@@ -1,9 +1,9 @@
 #include <cstdlib>
 #include <vector>
 
-#include "comparison.h"
-#include "driver_link.h"
-#include "the_unit.h"
+#include "benchmarks/comparison.h"
+#include "benchmarks/the_unit.h"
+#include "handheld/driver_link.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include <chrono>
 #include <thread>
 
-#include "bare_engine.h"
-#include "child.h"
-#include "comparison.h"
+#include "benchmarks/bare_engine.h"
+#include "benchmarks/child.h"
+#include "benchmarks/comparison.h"
 #include "simulator/model/unit_model.h"
 
 namespace {

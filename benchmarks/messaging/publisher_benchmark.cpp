@@ -1,10 +1,10 @@
 #include <chrono>
 #include <thread>
 
-#include "bare_engine.h"
-#include "child.h"
-#include "comparison.h"
-#include "dds_publisher.h"
+#include "benchmarks/bare_engine.h"
+#include "benchmarks/child.h"
+#include "benchmarks/comparison.h"
+#include "messaging/dds_publisher.h"
 
 namespace {
 

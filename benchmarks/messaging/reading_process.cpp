@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "bare_engine.h"
+#include "benchmarks/bare_engine.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "arrivals.h"
+#include "dcps/src/arrivals.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 
-#include "engine.h"
+#include "dcps/src/engine.h"
 
 namespace dcps {
 
@@ -36,13 +36,17 @@ std::optional<Arrivals::Clock::time_point> Arrivals::collect(dds_entity_t reader
   const std::lock_guard lock(mutex_);
   const bool held_before = held_.has_value();
   collect_locked(reader);
-  if (held_before || !held_) return std::nullopt;
+  if (held_before || !held_) {
+    return std::nullopt;
+  }
   return *last_passed_ + minimum_separation_;
 }
 
 void Arrivals::release_held() {
   const std::lock_guard lock(mutex_);
-  if (!held_) return;
+  if (!held_) {
+    return;
+  }
   last_passed_ = Clock::now();
   entries_.push_back(std::move(*held_));
   ++due_;
@@ -50,14 +54,18 @@ void Arrivals::release_held() {
 }
 
 bool Arrivals::passes_filter(Entry& entry) {
-  if (minimum_separation_ == Clock::duration::zero() || !entry.info.valid_data) return true;
+  if (minimum_separation_ == Clock::duration::zero() || !entry.info.valid_data) {
+    return true;
+  }
   const Clock::time_point now = Clock::now();
   if (!last_passed_ || now - *last_passed_ >= minimum_separation_) {
     last_passed_ = now;
     held_.reset();
     return true;
   }
-  if (keep_latest_) held_ = std::move(entry);
+  if (keep_latest_) {
+    held_ = std::move(entry);
+  }
   return false;
 }
 
@@ -65,7 +73,9 @@ void Arrivals::collect_locked(dds_entity_t reader) {
   constexpr int BATCH = 4;
   const auto samples = std::make_unique<std::byte[]>(BATCH * sample_size_);
   std::array<void*, BATCH> places;
-  for (std::size_t i = 0; i < BATCH; ++i) places[i] = samples.get() + i * sample_size_;
+  for (std::size_t i = 0; i < BATCH; ++i) {
+    places[i] = samples.get() + i * sample_size_;
+  }
   std::array<dds_sample_info_t, BATCH> infos;
   dds_sample_info_t last{};
   int taken = 0;
@@ -93,13 +103,17 @@ void Arrivals::add(const dds_sample_info_t& info, const void* sample) {
     entry.sample = std::make_unique<std::byte[]>(sample_size_);
     std::memcpy(entry.sample.get(), sample, sample_size_);
   }
-  if (!passes_filter(entry)) return;
+  if (!passes_filter(entry)) {
+    return;
+  }
   entries_.push_back(std::move(entry));
   ++due_;
 }
 
 void Arrivals::add_folded_state_change(const dds_sample_info_t& last) {
-  if (!last.valid_data || last.instance_state == DDS_IST_ALIVE) return;
+  if (!last.valid_data || last.instance_state == DDS_IST_ALIVE) {
+    return;
+  }
   dds_sample_info_t change = last;
   change.valid_data = false;
   add(change, nullptr);
@@ -107,11 +121,17 @@ void Arrivals::add_folded_state_change(const dds_sample_info_t& last) {
 
 bool Arrivals::take(dds_entity_t reader, void* sample, DDS::SampleInfo& info) {
   const std::lock_guard lock(mutex_);
-  if (entries_.empty()) collect_locked(reader);
-  if (entries_.empty()) return false;
+  if (entries_.empty()) {
+    collect_locked(reader);
+  }
+  if (entries_.empty()) {
+    return false;
+  }
   const Entry& oldest = entries_.front();
   info = oldest.info;
-  if (info.valid_data) std::memcpy(sample, oldest.sample.get(), sample_size_);
+  if (info.valid_data) {
+    std::memcpy(sample, oldest.sample.get(), sample_size_);
+  }
   entries_.pop_front();
   due_ = std::min(due_, entries_.size());
   return true;
@@ -119,7 +139,9 @@ bool Arrivals::take(dds_entity_t reader, void* sample, DDS::SampleInfo& info) {
 
 bool Arrivals::begin_notifying() {
   const std::lock_guard lock(mutex_);
-  if (due_ == 0 || notifying_) return false;
+  if (due_ == 0 || notifying_) {
+    return false;
+  }
   notifying_ = true;
   return true;
 }

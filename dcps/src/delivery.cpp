@@ -1,4 +1,4 @@
-#include "delivery.h"
+#include "dcps/src/delivery.h"
 
 #include <pthread.h>
 #include <signal.h>
@@ -27,7 +27,9 @@ struct Delivery::Queue {
         calls.push_back(std::move(timed.begin()->second));
         timed.erase(timed.begin());
       }
-      if (!calls.empty()) return true;
+      if (!calls.empty()) {
+        return true;
+      }
       if (timed.empty()) {
         changed.wait(lock);
       } else {
@@ -66,7 +68,9 @@ Delivery::~Delivery() {
   queue_->calls.clear();
   queue_->timed.clear();
   queue_->changed.notify_one();
-  if (!queue_->thread.joinable()) return;
+  if (!queue_->thread.joinable()) {
+    return;
+  }
   std::thread thread = std::move(queue_->thread);
   lock.unlock();
   if (thread.get_id() == std::this_thread::get_id()) {
@@ -91,7 +95,9 @@ void Delivery::post_at(Clock::time_point time, Call call) {
 }
 
 void Delivery::start_thread() {
-  if (queue_->thread.joinable()) return;
+  if (queue_->thread.joinable()) {
+    return;
+  }
   const SignalsBlocked blocked;
   queue_->thread = std::thread([queue = queue_] { run(queue); });
   pthread_setname_np(queue_->thread.native_handle(), "dcps.listener");

@@ -1,4 +1,4 @@
-#include "engine.h"
+#include "dcps/src/engine.h"
 
 #include <atomic>
 
@@ -9,14 +9,19 @@ static_assert(-DDS_RETCODE_TIMEOUT == DDS::RETCODE_TIMEOUT);
 static_assert(-DDS_RETCODE_ILLEGAL_OPERATION == DDS::RETCODE_ILLEGAL_OPERATION);
 
 DDS::ReturnCode_t to_return_code(dds_return_t result) {
-  if (result >= 0) return DDS::RETCODE_OK;
-  if (result < DDS_RETCODE_ILLEGAL_OPERATION) return DDS::RETCODE_ERROR;
+  if (result >= 0) {
+    return DDS::RETCODE_OK;
+  }
+  if (result < DDS_RETCODE_ILLEGAL_OPERATION) {
+    return DDS::RETCODE_ERROR;
+  }
   return -result;
 }
 
 dds_duration_t to_cyclone(const DDS::Duration_t& duration) {
-  if (duration.sec == DDS::DURATION_INFINITE_SEC && duration.nanosec == DDS::DURATION_INFINITE_NSEC)
+  if (duration.sec == DDS::DURATION_INFINITE_SEC && duration.nanosec == DDS::DURATION_INFINITE_NSEC) {
     return DDS_INFINITY;
+  }
   return DDS_SECS(duration.sec) + duration.nanosec;
 }
 

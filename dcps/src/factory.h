@@ -3,7 +3,7 @@
 #include <mutex>
 #include <vector>
 
-#include "participant.h"
+#include "dcps/src/participant.h"
 
 namespace dcps {
 

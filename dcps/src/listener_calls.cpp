@@ -1,4 +1,4 @@
-#include "listener_calls.h"
+#include "dcps/src/listener_calls.h"
 
 namespace dcps {
 
@@ -8,13 +8,17 @@ ListenerCalls::ListenerCalls(std::shared_ptr<Delivery> delivery, DDS::Listener_p
 bool ListenerCalls::call(const std::function<void()>& call) {
   DDS::Listener_var given_back;
   std::unique_lock lock(mutex_);
-  if (closed_) return false;
+  if (closed_) {
+    return false;
+  }
   caller_ = std::this_thread::get_id();
   lock.unlock();
   call();
   lock.lock();
   caller_ = {};
-  if (closed_by_caller_) given_back = listener_._retn();
+  if (closed_by_caller_) {
+    given_back = listener_._retn();
+  }
   ended_.notify_all();
   lock.unlock();
   return true;
@@ -25,7 +29,9 @@ void ListenerCalls::close() {
   std::unique_lock lock(mutex_);
   closed_ = true;
   closed_by_caller_ = caller_ == std::this_thread::get_id();
-  if (closed_by_caller_) return;
+  if (closed_by_caller_) {
+    return;
+  }
   ended_.wait(lock, [&] { return caller_ == std::thread::id(); });
   given_back = listener_._retn();
   lock.unlock();

@@ -8,7 +8,7 @@
 
 #include <dds/DdsDcpsInfrastructureC.h>
 
-#include "delivery.h"
+#include "dcps/src/delivery.h"
 
 namespace dcps {
 

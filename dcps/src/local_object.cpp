@@ -10,7 +10,9 @@ void LocalObjectBase::_add_ref() {
 }
 
 void LocalObjectBase::_remove_ref() {
-  if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+  if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    delete this;
+  }
 }
 
 }  // namespace OpenDDS::DCPS

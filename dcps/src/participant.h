@@ -12,8 +12,8 @@
 #include <dds/DCPS/LocalObject.h>
 #include <dds/DdsDcpsDomainC.h>
 
-#include "delivery.h"
-#include "references.h"
+#include "dcps/src/delivery.h"
+#include "dcps/src/references.h"
 
 namespace dcps {
 

@@ -8,7 +8,7 @@
 
 #include <dcps/writer.h>
 
-#include "participant.h"
+#include "dcps/src/participant.h"
 
 namespace dcps {
 

@@ -1,11 +1,11 @@
-#include "qos.h"
+#include "dcps/src/qos.h"
 
 #include <cstring>
 #include <type_traits>
 
 #include <dds/DCPS/Marked_Default_Qos.h>
 
-#include "engine.h"
+#include "dcps/src/engine.h"
 
 namespace dcps {
 

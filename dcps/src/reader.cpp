@@ -1,15 +1,15 @@
 #include <dcps/reader.h>
 
-#include "arrivals.h"
-#include "callback_order.h"
-#include "engine.h"
-#include "listener_calls.h"
-#include "qos.h"
-#include "reader_events.h"
-#include "statuses.h"
-#include "subscriber.h"
-#include "thread_role.h"
-#include "topic.h"
+#include "dcps/src/arrivals.h"
+#include "dcps/src/callback_order.h"
+#include "dcps/src/engine.h"
+#include "dcps/src/listener_calls.h"
+#include "dcps/src/qos.h"
+#include "dcps/src/reader_events.h"
+#include "dcps/src/statuses.h"
+#include "dcps/src/subscriber.h"
+#include "dcps/src/thread_role.h"
+#include "dcps/src/topic.h"
 
 namespace dcps {
 
@@ -31,14 +31,18 @@ bool DataReaderImpl::open(SubscriberImpl& subscriber, TopicImpl& topic, const DD
   arrivals_->set_filter(std::chrono::nanoseconds(to_cyclone(qos.time_based_filter.minimum_separation)),
                         qos.reliability.kind == DDS::RELIABLE_RELIABILITY_QOS);
   const CycloneQos cyclone_qos = to_cyclone(qos);
-  if (CORBA::is_nil(listener)) mask = OpenDDS::DCPS::NO_STATUS_MASK;
+  if (CORBA::is_nil(listener)) {
+    mask = OpenDDS::DCPS::NO_STATUS_MASK;
+  }
   tells_of_data_ = (mask & DDS::DATA_AVAILABLE_STATUS) != 0;
   // The filter goes by the times of arrival, so it has to see each sample when it comes.
   const CycloneListener events = ReaderEvents::listener_for(*this, mask | DDS::DATA_AVAILABLE_STATUS);
   CallbackOrder::leave(this);
   const UserCall call;
   const dds_entity_t reader = dds_create_reader(subscriber.cyclone(), topic.cyclone(), cyclone_qos.get(), events.get());
-  if (reader < 0) return false;
+  if (reader < 0) {
+    return false;
+  }
   topic.add_user();
   reader_ = reader;
   return true;
@@ -46,7 +50,9 @@ bool DataReaderImpl::open(SubscriberImpl& subscriber, TopicImpl& topic, const DD
 
 void DataReaderImpl::close() {
   const dds_entity_t reader = reader_.exchange(0);
-  if (reader <= 0) return;
+  if (reader <= 0) {
+    return;
+  }
   calls_->close();
   delete_in_cyclone(reader, this, subscriber_->participant().delivery());
   topic_->remove_user();
@@ -54,8 +60,12 @@ void DataReaderImpl::close() {
 
 void DataReaderImpl::data_arrived(int reader) {
   const auto held_until = arrivals_->collect(reader);
-  if (held_until) calls_->post_at(*held_until, [kept = add_reference(this)] { kept->held_time_over(); });
-  if (!tells_of_data_ || !arrivals_->begin_notifying()) return;
+  if (held_until) {
+    calls_->post_at(*held_until, [kept = add_reference(this)] { kept->held_time_over(); });
+  }
+  if (!tells_of_data_ || !arrivals_->begin_notifying()) {
+    return;
+  }
   if (listener_has_returned_ && !UserCall::on_this_thread()) {
     const EngineCall call;
     const auto kept = add_reference(this);
@@ -67,7 +77,9 @@ void DataReaderImpl::data_arrived(int reader) {
 
 void DataReaderImpl::held_time_over() {
   arrivals_->release_held();
-  if (tells_of_data_ && arrivals_->begin_notifying()) notify_all();
+  if (tells_of_data_ && arrivals_->begin_notifying()) {
+    notify_all();
+  }
 }
 
 void DataReaderImpl::notify_all() noexcept {
@@ -106,7 +118,9 @@ DDS::Subscriber_ptr DataReaderImpl::get_subscriber() {
 DDS::ReturnCode_t DataReaderImpl::get_subscription_matched_status(DDS::SubscriptionMatchedStatus& status) {
   dds_subscription_matched_status_t cyclone{};
   const DDS::ReturnCode_t result = to_return_code(dds_get_subscription_matched_status(reader_, &cyclone));
-  if (result == DDS::RETCODE_OK) status = to_dcps(cyclone);
+  if (result == DDS::RETCODE_OK) {
+    status = to_dcps(cyclone);
+  }
   return result;
 }
 

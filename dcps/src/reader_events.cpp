@@ -1,11 +1,11 @@
-#include "reader_events.h"
+#include "dcps/src/reader_events.h"
 
 #include <dcps/reader.h>
 
-#include "callback_order.h"
-#include "listener_calls.h"
-#include "references.h"
-#include "statuses.h"
+#include "dcps/src/callback_order.h"
+#include "dcps/src/listener_calls.h"
+#include "dcps/src/references.h"
+#include "dcps/src/statuses.h"
 
 namespace dcps {
 
@@ -22,13 +22,27 @@ void ReaderEvents::post(void* reader, void (DDS::DataReaderListener::*operation)
 CycloneListener ReaderEvents::listener_for(DataReaderImpl& reader, DDS::StatusMask mask) {
   CycloneListener listener(dds_create_listener(&reader));
   dds_listener_t* const to = listener.get();
-  if (mask & DDS::DATA_AVAILABLE_STATUS) dds_lset_data_available(to, data_available);
-  if (mask & DDS::REQUESTED_DEADLINE_MISSED_STATUS) dds_lset_requested_deadline_missed(to, deadline_missed);
-  if (mask & DDS::REQUESTED_INCOMPATIBLE_QOS_STATUS) dds_lset_requested_incompatible_qos(to, incompatible_qos);
-  if (mask & DDS::SAMPLE_REJECTED_STATUS) dds_lset_sample_rejected(to, rejected);
-  if (mask & DDS::LIVELINESS_CHANGED_STATUS) dds_lset_liveliness_changed(to, liveliness_changed);
-  if (mask & DDS::SUBSCRIPTION_MATCHED_STATUS) dds_lset_subscription_matched(to, matched);
-  if (mask & DDS::SAMPLE_LOST_STATUS) dds_lset_sample_lost(to, lost);
+  if (mask & DDS::DATA_AVAILABLE_STATUS) {
+    dds_lset_data_available(to, data_available);
+  }
+  if (mask & DDS::REQUESTED_DEADLINE_MISSED_STATUS) {
+    dds_lset_requested_deadline_missed(to, deadline_missed);
+  }
+  if (mask & DDS::REQUESTED_INCOMPATIBLE_QOS_STATUS) {
+    dds_lset_requested_incompatible_qos(to, incompatible_qos);
+  }
+  if (mask & DDS::SAMPLE_REJECTED_STATUS) {
+    dds_lset_sample_rejected(to, rejected);
+  }
+  if (mask & DDS::LIVELINESS_CHANGED_STATUS) {
+    dds_lset_liveliness_changed(to, liveliness_changed);
+  }
+  if (mask & DDS::SUBSCRIPTION_MATCHED_STATUS) {
+    dds_lset_subscription_matched(to, matched);
+  }
+  if (mask & DDS::SAMPLE_LOST_STATUS) {
+    dds_lset_sample_lost(to, lost);
+  }
   return listener;
 }
 

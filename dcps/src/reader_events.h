@@ -4,7 +4,7 @@
 
 #include <dds/DdsDcpsSubscriptionC.h>
 
-#include "cyclone_listener.h"
+#include "dcps/src/cyclone_listener.h"
 
 namespace dcps {
 

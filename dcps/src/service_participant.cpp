@@ -3,8 +3,8 @@
 #include <dds/DCPS/MonitorFactory.h>
 #include <dds/DCPS/Service_Participant.h>
 
-#include "factory.h"
-#include "qos.h"
+#include "dcps/src/factory.h"
+#include "dcps/src/qos.h"
 
 namespace OpenDDS::DCPS {
 

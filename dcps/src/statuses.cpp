@@ -1,4 +1,4 @@
-#include "statuses.h"
+#include "dcps/src/statuses.h"
 
 namespace dcps {
 

@@ -1,4 +1,4 @@
-#include "thread_role.h"
+#include "dcps/src/thread_role.h"
 
 namespace dcps {
 

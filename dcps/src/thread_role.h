@@ -6,7 +6,7 @@
 
 #include <dds/DdsDcpsInfrastructureC.h>
 
-#include "delivery.h"
+#include "dcps/src/delivery.h"
 
 /// Whose thread the current one is: Cyclone delivers on threads of its own, but what is written in this process it
 /// delivers on the writing thread.

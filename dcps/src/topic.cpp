@@ -1,8 +1,8 @@
-#include "topic.h"
+#include "dcps/src/topic.h"
 
-#include "engine.h"
-#include "participant.h"
-#include "thread_role.h"
+#include "dcps/src/engine.h"
+#include "dcps/src/participant.h"
+#include "dcps/src/thread_role.h"
 
 namespace dcps {
 
@@ -31,14 +31,18 @@ TopicImpl::~TopicImpl() = default;
 bool TopicImpl::open() {
   const dds_topic_descriptor_t type = renamed(type_support_->descriptor(), type_name_.c_str());
   const dds_entity_t topic = dds_create_topic(participant_->cyclone(), &type, name_.c_str(), nullptr, nullptr);
-  if (topic < 0) return false;
+  if (topic < 0) {
+    return false;
+  }
   topic_ = topic;
   return true;
 }
 
 void TopicImpl::close() {
   const dds_entity_t topic = topic_.exchange(0);
-  if (topic > 0) delete_in_cyclone(topic, this, participant_->delivery());
+  if (topic > 0) {
+    delete_in_cyclone(topic, this, participant_->delivery());
+  }
 }
 
 DDS::DomainParticipant_ptr TopicImpl::get_participant() {

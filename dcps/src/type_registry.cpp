@@ -1,8 +1,8 @@
-#include "type_registry.h"
+#include "dcps/src/type_registry.h"
 
 #include <dds/DdsDcpsDomainC.h>
 
-#include "references.h"
+#include "dcps/src/references.h"
 
 namespace dcps {
 
@@ -13,7 +13,9 @@ TypeRegistry& TypeRegistry::instance() {
 
 TypeRegistry::Key TypeRegistry::key_of(DDS::DomainParticipant_ptr participant) {
   const DDS::InstanceHandle_t handle = participant->get_instance_handle();
-  if (handle == DDS::HANDLE_NIL) return participant;
+  if (handle == DDS::HANDLE_NIL) {
+    return participant;
+  }
   return handle;
 }
 
@@ -22,7 +24,9 @@ DDS::ReturnCode_t TypeRegistry::add(DDS::DomainParticipant_ptr participant, cons
   const Key key = key_of(participant);
   const std::lock_guard lock(mutex_);
   const auto [entry, is_new] = participants_[key].try_emplace(name, add_reference(&type));
-  if (is_new || &entry->second->descriptor() == &type.descriptor()) return DDS::RETCODE_OK;
+  if (is_new || &entry->second->descriptor() == &type.descriptor()) {
+    return DDS::RETCODE_OK;
+  }
   return DDS::RETCODE_ERROR;
 }
 
@@ -32,7 +36,9 @@ DDS::ReturnCode_t TypeRegistry::remove(DDS::DomainParticipant_ptr participant, c
   const std::lock_guard lock(mutex_);
   Types& types = participants_[key];
   const auto entry = types.find(name);
-  if (entry == types.end() || &entry->second->descriptor() != &type.descriptor()) return DDS::RETCODE_ERROR;
+  if (entry == types.end() || &entry->second->descriptor() != &type.descriptor()) {
+    return DDS::RETCODE_ERROR;
+  }
   types.erase(entry);
   return DDS::RETCODE_OK;
 }
@@ -48,7 +54,9 @@ Reference<OpenDDS::DCPS::TypeSupportImpl> TypeRegistry::find(DDS::DomainParticip
   const Key key = key_of(participant);
   const std::lock_guard lock(mutex_);
   const auto types = participants_.find(key);
-  if (types == participants_.end()) return {};
+  if (types == participants_.end()) {
+    return {};
+  }
   const auto entry = types->second.find(name);
   return entry == types->second.end() ? Reference<OpenDDS::DCPS::TypeSupportImpl>() : entry->second;
 }
@@ -58,13 +66,17 @@ Reference<OpenDDS::DCPS::TypeSupportImpl> TypeRegistry::find(DDS::DomainParticip
 namespace OpenDDS::DCPS {
 
 DDS::ReturnCode_t TypeSupportImpl::register_type(DDS::DomainParticipant_ptr participant, const char* type_name) {
-  if (CORBA::is_nil(participant)) return DDS::RETCODE_BAD_PARAMETER;
+  if (CORBA::is_nil(participant)) {
+    return DDS::RETCODE_BAD_PARAMETER;
+  }
   const bool own_name = type_name == nullptr || type_name[0] == '\0';
   return dcps::TypeRegistry::instance().add(participant, own_name ? default_type_name() : type_name, *this);
 }
 
 DDS::ReturnCode_t TypeSupportImpl::unregister_type(DDS::DomainParticipant_ptr participant, const char* type_name) {
-  if (CORBA::is_nil(participant) || type_name == nullptr || type_name[0] == '\0') return DDS::RETCODE_BAD_PARAMETER;
+  if (CORBA::is_nil(participant) || type_name == nullptr || type_name[0] == '\0') {
+    return DDS::RETCODE_BAD_PARAMETER;
+  }
   return dcps::TypeRegistry::instance().remove(participant, type_name, *this);
 }
 

@@ -1,14 +1,14 @@
 #include <dcps/writer.h>
 
-#include "callback_order.h"
-#include "engine.h"
-#include "listener_calls.h"
-#include "publisher.h"
-#include "qos.h"
-#include "statuses.h"
-#include "thread_role.h"
-#include "topic.h"
-#include "writer_events.h"
+#include "dcps/src/callback_order.h"
+#include "dcps/src/engine.h"
+#include "dcps/src/listener_calls.h"
+#include "dcps/src/publisher.h"
+#include "dcps/src/qos.h"
+#include "dcps/src/statuses.h"
+#include "dcps/src/thread_role.h"
+#include "dcps/src/topic.h"
+#include "dcps/src/writer_events.h"
 
 namespace dcps {
 
@@ -31,7 +31,9 @@ bool DataWriterImpl::open(PublisherImpl& publisher, TopicImpl& topic, const DDS:
   CallbackOrder::leave(this);
   const UserCall call;
   const dds_entity_t writer = dds_create_writer(publisher.cyclone(), topic.cyclone(), cyclone_qos.get(), events.get());
-  if (writer < 0) return false;
+  if (writer < 0) {
+    return false;
+  }
   topic.add_user();
   writer_ = writer;
   return true;
@@ -39,7 +41,9 @@ bool DataWriterImpl::open(PublisherImpl& publisher, TopicImpl& topic, const DDS:
 
 void DataWriterImpl::close() {
   const dds_entity_t writer = writer_.exchange(0);
-  if (writer <= 0) return;
+  if (writer <= 0) {
+    return;
+  }
   calls_->close();
   delete_in_cyclone(writer, this, publisher_->participant().delivery());
   topic_->remove_user();
@@ -54,36 +58,56 @@ DDS::InstanceHandle_t DataWriterImpl::registered_instance() const {
 }
 
 DDS::InstanceHandle_t DataWriterImpl::register_sample(const void* sample) {
-  if (registered_.load(std::memory_order_acquire)) return instance_handle_;
+  if (registered_.load(std::memory_order_acquire)) {
+    return instance_handle_;
+  }
   const std::lock_guard lock(registration_);
-  if (registered_) return instance_handle_;
+  if (registered_) {
+    return instance_handle_;
+  }
   dds_instance_handle_t instance = 0;
-  if (dds_register_instance(writer_, &instance, sample) != DDS_RETCODE_OK) return DDS::HANDLE_NIL;
+  if (dds_register_instance(writer_, &instance, sample) != DDS_RETCODE_OK) {
+    return DDS::HANDLE_NIL;
+  }
   registered_.store(true, std::memory_order_release);
   return instance_handle_;
 }
 
 DDS::ReturnCode_t DataWriterImpl::write_sample(const void* sample, DDS::InstanceHandle_t handle) {
-  if (is_other_instance(handle)) return DDS::RETCODE_BAD_PARAMETER;
-  if (register_sample(sample) == DDS::HANDLE_NIL) return DDS::RETCODE_ERROR;
+  if (is_other_instance(handle)) {
+    return DDS::RETCODE_BAD_PARAMETER;
+  }
+  if (register_sample(sample) == DDS::HANDLE_NIL) {
+    return DDS::RETCODE_ERROR;
+  }
   const UserCall call;
   return to_return_code(dds_write(writer_, sample));
 }
 
 DDS::ReturnCode_t DataWriterImpl::dispose_sample(const void* sample, DDS::InstanceHandle_t handle) {
-  if (is_other_instance(handle)) return DDS::RETCODE_BAD_PARAMETER;
-  if (!registered_) return DDS::RETCODE_ERROR;
+  if (is_other_instance(handle)) {
+    return DDS::RETCODE_BAD_PARAMETER;
+  }
+  if (!registered_) {
+    return DDS::RETCODE_ERROR;
+  }
   const UserCall call;
   return to_return_code(dds_dispose(writer_, sample));
 }
 
 DDS::ReturnCode_t DataWriterImpl::unregister_sample(const void* sample, DDS::InstanceHandle_t handle) {
-  if (is_other_instance(handle)) return DDS::RETCODE_BAD_PARAMETER;
+  if (is_other_instance(handle)) {
+    return DDS::RETCODE_BAD_PARAMETER;
+  }
   const std::lock_guard lock(registration_);
-  if (!registered_) return DDS::RETCODE_ERROR;
+  if (!registered_) {
+    return DDS::RETCODE_ERROR;
+  }
   const UserCall call;
   const DDS::ReturnCode_t result = to_return_code(dds_unregister_instance(writer_, sample));
-  if (result == DDS::RETCODE_OK) registered_ = false;
+  if (result == DDS::RETCODE_OK) {
+    registered_ = false;
+  }
   return result;
 }
 
@@ -115,7 +139,9 @@ DDS::ReturnCode_t DataWriterImpl::wait_for_acknowledgments(const DDS::Duration_t
 DDS::ReturnCode_t DataWriterImpl::get_publication_matched_status(DDS::PublicationMatchedStatus& status) {
   dds_publication_matched_status_t cyclone{};
   const DDS::ReturnCode_t result = to_return_code(dds_get_publication_matched_status(writer_, &cyclone));
-  if (result == DDS::RETCODE_OK) status = to_dcps(cyclone);
+  if (result == DDS::RETCODE_OK) {
+    status = to_dcps(cyclone);
+  }
   return result;
 }
 

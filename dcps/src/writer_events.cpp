@@ -1,11 +1,11 @@
-#include "writer_events.h"
+#include "dcps/src/writer_events.h"
 
 #include <dcps/writer.h>
 
-#include "callback_order.h"
-#include "listener_calls.h"
-#include "references.h"
-#include "statuses.h"
+#include "dcps/src/callback_order.h"
+#include "dcps/src/listener_calls.h"
+#include "dcps/src/references.h"
+#include "dcps/src/statuses.h"
 
 namespace dcps {
 
@@ -21,10 +21,18 @@ void WriterEvents::post(void* writer, void (DDS::DataWriterListener::*operation)
 
 CycloneListener WriterEvents::listener_for(DataWriterImpl& writer, DDS::StatusMask mask) {
   CycloneListener listener(dds_create_listener(&writer));
-  if (mask & DDS::OFFERED_DEADLINE_MISSED_STATUS) dds_lset_offered_deadline_missed(listener.get(), deadline_missed);
-  if (mask & DDS::OFFERED_INCOMPATIBLE_QOS_STATUS) dds_lset_offered_incompatible_qos(listener.get(), incompatible_qos);
-  if (mask & DDS::LIVELINESS_LOST_STATUS) dds_lset_liveliness_lost(listener.get(), liveliness_lost);
-  if (mask & DDS::PUBLICATION_MATCHED_STATUS) dds_lset_publication_matched(listener.get(), matched);
+  if (mask & DDS::OFFERED_DEADLINE_MISSED_STATUS) {
+    dds_lset_offered_deadline_missed(listener.get(), deadline_missed);
+  }
+  if (mask & DDS::OFFERED_INCOMPATIBLE_QOS_STATUS) {
+    dds_lset_offered_incompatible_qos(listener.get(), incompatible_qos);
+  }
+  if (mask & DDS::LIVELINESS_LOST_STATUS) {
+    dds_lset_liveliness_lost(listener.get(), liveliness_lost);
+  }
+  if (mask & DDS::PUBLICATION_MATCHED_STATUS) {
+    dds_lset_publication_matched(listener.get(), matched);
+  }
   return listener;
 }
 

@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "shared_mutex.h"
+#include "simulator/model/shared_mutex.h"
 
 namespace simulator::model {
 

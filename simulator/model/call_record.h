@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "faults.h"
+#include "simulator/model/faults.h"
 
 namespace simulator::model {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "shared_mutex.h"
-#include "watch.h"
+#include "simulator/model/shared_mutex.h"
+#include "simulator/model/watch.h"
 
 namespace simulator::model {
 

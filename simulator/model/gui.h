@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "shared_mutex.h"
-#include "signal.h"
-#include "text.h"
+#include "simulator/model/shared_mutex.h"
+#include "simulator/model/signal.h"
+#include "simulator/model/text.h"
 
 namespace simulator::model {
 

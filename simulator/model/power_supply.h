@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "shared_mutex.h"
-#include "signal.h"
+#include "simulator/model/shared_mutex.h"
+#include "simulator/model/signal.h"
 
 namespace simulator::model {
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "signal.h"
+#include "simulator/model/signal.h"
 
 namespace simulator::model {
 

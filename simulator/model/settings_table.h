@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "settings.h"
+#include "simulator/model/settings.h"
 
 namespace simulator::model {
 

@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
-#include "board.h"
-#include "call_record.h"
-#include "faults.h"
-#include "gui.h"
-#include "power_supply.h"
-#include "sensors.h"
-#include "services.h"
-#include "sysfs_files.h"
+#include "simulator/model/board.h"
+#include "simulator/model/call_record.h"
+#include "simulator/model/faults.h"
+#include "simulator/model/gui.h"
+#include "simulator/model/power_supply.h"
+#include "simulator/model/sensors.h"
+#include "simulator/model/services.h"
+#include "simulator/model/sysfs_files.h"
 
 namespace simulator::model {
 

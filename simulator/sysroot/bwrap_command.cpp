@@ -1,4 +1,4 @@
-#include "bwrap_command.h"
+#include "simulator/sysroot/bwrap_command.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "user_namespaces.h"
+#include "simulator/sysroot/user_namespaces.h"
 
 namespace simulator::sysroot {
 namespace {

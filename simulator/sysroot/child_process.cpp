@@ -1,4 +1,4 @@
-#include "child_process.h"
+#include "simulator/sysroot/child_process.h"
 
 #include <fcntl.h>
 #include <signal.h>

@@ -1,4 +1,4 @@
-#include "naming.h"
+#include "simulator/sysroot/naming.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -12,8 +12,8 @@
 #include <string>
 #include <thread>
 
-#include "child_process.h"
 #include "simulator/model/unit_model.h"
+#include "simulator/sysroot/child_process.h"
 
 namespace simulator::sysroot {
 namespace {

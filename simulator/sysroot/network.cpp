@@ -1,4 +1,4 @@
-#include "network.h"
+#include "simulator/sysroot/network.h"
 
 #include <fcntl.h>
 #include <sched.h>
@@ -14,7 +14,7 @@
 #include <string>
 #include <thread>
 
-#include "child_process.h"
+#include "simulator/sysroot/child_process.h"
 
 namespace simulator::sysroot {
 namespace {

@@ -1,4 +1,4 @@
-#include "private_root.h"
+#include "simulator/sysroot/private_root.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -11,8 +11,8 @@
 #include <system_error>
 #include <thread>
 
-#include "bwrap_command.h"
-#include "unit_environment.h"
+#include "simulator/sysroot/bwrap_command.h"
+#include "simulator/sysroot/unit_environment.h"
 
 namespace simulator::sysroot {
 namespace {

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "state_folder.h"
+#include "simulator/sysroot/state_folder.h"
 
 namespace simulator::sysroot {
 

@@ -1,4 +1,4 @@
-#include "state_folder.h"
+#include "simulator/sysroot/state_folder.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -12,7 +12,7 @@
 #include <fstream>
 
 #include "simulator/model/unit_model.h"
-#include "user_namespaces.h"
+#include "simulator/sysroot/user_namespaces.h"
 
 namespace simulator::sysroot {
 namespace fs = std::filesystem;

@@ -1,4 +1,4 @@
-#include "unit_environment.h"
+#include "simulator/sysroot/unit_environment.h"
 
 #include <fstream>
 

@@ -19,9 +19,9 @@
 #include <string>
 #include <vector>
 
-#include "child_process.h"
-#include "naming.h"
-#include "network.h"
+#include "simulator/sysroot/child_process.h"
+#include "simulator/sysroot/naming.h"
+#include "simulator/sysroot/network.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "user_namespaces.h"
+#include "simulator/sysroot/user_namespaces.h"
 
 #include <fcntl.h>
 #include <grp.h>

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "tool_output.h"
+#include "tests/abi/tool_output.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <regex>
 
-#include "tool_output.h"
+#include "tests/abi/tool_output.h"
 
 namespace {
 
@@ -28,7 +28,9 @@ void PrintTo(const Member& member, std::ostream* out) {
 std::string attribute(const std::string& line, const std::string& name) {
   const std::string key = " " + name + "='";
   const std::size_t begin = line.find(key);
-  if (begin == std::string::npos) return "";
+  if (begin == std::string::npos) {
+    return "";
+  }
   const std::size_t value = begin + key.size();
   const std::string text = line.substr(value, line.find('\'', value) - value);
   return std::regex_replace(std::regex_replace(text, std::regex("&lt;"), "<"), std::regex("&gt;"), ">");
@@ -45,10 +47,18 @@ std::vector<std::string> class_body(const std::string& name) {
   std::size_t depth = 0;
   for (const std::string& line : interface_dump()) {
     const bool opens = line.find("<class-decl") != std::string::npos && line.find("/>") == std::string::npos;
-    if (depth == 0 && !(opens && attribute(line, "name") == name)) continue;
-    if (opens) ++depth;
-    if (depth == 1) body.push_back(line);
-    if (line.find("</class-decl>") != std::string::npos && --depth == 0) return body;
+    if (depth == 0 && !(opens && attribute(line, "name") == name)) {
+      continue;
+    }
+    if (opens) {
+      ++depth;
+    }
+    if (depth == 1) {
+      body.push_back(line);
+    }
+    if (line.find("</class-decl>") != std::string::npos && --depth == 0) {
+      return body;
+    }
   }
   throw std::runtime_error("no class " + name + " in the debug information");
 }
@@ -57,8 +67,12 @@ std::vector<Member> members(const std::string& name) {
   std::vector<Member> found;
   std::string offset;
   for (const std::string& line : class_body(name)) {
-    if (line.find("<data-member") != std::string::npos) offset = attribute(line, "layout-offset-in-bits");
-    if (line.find("<var-decl") == std::string::npos || offset.empty()) continue;
+    if (line.find("<data-member") != std::string::npos) {
+      offset = attribute(line, "layout-offset-in-bits");
+    }
+    if (line.find("<var-decl") == std::string::npos || offset.empty()) {
+      continue;
+    }
     found.push_back({attribute(line, "name"), std::strtoul(offset.c_str(), nullptr, 10) / 8});
     offset.clear();
   }
@@ -67,7 +81,9 @@ std::vector<Member> members(const std::string& name) {
 
 std::vector<std::string> names(const std::string& name) {
   std::vector<std::string> found;
-  for (const Member& member : members(name)) found.push_back(member.name);
+  for (const Member& member : members(name)) {
+    found.push_back(member.name);
+  }
   return found;
 }
 

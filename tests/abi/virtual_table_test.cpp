@@ -9,7 +9,7 @@
 #include <set>
 #include <sstream>
 
-#include "tool_output.h"
+#include "tests/abi/tool_output.h"
 
 namespace {
 
@@ -35,8 +35,12 @@ std::multimap<std::string, Symbol> symbols() {
   for (const std::string& line : lines_of(std::string("readelf -sW ") + LIBRARY)) {
     std::istringstream words(line);
     std::string number, value, size, type, bind, visibility, section, name;
-    if (!(words >> number >> value >> size >> type >> bind >> visibility >> section >> name)) continue;
-    if (section == "UND" || number.back() != ':' || !std::isxdigit(value.front())) continue;
+    if (!(words >> number >> value >> size >> type >> bind >> visibility >> section >> name)) {
+      continue;
+    }
+    if (section == "UND" || number.back() != ':' || !std::isxdigit(value.front())) {
+      continue;
+    }
     found.insert({name, {std::strtoul(value.c_str(), nullptr, 16), std::strtoul(size.c_str(), nullptr, 0)}});
   }
   return found;
@@ -48,12 +52,16 @@ using Names = std::set<std::string>;
 /// Names of what the library's relocations put at each address.
 std::map<unsigned long, Names> relocation_targets() {
   std::map<unsigned long, Names> names_at;
-  for (const auto& [name, symbol] : symbols()) names_at[symbol.address].insert(name);
+  for (const auto& [name, symbol] : symbols()) {
+    names_at[symbol.address].insert(name);
+  }
   std::map<unsigned long, Names> targets;
   for (const std::string& line : lines_of(std::string("readelf -rW ") + LIBRARY)) {
     std::istringstream words(line);
     std::string offset, info, type, target, name;
-    if (!(words >> offset >> info >> type >> target) || !std::isxdigit(offset.front())) continue;
+    if (!(words >> offset >> info >> type >> target) || !std::isxdigit(offset.front())) {
+      continue;
+    }
     const bool by_name = static_cast<bool>(words >> name);
     targets[std::strtoul(offset.c_str(), nullptr, 16)] =
         by_name ? Names{name} : names_at[std::strtoul(target.c_str(), nullptr, 16)];
@@ -65,7 +73,9 @@ std::map<unsigned long, Names> relocation_targets() {
 std::vector<Names> slots(const std::string& table) {
   const auto all = symbols();
   const auto found = all.find(table);
-  if (found == all.end()) throw std::runtime_error("no symbol " + table);
+  if (found == all.end()) {
+    throw std::runtime_error("no symbol " + table);
+  }
   const auto targets = relocation_targets();
   std::vector<Names> operations;
   const auto [begin, size] = found->second;
@@ -133,16 +143,20 @@ const char* const OPERATIONS[] = {"HARDWARE::GetVersionList",
 TEST(VirtualTable, HardwareHasThe49OperationsInTheirBindingOrder) {
   const auto found = slots("_ZTV8HARDWARE");
   ASSERT_EQ(found.size(), std::size(OPERATIONS));
-  for (std::size_t slot = 0; slot < found.size(); ++slot)
+  for (std::size_t slot = 0; slot < found.size(); ++slot) {
     EXPECT_THAT(found[slot], testing::Contains(OPERATIONS[slot])) << "slot " << slot + 1;
+  }
 }
 
 TEST(VirtualTable, TheInterfaceHas43SlotsAndSevenOfThemArePure) {
   const auto operations = slots("_ZTV13BASE_HARDWARE");
   ASSERT_EQ(operations.size(), 43U);
   std::vector<std::size_t> pure;
-  for (std::size_t slot = 0; slot < operations.size(); ++slot)
-    if (operations[slot].begin()->rfind("__cxa_pure_virtual", 0) == 0) pure.push_back(slot + 1);
+  for (std::size_t slot = 0; slot < operations.size(); ++slot) {
+    if (operations[slot].begin()->rfind("__cxa_pure_virtual", 0) == 0) {
+      pure.push_back(slot + 1);
+    }
+  }
   EXPECT_THAT(pure, testing::ElementsAre(9, 10, 11, 12, 13, 14, 15));
 }
 
@@ -150,8 +164,11 @@ TEST(VirtualTable, TheHandheldLayerAddsSixPureSlotsAndMakesTheVersionListPureAga
   const auto operations = slots("_ZTV17Handheld_Hardware");
   ASSERT_EQ(operations.size(), 49U);
   std::vector<std::size_t> pure;
-  for (std::size_t slot = 0; slot < operations.size(); ++slot)
-    if (operations[slot].begin()->rfind("__cxa_pure_virtual", 0) == 0) pure.push_back(slot + 1);
+  for (std::size_t slot = 0; slot < operations.size(); ++slot) {
+    if (operations[slot].begin()->rfind("__cxa_pure_virtual", 0) == 0) {
+      pure.push_back(slot + 1);
+    }
+  }
   EXPECT_THAT(pure, testing::ElementsAre(1, 44, 45, 46, 47, 48, 49));
 }
 

@@ -1,6 +1,6 @@
-#include <fake_radalt.h>
+#include "tests/doubles/fake_radalt.h"
 
-#include "board_side.h"
+#include "tests/contract/board_side.h"
 
 namespace contract {
 namespace {

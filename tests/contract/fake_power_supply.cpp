@@ -1,6 +1,6 @@
-#include <fake_psdriver.h>
+#include "tests/doubles/fake_psdriver.h"
 
-#include "power_supply_side.h"
+#include "tests/contract/power_supply_side.h"
 
 namespace contract {
 namespace {

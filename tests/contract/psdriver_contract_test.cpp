@@ -3,8 +3,8 @@
 
 #include <thread>
 
-#include "heard.h"
-#include "power_supply_side.h"
+#include "tests/contract/power_supply_side.h"
+#include "tests/doubles/heard.h"
 
 // What the power-supply driver promises, whichever controller is behind it.
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <radalt.h>
 
-#include "board_side.h"
+#include "tests/contract/board_side.h"
 
 // What the board driver promises, whichever board is behind it.
 namespace {

@@ -1,5 +1,5 @@
-#include "power_supply_side.h"
-#include "simulated_unit.h"
+#include "tests/contract/power_supply_side.h"
+#include "tests/contract/simulated_unit.h"
 
 namespace contract {
 namespace {

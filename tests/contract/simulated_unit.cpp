@@ -1,4 +1,4 @@
-#include "simulated_unit.h"
+#include "tests/contract/simulated_unit.h"
 
 #include <stdlib.h>
 

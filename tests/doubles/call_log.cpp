@@ -1,4 +1,4 @@
-#include "call_log.h"
+#include "tests/doubles/call_log.h"
 
 #include <algorithm>
 #include <chrono>
@@ -18,8 +18,11 @@ std::vector<std::string> CallLog::all() const {
 
 std::vector<std::string> CallLog::starting_with(const std::string& prefix) const {
   std::vector<std::string> matching;
-  for (const std::string& call : all())
-    if (call.compare(0, prefix.size(), prefix) == 0) matching.push_back(call);
+  for (const std::string& call : all()) {
+    if (call.compare(0, prefix.size(), prefix) == 0) {
+      matching.push_back(call);
+    }
+  }
   return matching;
 }
 

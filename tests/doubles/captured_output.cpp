@@ -1,4 +1,4 @@
-#include "captured_output.h"
+#include "tests/doubles/captured_output.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -44,8 +44,9 @@ std::string CapturedOutput::written(const Stream& stream) {
   std::string text;
   std::array<char, 4096> part{};
   ssize_t length = 0;
-  while ((length = pread(stream.taken, part.data(), part.size(), static_cast<off_t>(text.size()))) > 0)
+  while ((length = pread(stream.taken, part.data(), part.size(), static_cast<off_t>(text.size()))) > 0) {
     text.append(part.data(), static_cast<std::size_t>(length));
+  }
   return text;
 }
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "dds_stand_ins.h"
+#include "tests/doubles/dds_stand_ins.h"
 
 namespace doubles {
 
@@ -31,7 +31,9 @@ public:
   void made_with(ListenerPtr listener, DDS::StatusMask mask) {
     const std::lock_guard<std::mutex> lock(mutex);
     masks.insert(mask);
-    if (!CORBA::is_nil(listener)) listeners_given = true;
+    if (!CORBA::is_nil(listener)) {
+      listeners_given = true;
+    }
   }
 
   std::mutex mutex;
@@ -51,9 +53,13 @@ private:
     {
       const std::lock_guard<std::mutex> lock(mutex);
       const auto found = actions.find(step);
-      if (found != actions.end()) action = found->second;
+      if (found != actions.end()) {
+        action = found->second;
+      }
     }
-    if (action) action();
+    if (action) {
+      action();
+    }
   }
 };
 

@@ -8,7 +8,7 @@
 #include <set>
 #include <string>
 
-#include "call_log.h"
+#include "tests/doubles/call_log.h"
 #include "varnok_attributes.h"
 #include "varnok_dds.h"
 

@@ -1,4 +1,4 @@
-#include "failing_allocation.h"
+#include "tests/doubles/failing_allocation.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -20,13 +20,17 @@ void* allocate(std::size_t size) {
     throw std::bad_alloc();
   }
   void* const memory = std::malloc(size > 0 ? size : 1);
-  if (!memory) throw std::bad_alloc();
+  if (!memory) {
+    throw std::bad_alloc();
+  }
   ++living;
   return memory;
 }
 
 void release(void* memory) {
-  if (memory) --living;
+  if (memory) {
+    --living;
+  }
   std::free(memory);
 }
 

@@ -1,4 +1,4 @@
-#include "fake_clock.h"
+#include "tests/doubles/fake_clock.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -33,6 +33,8 @@ extern "C" std::time_t time(std::time_t* seconds) noexcept {
     clock_gettime(CLOCK_REALTIME, &clock);
     now = clock.tv_sec;
   }
-  if (seconds) *seconds = now;
+  if (seconds) {
+    *seconds = now;
+  }
   return now;
 }

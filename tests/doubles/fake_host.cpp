@@ -1,4 +1,4 @@
-#include "base_hardware.h"
+#include "base/base_hardware.h"
 
 /// What the host process defines.
 BASE_HARDWARE* Hardware = nullptr;

@@ -1,4 +1,4 @@
-#include "fake_psdriver.h"
+#include "tests/doubles/fake_psdriver.h"
 
 #include <utility>
 
@@ -9,7 +9,9 @@ namespace {
 FakePsdriver* driver = nullptr;
 
 FakePsdriver& living_driver() {
-  if (!driver) throw psdriverError("no driver");
+  if (!driver) {
+    throw psdriverError("no driver");
+  }
   return *driver;
 }
 
@@ -109,11 +111,17 @@ void FakePsdriver::operation(const std::string& name, const std::string& logged)
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto failing = failing_.find(name);
-    if (failing != failing_.end() && failing->second > 0 && --failing->second == 0) throw psdriverError(name);
+    if (failing != failing_.end() && failing->second > 0 && --failing->second == 0) {
+      throw psdriverError(name);
+    }
     const auto found = actions_.find(name);
-    if (found != actions_.end()) action = found->second;
+    if (found != actions_.end()) {
+      action = found->second;
+    }
   }
-  if (action) action();
+  if (action) {
+    action();
+  }
 }
 
 void FakePsdriver::registration(const std::string& name, psdriver::Callback function) {
@@ -125,16 +133,21 @@ void FakePsdriver::registration(const std::string& name, psdriver::Callback func
 void FakePsdriver::request(const std::string& name, const std::string& answered_through) {
   operation(name, name);
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (silent_.count(name) != 0) return;
+  if (silent_.count(name) != 0) {
+    return;
+  }
   const Reply reply{registered_[answered_through], answers_[name]};
-  if (holding_)
+  if (holding_) {
     held_.push_back(reply);
-  else
+  } else {
     queue(reply);
+  }
 }
 
 void FakePsdriver::queue(const Reply& reply) {
-  if (!reply.function) return;
+  if (!reply.function) {
+    return;
+  }
   queued_.push_back(reply);
   changed_.notify_all();
 }
@@ -143,7 +156,9 @@ void FakePsdriver::serve() {
   std::unique_lock<std::mutex> lock(mutex_);
   for (;;) {
     changed_.wait(lock, [this] { return ending_ || !queued_.empty(); });
-    if (ending_) return;
+    if (ending_) {
+      return;
+    }
     const Reply reply = queued_.front();
     queued_.pop_front();
     delivering_ = true;

@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
-#include "call_log.h"
 #include "psdriver.h"
+#include "tests/doubles/call_log.h"
 
 namespace doubles {
 

@@ -1,4 +1,4 @@
-#include "fake_radalt.h"
+#include "tests/doubles/fake_radalt.h"
 
 #include <limits>
 #include <string>
@@ -118,8 +118,12 @@ unsigned int FakeRadalt::next_value(const Register& at) {
     script.pop_front();
     return value;
   }
-  if (at != RF_REQUEST) return registers_[at];
-  if (reads_left_ == 0) return 0;
+  if (at != RF_REQUEST) {
+    return registers_[at];
+  }
+  if (reads_left_ == 0) {
+    return 0;
+  }
   --reads_left_;
   return pending_bit_;
 }
@@ -129,7 +133,9 @@ int FakeRadalt::write(int handle, unsigned int space, unsigned int address, unsi
   calls().record(numbers("write", space, address) + " " + std::to_string(value));
   access_times_.push_back(std::chrono::system_clock::now());
   handles_.insert(handle);
-  if (write_status_ != 0) return write_status_;
+  if (write_status_ != 0) {
+    return write_status_;
+  }
   registers_[{space, address}] = value;
   if (Register(space, address) == RF_REQUEST) {
     pending_bit_ = 1U << ((value - FIRST_RF_REGISTER) / 4);

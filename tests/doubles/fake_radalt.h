@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "call_log.h"
+#include "tests/doubles/call_log.h"
 
 namespace doubles {
 

@@ -1,4 +1,4 @@
-#include "fake_services.h"
+#include "tests/doubles/fake_services.h"
 
 #include <map>
 #include <mutex>
@@ -6,7 +6,7 @@
 
 #include <dcps/orb_start.h>
 
-#include "fake_varnok.h"
+#include "tests/doubles/fake_varnok.h"
 
 namespace doubles {
 
@@ -32,9 +32,13 @@ struct Orders {
     {
       const std::lock_guard<std::mutex> lock(mutex);
       const auto found = actions.find(operation);
-      if (found != actions.end()) action = found->second;
+      if (found != actions.end()) {
+        action = found->second;
+      }
     }
-    if (action) action();
+    if (action) {
+      action();
+    }
   }
 
   std::mutex mutex;
@@ -78,7 +82,9 @@ public:
 
   Varnok::EverybodyEng::Shutdown_ptr GetShutdown() override {
     orders_.begin("GetShutdown", "GetShutdown");
-    if (orders_.without_shutdown_interface) return Varnok::EverybodyEng::Shutdown::_nil();
+    if (orders_.without_shutdown_interface) {
+      return Varnok::EverybodyEng::Shutdown::_nil();
+    }
     return shutdown_->_this();
   }
 

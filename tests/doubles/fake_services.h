@@ -4,10 +4,10 @@
 #include <memory>
 #include <string>
 
-#include "call_log.h"
 #include "everybody_engineS.h"
 #include "gui_managerS.h"
 #include "hw_enumerateS.h"
+#include "tests/doubles/call_log.h"
 
 namespace doubles {
 

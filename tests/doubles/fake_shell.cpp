@@ -1,4 +1,4 @@
-#include "fake_shell.h"
+#include "tests/doubles/fake_shell.h"
 
 #include <dlfcn.h>
 
@@ -28,7 +28,9 @@ FakeShell::~FakeShell() {
 
 extern "C" int system(const char* command) {
   doubles::calls().record(std::string("system ") + command);
-  if (doubles::current_action()) return doubles::current_action()(command);
+  if (doubles::current_action()) {
+    return doubles::current_action()(command);
+  }
   using System = int (*)(const char*);
   static const auto real = reinterpret_cast<System>(dlsym(RTLD_NEXT, "system"));
   return real(command);

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "call_log.h"
+#include "tests/doubles/call_log.h"
 
 /// The C library's system(), played: it records "system <command>". Linking this double replaces the function for the
 /// whole program.

@@ -1,4 +1,4 @@
-#include "fake_varnok.h"
+#include "tests/doubles/fake_varnok.h"
 
 #include <dcps/dds_start.h>
 #include <unistd.h>
@@ -147,7 +147,9 @@ const DDS_Context& DDS_BaseObj::DdsBase() const {
   auto& one = framework();
   const std::lock_guard<std::mutex> lock(one.mutex);
   const bool unset = CORBA::is_nil(one.context.participant) && !one.participant_replaced;
-  if (unset) one.context.participant = doubles::real_participant();
+  if (unset) {
+    one.context.participant = doubles::real_participant();
+  }
   return one.context;
 }
 
@@ -164,7 +166,9 @@ void EngineEventMessage_i::SendEventMessage(const Event::Message& message) {
     const std::lock_guard<std::mutex> lock(one.mutex);
     action = one.in_sends;
   }
-  if (action) action();
+  if (action) {
+    action();
+  }
   const std::lock_guard<std::mutex> lock(one.mutex);
   one.events.push_back(
       {source, message.category, text, message.severity, message.flags, message.code, message.timestamp, this});
@@ -180,7 +184,9 @@ Locker::~Locker() {
 }
 
 void Locker::Init_core() const {
-  if (core_) return;
+  if (core_) {
+    return;
+  }
   doubles::calls().record("make locker core");
   auto& one = framework();
   const std::lock_guard<std::mutex> lock(one.mutex);
@@ -214,17 +220,23 @@ void ORB_wrapper_base::LookupClient(std::vector<ClientInfo>& clients) {
   auto& one = framework();
   for (ClientInfo& client : clients) {
     std::string path;
-    for (const std::string& name : client.path) path += (path.empty() ? "" : "/") + name;
+    for (const std::string& name : client.path) {
+      path += (path.empty() ? "" : "/") + name;
+    }
     doubles::calls().record("lookup " + path);
     std::function<void()> action;
     {
       const std::lock_guard<std::mutex> lock(one.mutex);
       action = one.in_lookups[path];
     }
-    if (action) action();
+    if (action) {
+      action();
+    }
     const std::lock_guard<std::mutex> lock(one.mutex);
     const auto bound = one.services.find(path);
-    if (bound == one.services.end()) throw CORBA::OBJECT_NOT_EXIST();
+    if (bound == one.services.end()) {
+      throw CORBA::OBJECT_NOT_EXIST();
+    }
     found_->objects.push_back(bound->second);
     client.object = found_->objects.back().in();
   }

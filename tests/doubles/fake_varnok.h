@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "call_log.h"
 #include "orb_wrapper.h"
+#include "tests/doubles/call_log.h"
 #include "varnok_dds.h"
 #include "varnok_events.h"
 #include "varnok_locker.h"

@@ -21,7 +21,9 @@ inline void remove_file(const std::filesystem::path& path) {
 /// The file's whole text; "(missing)" where there is none.
 inline std::string file_text(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) return "(missing)";
+  if (!file) {
+    return "(missing)";
+  }
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 

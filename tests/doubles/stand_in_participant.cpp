@@ -1,5 +1,5 @@
-#include "dds_stand_in_state.h"
-#include "fake_varnok.h"
+#include "tests/doubles/dds_stand_in_state.h"
+#include "tests/doubles/fake_varnok.h"
 
 namespace doubles {
 
@@ -15,7 +15,9 @@ public:
   DDS::Publisher_ptr create_publisher(const DDS::PublisherQos& qos, DDS::PublisherListener_ptr listener,
                                       DDS::StatusMask mask) override {
     state_->made_with(listener, mask);
-    if (!state_->begin("create_publisher")) return DDS::Publisher::_nil();
+    if (!state_->begin("create_publisher")) {
+      return DDS::Publisher::_nil();
+    }
     return new_stand_in_publisher(state_, real_->create_publisher(qos, listener, mask));
   }
   DDS::ReturnCode_t delete_publisher(DDS::Publisher_ptr publisher) override {
@@ -25,7 +27,9 @@ public:
   DDS::Subscriber_ptr create_subscriber(const DDS::SubscriberQos& qos, DDS::SubscriberListener_ptr listener,
                                         DDS::StatusMask mask) override {
     state_->made_with(listener, mask);
-    if (!state_->begin("create_subscriber")) return DDS::Subscriber::_nil();
+    if (!state_->begin("create_subscriber")) {
+      return DDS::Subscriber::_nil();
+    }
     return new_stand_in_subscriber(state_, real_->create_subscriber(qos, listener, mask));
   }
   DDS::ReturnCode_t delete_subscriber(DDS::Subscriber_ptr subscriber) override {
@@ -35,7 +39,9 @@ public:
   DDS::Topic_ptr create_topic(const char* name, const char* type, const DDS::TopicQos& qos,
                               DDS::TopicListener_ptr listener, DDS::StatusMask mask) override {
     state_->made_with(listener, mask);
-    if (!state_->begin("create_topic", std::string(" ") + name + " " + type)) return DDS::Topic::_nil();
+    if (!state_->begin("create_topic", std::string(" ") + name + " " + type)) {
+      return DDS::Topic::_nil();
+    }
     return real_->create_topic(name, type, qos, listener, mask);
   }
   DDS::ReturnCode_t delete_topic(DDS::Topic_ptr topic) override {

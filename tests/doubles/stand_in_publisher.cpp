@@ -1,4 +1,4 @@
-#include "dds_stand_in_state.h"
+#include "tests/doubles/dds_stand_in_state.h"
 
 namespace doubles {
 
@@ -43,7 +43,9 @@ public:
     return typed_->unregister_instance(sample, handle);
   }
   DDS::ReturnCode_t write(const Boolean::Sample& sample, DDS::InstanceHandle_t handle) override {
-    if (!state_->begin("write", " " + text_of(sample) + " " + std::to_string(handle))) return DDS::RETCODE_ERROR;
+    if (!state_->begin("write", " " + text_of(sample) + " " + std::to_string(handle))) {
+      return DDS::RETCODE_ERROR;
+    }
     return typed_->write(sample, handle);
   }
   DDS::ReturnCode_t dispose(const Boolean::Sample& sample, DDS::InstanceHandle_t handle) override {
@@ -75,13 +77,19 @@ public:
       const std::lock_guard<std::mutex> lock(state_->mutex);
       state_->writer_qos = qos;
     }
-    if (!state_->begin("create_datawriter")) return DDS::DataWriter::_nil();
+    if (!state_->begin("create_datawriter")) {
+      return DDS::DataWriter::_nil();
+    }
     DDS::DataWriter_ptr const writer = real_->create_datawriter(topic, qos, listener, mask);
-    if (state_->is_refused("narrow_writer")) return new StandInWriter<DDS::DataWriter>(state_, writer);
+    if (state_->is_refused("narrow_writer")) {
+      return new StandInWriter<DDS::DataWriter>(state_, writer);
+    }
     return new StandInBooleanWriter(state_, writer);
   }
   DDS::ReturnCode_t get_default_datawriter_qos(DDS::DataWriterQos& qos) override {
-    if (!state_->begin("get_default_datawriter_qos")) return DDS::RETCODE_ERROR;
+    if (!state_->begin("get_default_datawriter_qos")) {
+      return DDS::RETCODE_ERROR;
+    }
     return real_->get_default_datawriter_qos(qos);
   }
   DDS::ReturnCode_t delete_contained_entities() override {

@@ -1,4 +1,4 @@
-#include "dds_stand_in_state.h"
+#include "tests/doubles/dds_stand_in_state.h"
 
 namespace doubles {
 
@@ -22,13 +22,17 @@ public:
       state_->reader_qos = qos;
       state_->reader_listener = DDS::DataReaderListener::_duplicate(listener);
     }
-    if (!state_->begin("create_datareader")) return DDS::DataReader::_nil();
+    if (!state_->begin("create_datareader")) {
+      return DDS::DataReader::_nil();
+    }
     DDS::DataReader_ptr const reader = real_->create_datareader(topic, qos, listener, mask);
     state_->end("create_datareader");
     return reader;
   }
   DDS::ReturnCode_t get_default_datareader_qos(DDS::DataReaderQos& qos) override {
-    if (!state_->begin("get_default_datareader_qos")) return DDS::RETCODE_ERROR;
+    if (!state_->begin("get_default_datareader_qos")) {
+      return DDS::RETCODE_ERROR;
+    }
     return real_->get_default_datareader_qos(qos);
   }
   DDS::ReturnCode_t delete_contained_entities() override {

@@ -1,4 +1,4 @@
-#include "command_line.h"
+#include "tests/system/command_line.h"
 
 #include <fcntl.h>
 #include <signal.h>

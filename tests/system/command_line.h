@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 namespace system_test {
 

@@ -2,7 +2,7 @@
 
 #include <signal.h>
 
-#include "command_line.h"
+#include "tests/system/command_line.h"
 
 namespace {
 

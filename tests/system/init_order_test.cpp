@@ -1,6 +1,6 @@
 // The library linked in every order of its three layers: what the hardware object needs is alive when it is made.
 
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 namespace {
 

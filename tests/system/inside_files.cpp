@@ -1,4 +1,4 @@
-#include "inside_files.h"
+#include "tests/system/inside_files.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>

@@ -6,7 +6,7 @@
 
 #include <fstream>
 
-#include "command_line.h"
+#include "tests/system/command_line.h"
 
 namespace {
 

@@ -20,7 +20,7 @@
 #include <string>
 #include <typeinfo>
 
-#include "base_hardware.h"
+#include "base/base_hardware.h"
 #include "varnok_attributes.h"
 #include "varnok_dds.h"
 

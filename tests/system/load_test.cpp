@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 namespace {
 

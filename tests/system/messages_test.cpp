@@ -1,6 +1,6 @@
 // The library's two topics, with the rest of the unit in processes of its own.
 
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 namespace {
 

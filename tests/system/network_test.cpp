@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 namespace {
 

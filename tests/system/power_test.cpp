@@ -1,6 +1,6 @@
 // Battery, charger and brightness of the real library against the simulated controller.
 
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 namespace {
 

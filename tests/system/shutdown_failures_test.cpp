@@ -1,7 +1,7 @@
 // A shutdown whose services are missing, of another interface, slow, dying or throwing: the unit is shut down all the
 // same.
 
-#include "shutdown_fixture.h"
+#include "tests/system/shutdown_fixture.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 namespace system_test {
 

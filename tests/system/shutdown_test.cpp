@@ -3,7 +3,7 @@
 
 #include <sys/stat.h>
 
-#include "shutdown_fixture.h"
+#include "tests/system/shutdown_fixture.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The temperature list of the real library against the unit's sensors, files and commands.
 
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 namespace {
 

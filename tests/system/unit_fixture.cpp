@@ -1,4 +1,4 @@
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -12,8 +12,8 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "inside_files.h"
 #include "simulator/model/settings.h"
+#include "tests/system/inside_files.h"
 
 namespace system_test {
 namespace {

@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "inside_files.h"
-#include "unit_fixture.h"
+#include "tests/system/inside_files.h"
+#include "tests/system/unit_fixture.h"
 
 namespace system_test {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <signal.h>
 
-#include "unit_fixture.h"
+#include "tests/system/unit_fixture.h"
 
 namespace {
 

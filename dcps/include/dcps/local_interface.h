@@ -22,10 +22,14 @@ struct ReferenceHelper {
   static Interface* _nil() { return nullptr; }
   static bool is_nil(Interface* reference) { return reference == nullptr; }
   static void duplicate(Interface* reference) {
-    if (reference != nullptr) reference->_add_ref();
+    if (reference != nullptr) {
+      reference->_add_ref();
+    }
   }
   static void release(Interface* reference) {
-    if (reference != nullptr) reference->_remove_ref();
+    if (reference != nullptr) {
+      reference->_remove_ref();
+    }
   }
 };
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "plain_hardware.h"
+#include "tests/unit/base/plain_hardware.h"
 
 namespace {
 

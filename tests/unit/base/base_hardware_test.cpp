@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "plain_hardware.h"
+#include "tests/unit/base/plain_hardware.h"
 #include "varnok_readings.h"
 
 namespace Varnok {

@@ -2,8 +2,8 @@
 
 #include <sstream>
 
-#include "failing_allocation.h"
-#include "plain_hardware.h"
+#include "tests/doubles/failing_allocation.h"
+#include "tests/unit/base/plain_hardware.h"
 
 namespace {
 
@@ -39,7 +39,9 @@ TEST(FansTest, EveryFanStartsUnknown) {
   PlainHardware unit = quiet_unit(5);
   const CapturedOutput output;
   ASSERT_EQ(unit.fan_count(), 5U);
-  for (unsigned int fan = 0; fan < 5; ++fan) EXPECT_EQ(static_cast<int>(unit.GetFanState(fan)), 4) << fan;
+  for (unsigned int fan = 0; fan < 5; ++fan) {
+    EXPECT_EQ(static_cast<int>(unit.GetFanState(fan)), 4) << fan;
+  }
 }
 
 TEST(FansTest, TheLastFanIsAnsweredWithoutTheErrorLine) {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "base_hardware.h"
-#include "captured_output.h"
+#include "base/base_hardware.h"
+#include "tests/doubles/captured_output.h"
 
 /// A unit that provides nothing but what it must: every other operation answers with its default.
 class PlainHardware : public BASE_HARDWARE {

@@ -5,7 +5,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "base_hardware.h"
+#include "base/base_hardware.h"
 
 namespace {
 

@@ -10,13 +10,13 @@
 
 #include <boost/thread/exceptions.hpp>
 
-#include "base_hardware.h"
-#include "captured_output.h"
-#include "failing_allocation.h"
-#include "fake_psdriver.h"
-#include "fake_radalt.h"
-#include "fake_varnok.h"
-#include "hardware.h"
+#include "base/base_hardware.h"
+#include "board/hardware.h"
+#include "tests/doubles/captured_output.h"
+#include "tests/doubles/failing_allocation.h"
+#include "tests/doubles/fake_psdriver.h"
+#include "tests/doubles/fake_radalt.h"
+#include "tests/doubles/fake_varnok.h"
 
 // Each case loads the library in a child process of its own, which ends with _Exit: what it found stands on its
 // standard error and in its exit status.
@@ -29,7 +29,9 @@ bool mutexes_fail = false;
 
 /// The C library's function, which can be told to fail.
 extern "C" int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) noexcept {
-  if (mutexes_fail) return EAGAIN;
+  if (mutexes_fail) {
+    return EAGAIN;
+  }
   using Init = int (*)(pthread_mutex_t*, const pthread_mutexattr_t*);
   static const auto real = reinterpret_cast<Init>(dlsym(RTLD_NEXT, "pthread_mutex_init"));
   return real(mutex, attributes);
@@ -60,7 +62,9 @@ void* load() {
   const auto programs = std::filesystem::read_symlink("/proc/self/exe").parent_path();
   const std::string library = programs / "../../lib/libentry_under_test.so";
   void* const loaded = open(library.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (!loaded) std::cerr << dlerror() << std::endl;
+  if (!loaded) {
+    std::cerr << dlerror() << std::endl;
+  }
   return loaded;
 }
 

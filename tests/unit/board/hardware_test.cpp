@@ -1,5 +1,5 @@
-#include "dds_stand_ins.h"
-#include "unit_under_test.h"
+#include "tests/doubles/dds_stand_ins.h"
+#include "tests/unit/board/unit_under_test.h"
 
 namespace {
 
@@ -31,8 +31,11 @@ protected:
 /// The log without the DDS steps, which go on beside the construction.
 Calls without_dds(const Calls& all) {
   Calls rest;
-  for (const std::string& call : all)
-    if (call.compare(0, 4, "dds ") != 0) rest.push_back(call);
+  for (const std::string& call : all) {
+    if (call.compare(0, 4, "dds ") != 0) {
+      rest.push_back(call);
+    }
+  }
   return rest;
 }
 

@@ -1,4 +1,4 @@
-#include "unit_under_test.h"
+#include "tests/unit/board/unit_under_test.h"
 #include "varnok_errors.h"
 
 namespace {

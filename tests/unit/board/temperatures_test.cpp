@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "unit_under_test.h"
+#include "tests/unit/board/unit_under_test.h"
 
 namespace {
 

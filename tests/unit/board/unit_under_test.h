@@ -4,11 +4,11 @@
 
 #include <memory>
 
-#include "captured_output.h"
-#include "fake_psdriver.h"
-#include "fake_radalt.h"
-#include "fake_varnok.h"
-#include "hardware.h"
+#include "board/hardware.h"
+#include "tests/doubles/captured_output.h"
+#include "tests/doubles/fake_psdriver.h"
+#include "tests/doubles/fake_radalt.h"
+#include "tests/doubles/fake_varnok.h"
 
 /// The radar-altimeter unit, with what only it and its derived classes see.
 class OpenHardware : public HARDWARE {

@@ -1,5 +1,5 @@
-#include "fixed_files.h"
-#include "unit_under_test.h"
+#include "tests/doubles/fixed_files.h"
+#include "tests/unit/board/unit_under_test.h"
 
 namespace {
 
@@ -34,15 +34,20 @@ protected:
   }
   std::string version(const std::string& name) {
     std::string found = "(no row)";
-    for (const VERSIONSDATA& row : list())
-      if (row.name == name) found = row.version;
+    for (const VERSIONSDATA& row : list()) {
+      if (row.name == name) {
+        found = row.version;
+      }
+    }
     return found;
   }
 };
 
 TEST_F(VersionListTest, TheTenRowsStandInTheirOrder) {
   std::vector<std::string> rows;
-  for (const VERSIONSDATA& row : list()) rows.push_back(row.name + " = " + row.version);
+  for (const VERSIONSDATA& row : list()) {
+    rows.push_back(row.name + " = " + row.version);
+  }
   EXPECT_THAT(rows, ElementsAre("RF Card ID = 139047 (5340)", "RF Card Revision = 7", "RF Firmware Version = 1.02.03 ",
                                 "Digital Board Card ID = 90001", "Digital Board Card Revision = 5",
                                 "Digital Board Firmware Version = 2.05.13 ", "Slot 1 Actel PCI FPGA version = 1.2 rev3",

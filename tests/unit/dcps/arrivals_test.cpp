@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "entities.h"
+#include "tests/unit/dcps/entities.h"
 
 namespace dcps_test {
 namespace {
@@ -34,7 +34,9 @@ protected:
   /// The number of the oldest sample; 0: it has no data; -1: there is none.
   CORBA::Long take() {
     Sample sample = numbered(0);
-    if (!arrivals_.take(reader_, &sample, info_)) return -1;
+    if (!arrivals_.take(reader_, &sample, info_)) {
+      return -1;
+    }
     return sample.quality;
   }
 
@@ -68,10 +70,14 @@ TEST_F(ArrivalsTest, AChangeOfStateThatIsASampleAlreadyComesOnce) {
 }
 
 TEST_F(ArrivalsTest, MoreThanOneBatchIsCollectedAtOnce) {
-  for (int i = 1; i <= 8; ++i) write(i);
+  for (int i = 1; i <= 8; ++i) {
+    write(i);
+  }
   dispose();
   arrivals_.collect(reader_);
-  for (int i = 1; i <= 8; ++i) EXPECT_EQ(take(), i);
+  for (int i = 1; i <= 8; ++i) {
+    EXPECT_EQ(take(), i);
+  }
   EXPECT_EQ(take(), 0);
   EXPECT_EQ(take(), -1);
 }

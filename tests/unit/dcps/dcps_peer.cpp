@@ -42,7 +42,9 @@ struct Peer {
 std::unique_ptr<Peer> make_peer(DDS::DomainId_t domain, const std::string& topic_name, const std::string& option) {
   auto peer = std::make_unique<Peer>();
   peer->participant = peer->factory->create_participant(domain, PARTICIPANT_QOS_DEFAULT, nullptr, 0);
-  if (CORBA::is_nil(peer->participant)) throw std::runtime_error("no participant");
+  if (CORBA::is_nil(peer->participant)) {
+    throw std::runtime_error("no participant");
+  }
   const ATTR_BOOLEANTypeSupport_var type = new ATTR_BOOLEANTypeSupportImpl;
   type->register_type(peer->participant, "");
   const CORBA::String_var type_name = type->get_type_name();
@@ -55,7 +57,9 @@ std::unique_ptr<Peer> make_peer(DDS::DomainId_t domain, const std::string& topic
   DDS::DataWriterQos qos;
   peer->publisher->get_default_datawriter_qos(qos);
   qos.durability.kind = DDS::TRANSIENT_LOCAL_DURABILITY_QOS;
-  if (option == "keep-all") qos.history.kind = DDS::KEEP_ALL_HISTORY_QOS;
+  if (option == "keep-all") {
+    qos.history.kind = DDS::KEEP_ALL_HISTORY_QOS;
+  }
   qos.writer_data_lifecycle.autodispose_unregistered_instances = option != "no-autodispose";
   const DDS::DataWriter_var writer = peer->publisher->create_datawriter(topic, qos, nullptr, 0);
   peer->writer = ATTR_BOOLEANDataWriter::_narrow(writer);
@@ -80,9 +84,15 @@ std::string obey(Peer& peer, const std::string& command, int number) {
     }
     return "0";
   }
-  if (command == "dispose") return std::to_string(peer.writer->dispose(peer.sample, DDS::HANDLE_NIL));
-  if (command == "unregister") return std::to_string(peer.writer->unregister_instance(peer.sample, DDS::HANDLE_NIL));
-  if (command == "exit") std::exit(number);
+  if (command == "dispose") {
+    return std::to_string(peer.writer->dispose(peer.sample, DDS::HANDLE_NIL));
+  }
+  if (command == "unregister") {
+    return std::to_string(peer.writer->unregister_instance(peer.sample, DDS::HANDLE_NIL));
+  }
+  if (command == "exit") {
+    std::exit(number);
+  }
   if (command == "leave") {
     peer.participant->delete_contained_entities();
     peer.factory->delete_participant(peer.participant);

@@ -21,7 +21,9 @@ public:
     const ATTR_BOOLEANDataReader_var typed = ATTR_BOOLEANDataReader::_narrow(reader);
     ATTR_BOOLEAN sample{};
     DDS::SampleInfo info{};
-    if (typed->take_next_sample(sample, info) != DDS::RETCODE_OK || !info.valid_data) return;
+    if (typed->take_next_sample(sample, info) != DDS::RETCODE_OK || !info.valid_data) {
+      return;
+    }
     const std::lock_guard lock(mutex_);
     number_ = sample.quality;
     changed_.notify_all();
@@ -52,7 +54,9 @@ public:
 
   int wait_for_number() { return listener_.wait_for_number(); }
   void stop() {
-    if (!start_.joinable()) return;
+    if (!start_.joinable()) {
+      return;
+    }
     start_.join();
     participant_->delete_contained_entities();
     factory_->delete_participant(participant_);

@@ -1,4 +1,4 @@
-#include "entities.h"
+#include "tests/unit/dcps/entities.h"
 
 #include <unistd.h>
 
@@ -56,7 +56,9 @@ DDS::DataReaderQos durable_reader() {
 
 Entities::Entities(DDS::DomainId_t domain) : factory(TheParticipantFactory) {
   participant = factory->create_participant(domain, PARTICIPANT_QOS_DEFAULT, nullptr, ALL);
-  if (CORBA::is_nil(participant)) throw std::runtime_error("no participant");
+  if (CORBA::is_nil(participant)) {
+    throw std::runtime_error("no participant");
+  }
   publisher = participant->create_publisher(PUBLISHER_QOS_DEFAULT, nullptr, ALL);
   subscriber = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, nullptr, ALL);
   const TypeSupport_var type = new TypeSupportImpl;

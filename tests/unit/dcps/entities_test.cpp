@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "entities.h"
-#include "recording_listener.h"
+#include "tests/unit/dcps/entities.h"
+#include "tests/unit/dcps/recording_listener.h"
 
 namespace dcps_test {
 namespace {

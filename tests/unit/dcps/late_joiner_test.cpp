@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include "entities.h"
-#include "peer.h"
-#include "recording_listener.h"
+#include "tests/unit/dcps/entities.h"
+#include "tests/unit/dcps/peer.h"
+#include "tests/unit/dcps/recording_listener.h"
 
 // Two processes.
 namespace dcps_test {
@@ -102,7 +102,9 @@ TEST_F(LateJoinerTest, AReaderMayBeDeletedByItsListenerOnAThreadOfTheEngine) {
   int calls = 0;
   auto* const deleting = new RecordingListener([&] {
     // From its second call on, the listener runs on the receiving thread itself.
-    if (++calls < 3) return;
+    if (++calls < 3) {
+      return;
+    }
     EXPECT_EQ(entities_.subscriber->delete_contained_entities(), DDS::RETCODE_OK);
     EXPECT_EQ(entities_.participant->delete_subscriber(entities_.subscriber), DDS::RETCODE_OK);
     deleted.open();

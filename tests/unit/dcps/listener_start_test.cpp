@@ -3,9 +3,9 @@
 #include <atomic>
 #include <thread>
 
-#include "entities.h"
-#include "peer.h"
-#include "recording_listener.h"
+#include "tests/unit/dcps/entities.h"
+#include "tests/unit/dcps/peer.h"
+#include "tests/unit/dcps/recording_listener.h"
 
 // A listener that waits until the thread that makes its reader has finished, as a subscription's start-up does.
 namespace dcps_test {
@@ -49,7 +49,9 @@ TEST_F(ListenerStartTest, SamplesThatAreThereBeforeTheReaderAreTakenWhileItStart
   ASSERT_EQ(taken.size(), 1U);
   EXPECT_EQ(taken[0].number, 1);
   EXPECT_TRUE(made_.wait_briefly()) << "the waiting listener does not keep its maker in create_datareader";
-  for (int i = 2; i <= 20; ++i) EXPECT_EQ(writer->write(numbered(i), NIL), DDS::RETCODE_OK);
+  for (int i = 2; i <= 20; ++i) {
+    EXPECT_EQ(writer->write(numbered(i), NIL), DDS::RETCODE_OK);
+  }
   EXPECT_EQ(listener_.taken().size(), 1U);
   finish();
   EXPECT_EQ(listener_.wait_for(20).size(), 20U);
@@ -69,8 +71,9 @@ TEST_F(ListenerStartTest, TheEngineGoesOnWhileAListenerWaits) {
   const Reader_var reader = entities_.reader(other_topic, nullptr, durable_reader());
   Sample sample = numbered(-1);
   DDS::SampleInfo info{};
-  for (int i = 0; i < 1000 && reader->take_next_sample(sample, info) != DDS::RETCODE_OK; ++i)
+  for (int i = 0; i < 1000 && reader->take_next_sample(sample, info) != DDS::RETCODE_OK; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
   EXPECT_EQ(sample.quality, 5);
   EXPECT_EQ(entities_.subscriber->delete_datareader(reader), DDS::RETCODE_OK);
   ASSERT_EQ(peer.ask("write-many 3"), "0");
@@ -85,7 +88,9 @@ TEST_F(ListenerStartTest, ManyReadersStartWhileOneListenerWaits) {
   start(durable_reader());
   ASSERT_EQ(listener_.wait_for(1).size(), 1U);
   std::vector<Reader_var> readers;
-  for (int i = 0; i < 10; ++i) readers.emplace_back(entities_.reader(topic_, nullptr, durable_reader()));
+  for (int i = 0; i < 10; ++i) {
+    readers.emplace_back(entities_.reader(topic_, nullptr, durable_reader()));
+  }
   for (const Reader_var& reader : readers) {
     Sample sample = numbered(-1);
     DDS::SampleInfo info{};

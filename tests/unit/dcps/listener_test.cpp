@@ -5,9 +5,9 @@
 #include <set>
 #include <thread>
 
-#include "entities.h"
-#include "peer.h"
-#include "recording_listener.h"
+#include "tests/unit/dcps/entities.h"
+#include "tests/unit/dcps/peer.h"
+#include "tests/unit/dcps/recording_listener.h"
 
 namespace dcps_test {
 namespace {
@@ -31,7 +31,9 @@ TEST_F(ListenerTest, EverySampleIsNotifiedOnce) {
   const Writer_var first = entities.writer(topic_);
   const Writer_var second = entities.writer(topic_);
   const auto write_thousand = [](Writer* writer, int from) {
-    for (int i = 0; i < 1000; ++i) writer->write(numbered(from + i), NIL);
+    for (int i = 0; i < 1000; ++i) {
+      writer->write(numbered(from + i), NIL);
+    }
   };
   std::thread other(write_thousand, second.in(), 1000);
   write_thousand(first, 0);
@@ -40,7 +42,9 @@ TEST_F(ListenerTest, EverySampleIsNotifiedOnce) {
   ASSERT_EQ(taken.size(), 2000U);
   expect_all_taken(taken);
   std::set<CORBA::Long> numbers;
-  for (const auto& one : taken) numbers.insert(one.number);
+  for (const auto& one : taken) {
+    numbers.insert(one.number);
+  }
   EXPECT_EQ(numbers.size(), 2000U);
   EXPECT_EQ(*numbers.begin(), 0);
   EXPECT_EQ(*numbers.rbegin(), 1999);
@@ -58,7 +62,9 @@ TEST_F(ListenerTest, ChangesOfStateAreNotifiedOnceEach) {
   const auto taken = listener.wait_for(400);
   ASSERT_EQ(taken.size(), 400U);
   expect_all_taken(taken);
-  for (std::size_t i = 0; i < 400; ++i) EXPECT_EQ(taken[i].valid, i % 2 == 0) << i;
+  for (std::size_t i = 0; i < 400; ++i) {
+    EXPECT_EQ(taken[i].valid, i % 2 == 0) << i;
+  }
   EXPECT_EQ(taken[399].state, DDS::NOT_ALIVE_DISPOSED_INSTANCE_STATE);
 }
 
@@ -74,7 +80,9 @@ TEST_F(ListenerTest, TheListenerIsNotCalledOnTheWritersThread) {
   writer->dispose(numbered(0), NIL);
   const auto taken = listener.wait_for(21);
   ASSERT_EQ(taken.size(), 21U);
-  for (const auto& one : taken) EXPECT_NE(one.thread, std::this_thread::get_id());
+  for (const auto& one : taken) {
+    EXPECT_NE(one.thread, std::this_thread::get_id());
+  }
 }
 
 TEST_F(ListenerTest, ABlockedListenerHoldsUpNeitherWritersNorOtherWork) {
@@ -89,7 +97,9 @@ TEST_F(ListenerTest, ABlockedListenerHoldsUpNeitherWritersNorOtherWork) {
   const Writer_var writer = entities.writer(topic_);
   writer->write(numbered(0), NIL);
   ASSERT_TRUE(entered.wait_briefly());
-  for (int i = 1; i < 50; ++i) EXPECT_EQ(writer->write(numbered(i), NIL), DDS::RETCODE_OK);
+  for (int i = 1; i < 50; ++i) {
+    EXPECT_EQ(writer->write(numbered(i), NIL), DDS::RETCODE_OK);
+  }
   const Writer_var another = entities.writer(topic_ + "/another");
   const Reader_var its_reader = entities.reader(topic_ + "/another");
   EXPECT_EQ(another->write(numbered(1), NIL), DDS::RETCODE_OK);
@@ -110,7 +120,9 @@ TEST_F(ListenerTest, DeletionWaitsForTheCallUnderWay) {
   Entities entities;
   const Reader_var reader = entities.reader(topic_, &listener);
   const Writer_var writer = entities.writer(topic_);
-  for (int i = 0; i < 10; ++i) writer->write(numbered(i), NIL);
+  for (int i = 0; i < 10; ++i) {
+    writer->write(numbered(i), NIL);
+  }
   ASSERT_TRUE(entered.wait_briefly());
   entities.subscriber->delete_contained_entities();
   EXPECT_TRUE(left);
@@ -135,7 +147,9 @@ TEST_F(ListenerTest, ReadersAreDeletedWhileDataArrive) {
   const Writer_var writer = entities.writer(topic_);
   std::atomic<bool> stop{false};
   std::thread writing([&] {
-    for (int i = 0; !stop; ++i) writer->write(numbered(i), NIL);
+    for (int i = 0; !stop; ++i) {
+      writer->write(numbered(i), NIL);
+    }
   });
   std::size_t taken = 0;
   for (int i = 0; i < 30; ++i) {
@@ -207,8 +221,12 @@ TEST_F(ListenerTest, WhatIsNotInTheMaskIsNotTold) {
 class MatchListener : public QuietListener {
 public:
   void on_subscription_matched(DDS::DataReader_ptr, const DDS::SubscriptionMatchedStatus& status) override {
-    if (status.current_count == 1) matched.open();
-    if (status.current_count == 0) unmatched.open();
+    if (status.current_count == 1) {
+      matched.open();
+    }
+    if (status.current_count == 0) {
+      unmatched.open();
+    }
   }
   Gate matched;
   Gate unmatched;

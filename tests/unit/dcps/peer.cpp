@@ -1,4 +1,4 @@
-#include "peer.h"
+#include "tests/unit/dcps/peer.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -20,11 +20,14 @@ std::string test_folder() {
 Peer::Peer(const std::vector<std::string>& arguments) {
   std::array<int, 2> in{};
   std::array<int, 2> out{};
-  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, in.data()) != 0 || pipe2(out.data(), O_CLOEXEC) != 0)
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, in.data()) != 0 || pipe2(out.data(), O_CLOEXEC) != 0) {
     throw std::runtime_error("no pipe");
+  }
   const std::string program = test_folder() + "/dcps_peer";
   std::vector<char*> command{const_cast<char*>(program.c_str())};
-  for (const std::string& argument : arguments) command.push_back(const_cast<char*>(argument.c_str()));
+  for (const std::string& argument : arguments) {
+    command.push_back(const_cast<char*>(argument.c_str()));
+  }
   command.push_back(nullptr);
   process_ = fork();
   if (process_ == 0) {
@@ -42,7 +45,9 @@ Peer::Peer(const std::vector<std::string>& arguments) {
 Peer::~Peer() {
   close(to_);
   close(from_);
-  if (process_ <= 0) return;
+  if (process_ <= 0) {
+    return;
+  }
   kill(process_, SIGKILL);
   waitpid(process_, nullptr, 0);
 }
@@ -51,7 +56,9 @@ std::string Peer::line() {
   std::string text;
   char character = 0;
   pollfd readable{from_, POLLIN, 0};
-  while (poll(&readable, 1, 20000) == 1 && read(from_, &character, 1) == 1 && character != '\n') text += character;
+  while (poll(&readable, 1, 20000) == 1 && read(from_, &character, 1) == 1 && character != '\n') {
+    text += character;
+  }
   return text;
 }
 

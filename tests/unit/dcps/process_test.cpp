@@ -4,8 +4,8 @@
 
 #include <cstdlib>
 
-#include "entities.h"
-#include "peer.h"
+#include "tests/unit/dcps/entities.h"
+#include "tests/unit/dcps/peer.h"
 
 // How processes begin and end with the engine in use.
 namespace dcps_test {
@@ -49,7 +49,9 @@ TEST(Process, WorksWithoutAnyConfiguration) {
   const std::string saved = before == nullptr ? "" : before;
   unsetenv("CYCLONEDDS_URI");
   Peer peer({std::to_string(own_domain()), own_topic("bare")});
-  if (before != nullptr) setenv("CYCLONEDDS_URI", saved.c_str(), 1);
+  if (before != nullptr) {
+    setenv("CYCLONEDDS_URI", saved.c_str(), 1);
+  }
   EXPECT_EQ(peer.line(), "ready");
   EXPECT_EQ(peer.ask("write 1"), "0");
   EXPECT_EQ(WEXITSTATUS(peer.finish("leave 0")), 0);

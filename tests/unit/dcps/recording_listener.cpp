@@ -1,4 +1,4 @@
-#include "recording_listener.h"
+#include "tests/unit/dcps/recording_listener.h"
 
 namespace dcps_test {
 
@@ -12,7 +12,9 @@ void RecordingListener::on_data_available(DDS::DataReader_ptr reader) {
     taken_.push_back({result, info.valid_data, info.instance_state, sample.quality, std::this_thread::get_id()});
     more_.notify_all();
   }
-  if (after_take_) after_take_();
+  if (after_take_) {
+    after_take_();
+  }
 }
 
 std::vector<RecordingListener::Taken> RecordingListener::wait_for(std::size_t count) {

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "entities.h"
+#include "tests/unit/dcps/entities.h"
 
 namespace dcps_test {
 

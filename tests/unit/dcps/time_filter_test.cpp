@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "entities.h"
-#include "recording_listener.h"
+#include "tests/unit/dcps/entities.h"
+#include "tests/unit/dcps/recording_listener.h"
 
 namespace dcps_test {
 namespace {
@@ -24,7 +24,9 @@ TEST_F(TimeFilterTest, ABestEffortReaderMissesWhatComesTooEarly) {
   const Reader_var reader =
       entities_.reader(topic_, &listener_, separated({3600, 0}, DDS::BEST_EFFORT_RELIABILITY_QOS));
   const Writer_var writer = entities_.writer(topic_);
-  for (int i = 1; i <= 3; ++i) writer->write(numbered(i), DDS::HANDLE_NIL);
+  for (int i = 1; i <= 3; ++i) {
+    writer->write(numbered(i), DDS::HANDLE_NIL);
+  }
   writer->dispose(numbered(3), DDS::HANDLE_NIL);
   const auto taken = listener_.wait_for(2);
   ASSERT_EQ(taken.size(), 2U);
@@ -35,7 +37,9 @@ TEST_F(TimeFilterTest, ABestEffortReaderMissesWhatComesTooEarly) {
 TEST_F(TimeFilterTest, AReliableReaderGetsTheLatestOnceTheTimeIsOver) {
   const Reader_var reader = entities_.reader(topic_, &listener_, separated({2, 0}, DDS::RELIABLE_RELIABILITY_QOS));
   const Writer_var writer = entities_.writer(topic_);
-  for (int i = 1; i <= 5; ++i) writer->write(numbered(i), DDS::HANDLE_NIL);
+  for (int i = 1; i <= 5; ++i) {
+    writer->write(numbered(i), DDS::HANDLE_NIL);
+  }
   const auto taken = listener_.wait_for(2);
   ASSERT_EQ(taken.size(), 2U);
   EXPECT_EQ(taken[0].number, 1);
@@ -45,7 +49,9 @@ TEST_F(TimeFilterTest, AReliableReaderGetsTheLatestOnceTheTimeIsOver) {
 TEST_F(TimeFilterTest, APollingReaderIsFilteredToo) {
   const Reader_var reader = entities_.reader(topic_, nullptr, separated({3600, 0}, DDS::BEST_EFFORT_RELIABILITY_QOS));
   const Writer_var writer = entities_.writer(topic_);
-  for (int i = 1; i <= 3; ++i) writer->write(numbered(i), DDS::HANDLE_NIL);
+  for (int i = 1; i <= 3; ++i) {
+    writer->write(numbered(i), DDS::HANDLE_NIL);
+  }
   Sample sample{};
   DDS::SampleInfo info{};
   EXPECT_EQ(reader->take_next_sample(sample, info), DDS::RETCODE_OK);

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "entities.h"
+#include "tests/unit/dcps/entities.h"
 
 namespace dcps_test {
 namespace {

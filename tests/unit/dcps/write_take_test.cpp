@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "entities.h"
+#include "tests/unit/dcps/entities.h"
 
 namespace dcps_test {
 namespace {
@@ -74,8 +74,12 @@ TEST_F(WriteTakeTest, WithoutDataNothingIsTouched) {
 TEST_F(WriteTakeTest, AReaderThatKeepsAllGetsAllInOrder) {
   const Writer_var writer = entities_.writer(topic_);
   const Reader_var reader = entities_.reader(topic_);
-  for (int i = 0; i < 100; ++i) ASSERT_EQ(writer->write(numbered(i), NIL), DDS::RETCODE_OK);
-  for (int i = 0; i < 100; ++i) expect_number(reader, i);
+  for (int i = 0; i < 100; ++i) {
+    ASSERT_EQ(writer->write(numbered(i), NIL), DDS::RETCODE_OK);
+  }
+  for (int i = 0; i < 100; ++i) {
+    expect_number(reader, i);
+  }
   expect_nothing(reader);
 }
 

@@ -1,6 +1,6 @@
-#include "failing_allocation.h"
-#include "fixed_files.h"
-#include "handheld_under_test.h"
+#include "tests/doubles/failing_allocation.h"
+#include "tests/doubles/fixed_files.h"
+#include "tests/unit/handheld/handheld_under_test.h"
 
 namespace {
 

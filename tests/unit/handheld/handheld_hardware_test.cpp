@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "dds_stand_ins.h"
-#include "handheld_under_test.h"
+#include "tests/doubles/dds_stand_ins.h"
+#include "tests/unit/handheld/handheld_under_test.h"
 #include "varnok_errors.h"
 
 namespace {
@@ -165,8 +165,9 @@ TEST_P(FailingRegistrationTest, EndsTheRegistrationWithOneEvent) {
   EXPECT_THAT(doubles::sent_events(),
               ElementsAre(failure_event("Handheld_Hardware::InitHandheld_Hardware()",
                                         "Power Supply Driver Failure: Initialize Handheld_Hardware")));
-  for (std::size_t kind = 0; kind < REGISTRATIONS.size(); ++kind)
+  for (std::size_t kind = 0; kind < REGISTRATIONS.size(); ++kind) {
     EXPECT_EQ(driver_.registered(REGISTRATIONS[kind]) != nullptr, kind < GetParam()) << REGISTRATIONS[kind];
+  }
   EXPECT_EQ(output_.err(), "");
 }
 

@@ -5,12 +5,12 @@
 #include <memory>
 #include <string>
 
-#include "captured_output.h"
-#include "driver_link.h"
-#include "fake_clock.h"
-#include "fake_psdriver.h"
-#include "fake_varnok.h"
-#include "handheld_hardware.h"
+#include "handheld/driver_link.h"
+#include "handheld/handheld_hardware.h"
+#include "tests/doubles/captured_output.h"
+#include "tests/doubles/fake_clock.h"
+#include "tests/doubles/fake_psdriver.h"
+#include "tests/doubles/fake_varnok.h"
 
 /// The handheld layer on a board that answers at once. What it is asked stands in the log: "rftemp",
 /// "getDigitalBoardTemp <scale>".
@@ -24,13 +24,17 @@ public:
   int read_hw(int, unsigned int, unsigned int, unsigned int*) override { return 0; }
   TEMPERATUREDATA rftemp() override {
     doubles::calls().record("rftemp");
-    if (rf_throws_) throw std::out_of_range("rftemp");
+    if (rf_throws_) {
+      throw std::out_of_range("rftemp");
+    }
     return {41.5F, "RF Temperature"};
   }
   unsigned int get_RFAdc(unsigned int) override { return 0; }
   float getDigitalBoardTemp(float scale) override {
     doubles::calls().record("getDigitalBoardTemp " + std::to_string(scale));
-    if (digital_throws_) throw std::out_of_range("getDigitalBoardTemp");
+    if (digital_throws_) {
+      throw std::out_of_range("getDigitalBoardTemp");
+    }
     return 17.5F;
   }
 
@@ -57,9 +61,10 @@ inline void reset_driver_link() {
   using boost::interprocess::interprocess_semaphore;
   for (interprocess_semaphore* semaphore :
        {&semBatteryStatusIrq, &semBatteryTimeIrq, &semBatteryRunTimeIrq, &semExtVoltStatusIrq, &semPowerSupplyVerIrq,
-        &semPowerSupplyTempIrq, &semBatteryTempIrq})
+        &semPowerSupplyTempIrq, &semBatteryTempIrq}) {
     while (semaphore->try_wait()) {
     }
+  }
   ps_temp = battery_temp = charge_status = batteryRun_time = battery_time = battery_charge = 0;
   ps_ver.str("");
   cover_closed = false;

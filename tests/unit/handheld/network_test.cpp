@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 
-#include "fake_shell.h"
-#include "fixed_files.h"
-#include "handheld_under_test.h"
+#include "tests/doubles/fake_shell.h"
+#include "tests/doubles/fixed_files.h"
+#include "tests/unit/handheld/handheld_under_test.h"
 
 namespace {
 

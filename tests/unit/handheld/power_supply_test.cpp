@@ -7,8 +7,8 @@
 
 #include <boost/interprocess/exceptions.hpp>
 
-#include "dds_stand_ins.h"
-#include "handheld_under_test.h"
+#include "tests/doubles/dds_stand_ins.h"
+#include "tests/unit/handheld/handheld_under_test.h"
 #include "varnok_errors.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "power_switch_under_test.h"
+#include "tests/unit/handheld/power_switch_under_test.h"
 
 namespace {
 

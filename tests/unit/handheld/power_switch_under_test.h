@@ -1,9 +1,9 @@
 #pragma once
 
-#include "fake_services.h"
-#include "fake_shell.h"
-#include "fixed_files.h"
-#include "handheld_under_test.h"
+#include "tests/doubles/fake_services.h"
+#include "tests/doubles/fake_shell.h"
+#include "tests/doubles/fixed_files.h"
+#include "tests/unit/handheld/handheld_under_test.h"
 
 inline const char POWER_FILE[] = "/sys/class/backlight/omap-bl/bl_power";
 inline const char MAXIMUM_FILE[] = "/sys/class/backlight/omap-bl/max_brightness";

@@ -1,7 +1,7 @@
-#include "remote_services.h"
+#include "handheld/remote_services.h"
 
-#include "fake_services.h"
-#include "handheld_under_test.h"
+#include "tests/doubles/fake_services.h"
+#include "tests/unit/handheld/handheld_under_test.h"
 
 namespace {
 

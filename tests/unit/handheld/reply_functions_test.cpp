@@ -3,7 +3,7 @@
 
 #include <boost/interprocess/exceptions.hpp>
 
-#include "handheld_under_test.h"
+#include "tests/unit/handheld/handheld_under_test.h"
 
 namespace {
 
@@ -33,8 +33,9 @@ TEST_P(PlainReplyTest, PostsNoOtherSemaphore) {
   EXPECT_TRUE(GetParam().semaphore->try_wait());
   for (interprocess_semaphore* other :
        {&semBatteryStatusIrq, &semBatteryTimeIrq, &semBatteryRunTimeIrq, &semExtVoltStatusIrq, &semPowerSupplyVerIrq,
-        &semPowerSupplyTempIrq, &semBatteryTempIrq})
+        &semPowerSupplyTempIrq, &semBatteryTempIrq}) {
     EXPECT_FALSE(other->try_wait());
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "failing_allocation.h"
-#include "power_switch_under_test.h"
+#include "tests/doubles/failing_allocation.h"
+#include "tests/unit/handheld/power_switch_under_test.h"
 
 // What a shutdown does when a service is not there, is not what it should be, or fails in mid-call.
 
@@ -25,8 +25,11 @@ protected:
   /// The whole shutdown, less the steps named.
   static Calls without(std::initializer_list<std::string> left_out) {
     Calls steps;
-    for (const std::string& step : whole_shutdown())
-      if (std::find(left_out.begin(), left_out.end(), step) == left_out.end()) steps.push_back(step);
+    for (const std::string& step : whole_shutdown()) {
+      if (std::find(left_out.begin(), left_out.end(), step) == left_out.end()) {
+        steps.push_back(step);
+      }
+    }
     return steps;
   }
 };
@@ -111,7 +114,9 @@ protected:
     for (const std::string& step : whole_shutdown()) {
       const bool missing = std::find(GetParam().missing.begin(), GetParam().missing.end(), step.substr(0, 11)) !=
                            GetParam().missing.end();
-      if (!missing) expected.push_back(step);
+      if (!missing) {
+        expected.push_back(step);
+      }
     }
     EXPECT_EQ(calls().all(), expected);
     EXPECT_EQ(output_.out(), trace(0x140) + PROGRESS);

@@ -5,9 +5,9 @@
 
 #include <limits>
 
-#include "fake_shell.h"
-#include "fixed_files.h"
-#include "handheld_under_test.h"
+#include "tests/doubles/fake_shell.h"
+#include "tests/doubles/fixed_files.h"
+#include "tests/unit/handheld/handheld_under_test.h"
 
 namespace {
 
@@ -47,8 +47,11 @@ protected:
     return texts;
   }
   std::string row(const std::string& name) {
-    for (const std::string& text : rows())
-      if (text.rfind(name + " = ", 0) == 0) return text.substr(name.size() + 3);
+    for (const std::string& text : rows()) {
+      if (text.rfind(name + " = ", 0) == 0) {
+        return text.substr(name.size() + 3);
+      }
+    }
     return "(no row)";
   }
   void tool_prints(const std::string& text) { tool_text_ = text; }
@@ -57,7 +60,9 @@ protected:
   bool tool_writes_ = true;
   int tool_status_ = 0;
   FakeShell shell_{[this](const std::string&) {
-    if (tool_writes_) put_file(MIC284_FILE, tool_text_);
+    if (tool_writes_) {
+      put_file(MIC284_FILE, tool_text_);
+    }
     return tool_status_;
   }};
 };

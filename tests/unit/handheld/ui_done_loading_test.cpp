@@ -1,4 +1,4 @@
-#include "handheld_under_test.h"
+#include "tests/unit/handheld/handheld_under_test.h"
 #include "varnok_attributes.h"
 
 namespace {

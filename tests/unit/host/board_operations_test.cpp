@@ -1,11 +1,11 @@
-#include "board_operations.h"
+#include "host/board_operations.h"
 
 #include <gmock/gmock.h>
 
 #include <string>
 
-#include "fake_hardware.h"
-#include "operation.h"
+#include "host/operation.h"
+#include "tests/unit/host/fake_hardware.h"
 
 namespace host {
 namespace {

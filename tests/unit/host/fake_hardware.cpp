@@ -1,4 +1,4 @@
-#include "fake_hardware.h"
+#include "tests/unit/host/fake_hardware.h"
 
 #include <stdexcept>
 

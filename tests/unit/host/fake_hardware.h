@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "base_hardware.h"
+#include "base/base_hardware.h"
 
 namespace host_test {
 

@@ -1,11 +1,11 @@
-#include "operation.h"
+#include "host/operation.h"
 
 #include <gmock/gmock.h>
 
 #include <set>
 #include <string>
 
-#include "fake_hardware.h"
+#include "tests/unit/host/fake_hardware.h"
 
 namespace host {
 namespace {

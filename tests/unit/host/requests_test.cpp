@@ -1,4 +1,4 @@
-#include "requests.h"
+#include "host/requests.h"
 
 #include <gmock/gmock.h>
 
@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "fake_hardware.h"
+#include "tests/unit/host/fake_hardware.h"
 
 namespace host {
 namespace {

@@ -1,4 +1,4 @@
-#include "server.h"
+#include "host/server.h"
 
 #include <gmock/gmock.h>
 #include <sys/socket.h>

@@ -5,7 +5,7 @@
 
 #include <boost/thread/thread.hpp>
 
-#include "fake_varnok.h"
+#include "tests/doubles/fake_varnok.h"
 #include "varnok_attributes.h"
 
 /// The other side of a topic, on the process's real participant. `Attribute` is a Varnok::DDS_Attribute.
@@ -94,10 +94,11 @@ public:
     for (int tries = 0; tries < 10000 && samples.size() < count; ++tries) {
       typename Attribute::Sample sample{};
       DDS::SampleInfo info{};
-      if (reader_->take_next_sample(sample, info) != DDS::RETCODE_OK)
+      if (reader_->take_next_sample(sample, info) != DDS::RETCODE_OK) {
         boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::milliseconds(1));
-      else if (info.valid_data)
+      } else if (info.valid_data) {
         samples.push_back(sample);
+      }
     }
     return samples;
   }

@@ -1,4 +1,4 @@
-#include "dds_publisher.h"
+#include "messaging/dds_publisher.h"
 
 #include <gmock/gmock.h>
 
@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <type_traits>
 
-#include "attribute_topic.h"
-#include "captured_output.h"
-#include "dds_stand_ins.h"
+#include "tests/doubles/captured_output.h"
+#include "tests/doubles/dds_stand_ins.h"
+#include "tests/unit/messaging/attribute_topic.h"
 
 namespace {
 

@@ -2,11 +2,11 @@
 
 #include <type_traits>
 
-#include "attribute_topic.h"
-#include "captured_output.h"
-#include "dds_stand_ins.h"
-#include "dds_subscriber.h"
-#include "fake_varnok.h"
+#include "messaging/dds_subscriber.h"
+#include "tests/doubles/captured_output.h"
+#include "tests/doubles/dds_stand_ins.h"
+#include "tests/doubles/fake_varnok.h"
+#include "tests/unit/messaging/attribute_topic.h"
 
 namespace {
 
@@ -89,8 +89,9 @@ TEST_F(DdsReaderListenerTest, ANotificationWithoutDataThrows) {
 }
 
 TEST_F(DdsReaderListenerTest, ATakeThatFailsThrows) {
-  for (const DDS::ReturnCode_t result : {DDS::RETCODE_ERROR, DDS::RETCODE_ALREADY_DELETED})
+  for (const DDS::ReturnCode_t result : {DDS::RETCODE_ERROR, DDS::RETCODE_ALREADY_DELETED}) {
     EXPECT_EQ(thrown(result, true, DDS::ALIVE_INSTANCE_STATE), SIGNATURE + " take_next_sample error.");
+  }
   EXPECT_THAT(heard_, IsEmpty());
 }
 
@@ -110,8 +111,9 @@ TEST_F(DdsReaderListenerTest, AnInstanceWithoutWritersIsOneLineOnStandardOutput)
 
 TEST_F(DdsReaderListenerTest, AnyOtherInstanceStateWithoutDataThrows) {
   for (const DDS::InstanceStateKind state :
-       {DDS::ALIVE_INSTANCE_STATE, DDS::InstanceStateKind(0), DDS::InstanceStateKind(6), DDS::InstanceStateKind(8)})
+       {DDS::ALIVE_INSTANCE_STATE, DDS::InstanceStateKind(0), DDS::InstanceStateKind(6), DDS::InstanceStateKind(8)}) {
     EXPECT_EQ(thrown(DDS::RETCODE_OK, false, state), SIGNATURE + " ERROR: received unknown instance state") << state;
+  }
   EXPECT_THAT(heard_, IsEmpty());
   expect_silence();
 }

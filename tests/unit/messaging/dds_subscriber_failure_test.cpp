@@ -3,10 +3,10 @@
 #include <csignal>
 #include <functional>
 
-#include "captured_output.h"
-#include "dds_stand_ins.h"
-#include "dds_subscriber.h"
-#include "fake_varnok.h"
+#include "messaging/dds_subscriber.h"
+#include "tests/doubles/captured_output.h"
+#include "tests/doubles/dds_stand_ins.h"
+#include "tests/doubles/fake_varnok.h"
 
 // A start-up that fails: the text is printed and thrown, and the exception ends the process.
 

@@ -1,4 +1,4 @@
-#include "dds_subscriber.h"
+#include "messaging/dds_subscriber.h"
 
 #include <gmock/gmock.h>
 
@@ -7,9 +7,9 @@
 #include <set>
 #include <thread>
 
-#include "attribute_topic.h"
-#include "captured_output.h"
-#include "dds_stand_ins.h"
+#include "tests/doubles/captured_output.h"
+#include "tests/doubles/dds_stand_ins.h"
+#include "tests/unit/messaging/attribute_topic.h"
 
 namespace {
 
@@ -178,7 +178,9 @@ TEST_F(DdsSubscriberTest, EachSampleCallsTheCallbackOnceOnAThreadOfTheEngine) {
     });
     AttributeWriter<VoidAttribute> writer(TOPIC);
     writer.wait_for_reader();
-    for (int sample = 0; sample < 5; ++sample) EXPECT_EQ(writer.write(), DDS::RETCODE_OK);
+    for (int sample = 0; sample < 5; ++sample) {
+      EXPECT_EQ(writer.write(), DDS::RETCODE_OK);
+    }
     ASSERT_TRUE(calls().wait_for(HEARD, 5));
   }
   EXPECT_EQ(calls().count(HEARD), 5U);
@@ -205,8 +207,9 @@ TEST_F(DdsSubscriberTest, ASampleBeforeTheEndOfStartUpIsTakenAtOnceAndHeardAfter
   auto* const reader = new ScriptedReader(DDS::RETCODE_OK, true, DDS::ALIVE_INSTANCE_STATE);
   const DDS::DataReader_var reference = reader;
   const std::future<void> delivery = std::async(std::launch::async, [&] { listener->on_data_available(reader); });
-  for (int tries = 0; tries < 10000 && reader->takes() == 0; ++tries)
+  for (int tries = 0; tries < 10000 && reader->takes() == 0; ++tries) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
   EXPECT_EQ(reader->takes(), 1U);
   EXPECT_TRUE(goes_on(delivery));
   EXPECT_EQ(calls().count(HEARD), 0U);
@@ -221,7 +224,9 @@ TEST_F(DdsSubscriberTest, SamplesThatArriveWhileStartUpIsHeldUpAreAllHeardAfterw
   const VoidSubscriber subscriber(TOPIC, &hear);
   AttributeWriter<VoidAttribute> writer(TOPIC);
   writer.wait_for_reader();
-  for (int sample = 0; sample < 3; ++sample) EXPECT_EQ(writer.write(), DDS::RETCODE_OK);
+  for (int sample = 0; sample < 3; ++sample) {
+    EXPECT_EQ(writer.write(), DDS::RETCODE_OK);
+  }
   EXPECT_EQ(calls().count(HEARD), 0U);
   gate.open();
   EXPECT_TRUE(calls().wait_for(HEARD, 3));
@@ -274,7 +279,9 @@ TEST_F(DdsSubscriberTest, DestructionWhileDataArrivesEndsTheCallsAndNothingElse)
     writer.wait_for_reader();
     std::atomic<bool> enough{false};
     const std::future<void> writing = std::async(std::launch::async, [&] {
-      while (!enough) writer.write();
+      while (!enough) {
+        writer.write();
+      }
     });
     ASSERT_TRUE(calls().wait_for(HEARD));
     subscriber.reset();
@@ -293,8 +300,9 @@ TEST_F(DdsSubscriberTest, AnInstanceThatAWriterDisposesIsReportedAndNotHeard) {
   writer.write();
   ASSERT_TRUE(calls().wait_for(HEARD));
   EXPECT_EQ(writer.dispose(), DDS::RETCODE_OK);
-  for (int tries = 0; tries < 10000 && output_.out().empty(); ++tries)
+  for (int tries = 0; tries < 10000 && output_.out().empty(); ++tries) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
   EXPECT_EQ(output_.out(), DELIVERY + " instance is disposed\n");
   EXPECT_EQ(calls().count(HEARD), 1U);
 }
@@ -306,8 +314,9 @@ TEST_F(DdsSubscriberTest, AnInstanceThatItsLastWriterLeavesIsReportedAndNotHeard
   writer.write();
   ASSERT_TRUE(calls().wait_for(HEARD));
   EXPECT_EQ(writer.unregister(), DDS::RETCODE_OK);
-  for (int tries = 0; tries < 10000 && output_.out().empty(); ++tries)
+  for (int tries = 0; tries < 10000 && output_.out().empty(); ++tries) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
   EXPECT_EQ(output_.out(), DELIVERY + " instance is unregistered\n");
   EXPECT_EQ(calls().count(HEARD), 1U);
 }

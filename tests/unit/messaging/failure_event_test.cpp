@@ -1,10 +1,10 @@
-#include "failure_event.h"
+#include "messaging/failure_event.h"
 
 #include <gmock/gmock.h>
 
-#include "captured_output.h"
-#include "fake_clock.h"
-#include "fake_varnok.h"
+#include "tests/doubles/captured_output.h"
+#include "tests/doubles/fake_clock.h"
+#include "tests/doubles/fake_varnok.h"
 
 namespace {
 

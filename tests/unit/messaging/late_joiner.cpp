@@ -1,13 +1,17 @@
 #include <iostream>
 
-#include "attribute_topic.h"
+#include "tests/unit/messaging/attribute_topic.h"
 
 /// Joins the topic of that name and prints the first value that it gets.
 int main(int argc, char* argv[]) {
-  if (argc != 2) return 2;
+  if (argc != 2) {
+    return 2;
+  }
   AttributeReader<BooleanAttribute> reader(argv[1]);
   const auto samples = reader.take(1);
-  if (samples.empty()) return 1;
+  if (samples.empty()) {
+    return 1;
+  }
   std::cout << (samples.front().value ? "true" : "false") << std::endl;
   return 0;
 }

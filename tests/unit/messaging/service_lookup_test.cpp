@@ -1,12 +1,12 @@
-#include "service_lookup.h"
+#include "messaging/service_lookup.h"
 
 #include <gmock/gmock.h>
 
 #include <future>
 #include <stdexcept>
 
-#include "fake_services.h"
-#include "fake_varnok.h"
+#include "tests/doubles/fake_services.h"
+#include "tests/doubles/fake_varnok.h"
 
 namespace {
 
@@ -72,9 +72,12 @@ TEST_F(ServiceLookupTest, AServiceOfAnotherTypeIsNil) {
 TEST_F(ServiceLookupTest, SeveralThreadsMayLookUpAtOnce) {
   const unsigned int made = doubles::wrappers_made();
   std::vector<std::future<bool>> lookups;
-  for (int thread = 0; thread < 8; ++thread)
+  for (int thread = 0; thread < 8; ++thread) {
     lookups.push_back(std::async(std::launch::async, [] { return !CORBA::is_nil(FindObject(GUI_PATH)); }));
-  for (std::future<bool>& lookup : lookups) EXPECT_TRUE(lookup.get());
+  }
+  for (std::future<bool>& lookup : lookups) {
+    EXPECT_TRUE(lookup.get());
+  }
   EXPECT_EQ(doubles::wrappers_made(), made + 8);
 }
 

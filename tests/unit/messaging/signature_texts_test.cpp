@@ -1,4 +1,4 @@
-#include "signature_texts.h"
+#include "messaging/signature_texts.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "unit_with_services.h"
+#include "tests/unit/services/unit_with_services.h"
 
 namespace services_test {
 namespace {

@@ -1,6 +1,6 @@
 // The names under which the services are found.
 
-#include "unit_with_services.h"
+#include "tests/unit/services/unit_with_services.h"
 
 namespace services_test {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <future>
 
-#include "unit_with_services.h"
+#include "tests/unit/services/unit_with_services.h"
 
 namespace services_test {
 namespace {

@@ -1,4 +1,4 @@
-#include "unit_with_services.h"
+#include "tests/unit/services/unit_with_services.h"
 
 #include <arpa/inet.h>
 #include <dcps/orb_start.h>

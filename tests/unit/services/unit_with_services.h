@@ -11,11 +11,11 @@
 #include <string>
 #include <vector>
 
-#include "child_process.h"
 #include "everybody_engineC.h"
 #include "gui_managerC.h"
 #include "hw_enumerateC.h"
 #include "simulator/model/unit_model.h"
+#include "tests/unit/services/child_process.h"
 
 namespace services_test {
 

@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "this_unit.h"
+#include "tests/unit/simulator/this_unit.h"
 
 // How processes end that never delete their driver. Each runs in a child process of its own.
 namespace {
@@ -72,7 +72,9 @@ TEST_F(DriverExitTest, NoCallBackBeginsOnceEarlierObjectsAreDestroyed) {
               ThisUnit::get().model().power_supply().interrupts_raised(), std::chrono::seconds(60));
         });
         kept_driver()->SetSwitchInterruptCallback([](int) {
-          if (destroyed) ::_exit(99);
+          if (destroyed) {
+            ::_exit(99);
+          }
         });
         std::exit(8);
       },

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <psdriver.h>
 
-#include "heard.h"
-#include "this_unit.h"
+#include "tests/doubles/heard.h"
+#include "tests/unit/simulator/this_unit.h"
 
 namespace simulator_test {
 

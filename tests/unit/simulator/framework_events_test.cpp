@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <thread>
 
-#include "this_unit.h"
+#include "tests/unit/simulator/this_unit.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <thread>
 
-#include "this_unit.h"
+#include "tests/unit/simulator/this_unit.h"
 
 namespace {
 

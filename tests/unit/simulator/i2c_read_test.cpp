@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "this_unit.h"
+#include "tests/unit/simulator/this_unit.h"
 
 namespace {
 

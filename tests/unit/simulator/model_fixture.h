@@ -5,7 +5,7 @@
 #include "simulator/model/unit_file.h"
 #include "simulator/model/unit_model.h"
 
-#include "temporary_folder.h"
+#include "tests/unit/simulator/temporary_folder.h"
 
 namespace simulator_test {
 

@@ -13,7 +13,7 @@
 #include <dcps/orb_start.h>
 #include <orbsvcs/CosNamingC.h>
 
-#include "temporary_folder.h"
+#include "tests/unit/simulator/temporary_folder.h"
 
 extern char** environ;
 

@@ -7,8 +7,8 @@
 
 #include <cstdlib>
 
-#include "naming_service.h"
-#include "this_unit.h"
+#include "tests/unit/simulator/naming_service.h"
+#include "tests/unit/simulator/this_unit.h"
 
 namespace {
 
@@ -157,7 +157,9 @@ TEST_F(OrbStartTest, WithoutPortALookupThrowsUntilThereIsOne) {
   EXPECT_EXIT(
       {
         for (const char* none : {"", "0", "65536", "port"}) {
-          if (refusal(none) != "INITIALIZE") std::exit(1);
+          if (refusal(none) != "INITIALIZE") {
+            std::exit(1);
+          }
         }
         std::exit(refusal(std::to_string(free_port())) == "TRANSIENT" ? 5 : 1);
       },

@@ -4,7 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "model_fixture.h"
+#include "tests/unit/simulator/model_fixture.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <cerrno>
 
-#include "driver_fixture.h"
+#include "tests/unit/simulator/driver_fixture.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "driver_fixture.h"
+#include "tests/unit/simulator/driver_fixture.h"
 
 namespace {
 
@@ -194,10 +194,14 @@ TEST_F(PsdriverTest, ThreadsMayAskAtTheSameTime) {
   driver_.SetBatteryTemperatureCallback(hear<'e'>);
   driver_.SetCharger_BatteryStatusCallback(hear<'b'>);
   std::thread one([&] {
-    for (int request = 0; request < 200; ++request) driver_.GetBatteryTemperature();
+    for (int request = 0; request < 200; ++request) {
+      driver_.GetBatteryTemperature();
+    }
   });
   std::thread other([&] {
-    for (int request = 0; request < 200; ++request) driver_.GetCharger_BatteryStatus();
+    for (int request = 0; request < 200; ++request) {
+      driver_.GetCharger_BatteryStatus();
+    }
   });
   one.join();
   other.join();

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "this_unit.h"
+#include "tests/unit/simulator/this_unit.h"
 
 namespace {
 

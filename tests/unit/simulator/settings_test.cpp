@@ -4,7 +4,7 @@
 
 #include <set>
 
-#include "model_fixture.h"
+#include "tests/unit/simulator/model_fixture.h"
 
 namespace {
 

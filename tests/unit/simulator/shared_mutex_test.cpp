@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <thread>
 
-#include "model_fixture.h"
+#include "tests/unit/simulator/model_fixture.h"
 
 namespace {
 

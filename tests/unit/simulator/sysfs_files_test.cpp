@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "temporary_folder.h"
+#include "tests/unit/simulator/temporary_folder.h"
 
 namespace {
 

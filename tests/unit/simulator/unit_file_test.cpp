@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "model_fixture.h"
 #include "simulator/model/settings.h"
+#include "tests/unit/simulator/model_fixture.h"
 
 namespace {
 
