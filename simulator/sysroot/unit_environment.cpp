@@ -5,14 +5,17 @@
 namespace simulator::sysroot {
 namespace {
 
-/// Where delivery stays on the loopback interface, every participant has to be named a peer; thirty-two of them find
-/// each other.
+/// Participants announce themselves by multicast on the loopback interface, so that engines with ports of their own
+/// choice (OpenDDS) are found; everything else goes to its receiver directly. An announcement is answered by multicast
+/// too: an engine may read no announcements at the port that it names for the rest of discovery.
 constexpr const char* cyclone_configuration =
     "<CycloneDDS><Domain id=\"any\"><General>"
-    "<Interfaces><NetworkInterface name=\"lo\" multicast=\"false\"/></Interfaces>"
-    "<AllowMulticast>false</AllowMulticast></General>"
+    "<Interfaces><NetworkInterface name=\"lo\" multicast=\"true\"/></Interfaces>"
+    "<AllowMulticast>spdp</AllowMulticast></General>"
     "<Discovery><ParticipantIndex>auto</ParticipantIndex><MaxAutoParticipantIndex>31</MaxAutoParticipantIndex>"
-    "<Peers><Peer address=\"127.0.0.1\"/></Peers></Discovery></Domain></CycloneDDS>";
+    "<Peers><Peer address=\"127.0.0.1\"/></Peers></Discovery>"
+    "<Internal><UnicastResponseToSPDPMessages>false</UnicastResponseToSPDPMessages></Internal>"
+    "</Domain></CycloneDDS>";
 
 /// OpenDDS finds the other processes by multicast on the loopback interface and sends to them directly. With its own
 /// heartbeat and repair times a value that was published before its reader came would take seconds.
