@@ -49,7 +49,7 @@ std::vector<std::pair<std::string, std::string>> environment(const std::vector<s
 }  // namespace
 
 int exec(const ExecOptions& options) {
-  const simulator::model::UnitFile values = load_unit_file(options.unit.unit_file);
+  const simulator::settings::UnitFile values = load_unit_file(options.unit.unit_file);
   RootOptions root_options;
   root_options.build = build_folder();
   root_options.services = options.services;

@@ -7,7 +7,7 @@
 #include <exception>
 #include <memory>
 
-#include "simulator/model/unit_file.h"
+#include "simulator/settings/unit_file.h"
 #include "simulator/sysroot/state_folder.h"
 #include "tool/commands.h"
 #include "tool/errors.h"
@@ -157,7 +157,7 @@ int main(int argc, char** argv) {
     return end.status;
   } catch (const tool::CommandError& error) {
     return complain(error.status, error.what());
-  } catch (const simulator::model::UnitFileError& error) {
+  } catch (const simulator::settings::UnitFileError& error) {
     return complain(tool::STATUS_BAD_USAGE, error.what());
   } catch (const simulator::sysroot::StateFolderError& error) {
     return complain(tool::STATUS_BAD_USAGE, error.what());

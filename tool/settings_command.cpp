@@ -1,4 +1,4 @@
-#include "simulator/model/settings.h"
+#include "simulator/settings/settings.h"
 
 #include <cstdio>
 #include <memory>
@@ -11,9 +11,9 @@ namespace tool {
 namespace {
 
 using nlohmann::ordered_json;
-using simulator::model::Setting;
-using simulator::model::SettingType;
 using simulator::model::UnitModel;
+using simulator::settings::Setting;
+using simulator::settings::SettingType;
 
 const char* name_of(SettingType type) {
   switch (type) {
@@ -67,7 +67,7 @@ template <typename Action>
 auto with_usage_errors(Action action) {
   try {
     return action();
-  } catch (const simulator::model::SettingError& error) {
+  } catch (const simulator::settings::SettingError& error) {
     throw CommandError(STATUS_BAD_USAGE, error.what());
   }
 }
@@ -76,7 +76,7 @@ auto with_usage_errors(Action action) {
 
 void list_settings(const SettingOptions& options) {
   ordered_json rows = ordered_json::array();
-  for (const Setting& setting : simulator::model::settings()) {
+  for (const Setting& setting : simulator::settings::settings()) {
     if (options.json) {
       rows.push_back(describe(setting));
     } else {
@@ -90,7 +90,7 @@ void list_settings(const SettingOptions& options) {
 
 void get_setting(const SettingOptions& options) {
   UnitModel model = options.unit.model();
-  const nlohmann::json value = with_usage_errors([&] { return simulator::model::get_setting(model, options.key); });
+  const nlohmann::json value = with_usage_errors([&] { return simulator::settings::get_setting(model, options.key); });
   if (options.json) {
     std::printf("%s\n", ordered_json{{"name", options.key}, {"value", value}}.dump().c_str());
   } else {
@@ -100,7 +100,7 @@ void get_setting(const SettingOptions& options) {
 
 void set_setting(const SettingOptions& options) {
   UnitModel model = options.unit.model();
-  with_usage_errors([&] { simulator::model::set_setting_from_text(model, options.key, options.value); });
+  with_usage_errors([&] { simulator::settings::set_setting_from_text(model, options.key, options.value); });
 }
 
 }  // namespace tool

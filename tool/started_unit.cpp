@@ -9,15 +9,15 @@
 #include <cerrno>
 #include <cstring>
 
-#include "simulator/model/unit_file.h"
+#include "simulator/settings/unit_file.h"
 #include "simulator/sysroot/user_namespaces.h"
 #include "tool/errors.h"
 
 namespace tool {
 namespace fs = std::filesystem;
 
-using simulator::model::UnitFile;
 using simulator::model::UnitModel;
+using simulator::settings::UnitFile;
 using simulator::sysroot::RootOptions;
 using simulator::sysroot::StateFolder;
 

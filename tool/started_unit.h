@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "simulator/model/unit_model.h"
+#include "simulator/settings/unit_file.h"
 #include "simulator/sysroot/private_root.h"
 #include "simulator/sysroot/state_folder.h"
 #include "tool/host_client.h"
@@ -32,7 +33,7 @@ std::string seen_inside(const std::string& path);
 /// (but for the unit's own), TZ and TERM.
 std::vector<std::pair<std::string, std::string>> passed_environment();
 /// The chosen unit file's values. Throws UnitFileError.
-simulator::model::UnitFile load_unit_file(const std::string& path);
+simulator::settings::UnitFile load_unit_file(const std::string& path);
 /// The chosen state folder. Throws StateFolderError.
 simulator::sysroot::StateFolder make_state(const std::string& path);
 /// Throws CommandError where this machine gives no private root.

@@ -8,6 +8,8 @@
 #include <cstring>
 #include <exception>
 
+#include "simulator/model/json_text.h"
+
 namespace {
 
 using simulator::model::Fault;

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulator/model/call_record.h"
+#include "simulator/model/json_text.h"
 #include "simulator/model/unit_model.h"
 
 namespace Varnok {

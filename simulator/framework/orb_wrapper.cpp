@@ -8,7 +8,7 @@
 #include <mutex>
 
 #include "simulator/framework/crossing.h"
-#include "simulator/model/call_record.h"
+#include "simulator/model/json_text.h"
 
 namespace {
 

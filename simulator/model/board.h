@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "simulator/model/shared_mutex.h"
+#include "simulator/memory/shared_mutex.h"
 
 namespace simulator::model {
 
@@ -51,7 +51,7 @@ public:
   std::int32_t handle() const noexcept { return handle_.load(std::memory_order_relaxed); }
 
   /// The board lock. The holder is a thread; its death gives the lock to the next taker.
-  SharedMutex& lock() noexcept { return lock_; }
+  memory::SharedMutex& lock() noexcept { return lock_; }
 
 private:
   static constexpr std::size_t CAPACITY = 8192;
@@ -71,7 +71,7 @@ private:
   void latch(std::size_t index) noexcept;
   bool adc_addressed() const noexcept;
 
-  SharedMutex lock_{SharedMutex::Kind::CHECKED};
+  memory::SharedMutex lock_{memory::SharedMutex::Kind::CHECKED};
   std::atomic<std::int32_t> handle_{3};
   std::atomic<bool> rf_present_{true};
   std::atomic<std::uint32_t> rf_transfer_us_{20};

@@ -5,8 +5,9 @@
 
 #include <cerrno>
 #include <ctime>
-#include <nlohmann/json.hpp>
 #include <system_error>
+
+#include "simulator/model/json_text.h"
 
 namespace simulator::model {
 namespace {
@@ -47,10 +48,6 @@ void append_line(const std::string& file, const std::string& line, std::atomic<i
   if (written != static_cast<ssize_t>(bytes.size())) {
     throw std::system_error(written < 0 ? errno : ENOSPC, std::generic_category(), file);
   }
-}
-
-std::string json_text(std::string_view text) {
-  return nlohmann::json(std::string(text)).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 CallRecord::~CallRecord() {

@@ -38,7 +38,4 @@ private:
 /// Throws std::system_error. `descriptor` keeps the open file between calls, -1 before the first.
 void append_line(const std::string& file, const std::string& line, std::atomic<int>& descriptor);
 
-/// The text as a JSON string, quotes included.
-std::string json_text(std::string_view text);
-
 }  // namespace simulator::model

@@ -4,48 +4,48 @@
 #include <mutex>
 #include <stdexcept>
 
-#include "simulator/model/names.h"
+#include "simulator/memory/names.h"
 
 namespace simulator::model {
 namespace {
 
-constexpr Names<Point> POINT_NAMES{"radalt.init",
-                                   "radalt.read",
-                                   "radalt.write",
-                                   "radalt.lock_get",
-                                   "radalt.lock_put",
-                                   "psdriver.open",
-                                   "psdriver.SetBatteryRelativeStateOfChargeCallback",
-                                   "psdriver.SetCharger_BatteryStatusCallback",
-                                   "psdriver.SetSoftwareVersionNumberCallback",
-                                   "psdriver.SetPowerSupplyTemperatureValueCallback",
-                                   "psdriver.SetBatteryTemperatureCallback",
-                                   "psdriver.SetBatteryAverageTimeToEmptyCallback",
-                                   "psdriver.SetBatteryRunTimeToEmptyCallback",
-                                   "psdriver.SetSwitchInterruptCallback",
-                                   "psdriver.GetBatteryRelativeStateOfCharge",
-                                   "psdriver.GetCharger_BatteryStatus",
-                                   "psdriver.GetSoftwareVersionNumber",
-                                   "psdriver.GetPowerSupplyTemperatureValue",
-                                   "psdriver.GetBatteryTemperature",
-                                   "psdriver.GetBatteryAverageTimeToEmpty",
-                                   "psdriver.GetBatteryRunTimeToEmpty",
-                                   "psdriver.SetSystemLEDStatus",
-                                   "psdriver.SetUserInterface_CommunicationStatus",
-                                   "psdriver.reply",
-                                   "psdriver.interrupt",
-                                   "dds.participant",
-                                   "events.send",
-                                   "orb.lookup",
-                                   "locker.take",
-                                   "locker.Init_core",
-                                   "gui.ShowDialog",
-                                   "gui.SetDialogSize",
-                                   "everybody_engine.GetShutdown",
-                                   "everybody_engine.ShutdownAll",
-                                   "hw_enumerate.ShutdownEngine",
-                                   "i2c_read"};
-constexpr Names<FaultKind> KIND_NAMES{"none", "fail", "no_reply", "late", "twice", "slow", "garbage"};
+constexpr memory::Names<Point> POINT_NAMES{"radalt.init",
+                                           "radalt.read",
+                                           "radalt.write",
+                                           "radalt.lock_get",
+                                           "radalt.lock_put",
+                                           "psdriver.open",
+                                           "psdriver.SetBatteryRelativeStateOfChargeCallback",
+                                           "psdriver.SetCharger_BatteryStatusCallback",
+                                           "psdriver.SetSoftwareVersionNumberCallback",
+                                           "psdriver.SetPowerSupplyTemperatureValueCallback",
+                                           "psdriver.SetBatteryTemperatureCallback",
+                                           "psdriver.SetBatteryAverageTimeToEmptyCallback",
+                                           "psdriver.SetBatteryRunTimeToEmptyCallback",
+                                           "psdriver.SetSwitchInterruptCallback",
+                                           "psdriver.GetBatteryRelativeStateOfCharge",
+                                           "psdriver.GetCharger_BatteryStatus",
+                                           "psdriver.GetSoftwareVersionNumber",
+                                           "psdriver.GetPowerSupplyTemperatureValue",
+                                           "psdriver.GetBatteryTemperature",
+                                           "psdriver.GetBatteryAverageTimeToEmpty",
+                                           "psdriver.GetBatteryRunTimeToEmpty",
+                                           "psdriver.SetSystemLEDStatus",
+                                           "psdriver.SetUserInterface_CommunicationStatus",
+                                           "psdriver.reply",
+                                           "psdriver.interrupt",
+                                           "dds.participant",
+                                           "events.send",
+                                           "orb.lookup",
+                                           "locker.take",
+                                           "locker.Init_core",
+                                           "gui.ShowDialog",
+                                           "gui.SetDialogSize",
+                                           "everybody_engine.GetShutdown",
+                                           "everybody_engine.ShutdownAll",
+                                           "hw_enumerate.ShutdownEngine",
+                                           "i2c_read"};
+constexpr memory::Names<FaultKind> KIND_NAMES{"none", "fail", "no_reply", "late", "twice", "slow", "garbage"};
 
 bool is_request(Point point) noexcept {
   return point >= Point::GET_BATTERY_RELATIVE_STATE_OF_CHARGE && point <= Point::GET_BATTERY_RUN_TIME_TO_EMPTY;
@@ -62,19 +62,19 @@ bool only_recorded(Point point) noexcept {
 }  // namespace
 
 std::string_view name_of(Point point) noexcept {
-  return name_in(POINT_NAMES, point);
+  return memory::name_in(POINT_NAMES, point);
 }
 
 std::optional<Point> point_named(std::string_view name) noexcept {
-  return named_in<Point>(POINT_NAMES, name);
+  return memory::named_in<Point>(POINT_NAMES, name);
 }
 
 std::string_view name_of(FaultKind kind) noexcept {
-  return name_in(KIND_NAMES, kind);
+  return memory::name_in(KIND_NAMES, kind);
 }
 
 std::optional<FaultKind> fault_kind_named(std::string_view name) noexcept {
-  return named_in<FaultKind>(KIND_NAMES, name);
+  return memory::named_in<FaultKind>(KIND_NAMES, name);
 }
 
 bool admits(Point point, FaultKind kind) noexcept {

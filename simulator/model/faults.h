@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/model/shared_mutex.h"
+#include "simulator/memory/shared_mutex.h"
 #include "simulator/model/watch.h"
 
 namespace simulator::model {
@@ -115,7 +115,7 @@ private:
 
   void update_watch() noexcept;
 
-  mutable SharedMutex mutex_;
+  mutable memory::SharedMutex mutex_;
   Watch watch_;
   std::array<Slot, static_cast<std::size_t>(Point::COUNT)> slots_;
 };

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "simulator/model/shared_mutex.h"
-#include "simulator/model/signal.h"
-#include "simulator/model/text.h"
+#include "simulator/memory/shared_mutex.h"
+#include "simulator/memory/signal.h"
+#include "simulator/memory/text.h"
 
 namespace simulator::model {
 
@@ -47,15 +47,15 @@ public:
   bool wait_shown(const std::string& title, std::chrono::milliseconds limit) const;
 
   /// Raised when a dialog is shown, sized or answered.
-  Signal& changed() noexcept { return changed_; }
+  memory::Signal& changed() noexcept { return changed_; }
 
 private:
   struct Slot {
     std::uint64_t id = 0;
-    Text<128> title;
-    Text<1024> text;
-    Text<128> buttons;
-    Text<128> size;
+    memory::Text<128> title;
+    memory::Text<1024> text;
+    memory::Text<128> buttons;
+    memory::Text<128> size;
     bool waits = false;
     bool answered = false;
     std::int32_t answer = 0;
@@ -63,8 +63,8 @@ private:
 
   const Slot* newest(const std::string& title, bool unanswered) const;
 
-  mutable SharedMutex mutex_;
-  mutable Signal changed_;
+  mutable memory::SharedMutex mutex_;
+  mutable memory::Signal changed_;
   std::uint64_t shown_ = 0;
   std::array<Slot, DIALOGS_KEPT> slots_;
 };

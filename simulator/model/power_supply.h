@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "simulator/model/shared_mutex.h"
-#include "simulator/model/signal.h"
+#include "simulator/memory/shared_mutex.h"
+#include "simulator/memory/signal.h"
 
 namespace simulator::model {
 
@@ -57,7 +57,7 @@ public:
   bool wait_interrupt_handled(std::uint64_t number, std::chrono::milliseconds limit) const;
 
   /// Raised when a driver may have something to do.
-  Signal& wake_up() noexcept { return wake_up_; }
+  memory::Signal& wake_up() noexcept { return wake_up_; }
 
 private:
   static constexpr std::size_t index(Reply reply) noexcept { return static_cast<std::size_t>(reply); }
@@ -66,12 +66,12 @@ private:
   std::atomic<std::uint32_t> reply_delay_us_{0};
   std::atomic<std::int32_t> led_status_{NOT_SET};
   std::atomic<std::int32_t> communication_status_{NOT_SET};
-  mutable SharedMutex interrupts_mutex_;
+  mutable memory::SharedMutex interrupts_mutex_;
   std::atomic<std::uint64_t> raised_{0};
   std::atomic<std::uint64_t> handled_{0};
   std::array<std::int32_t, INTERRUPTS_KEPT> interrupts_{};
-  Signal wake_up_;
-  Signal handled_signal_;
+  memory::Signal wake_up_;
+  memory::Signal handled_signal_;
 };
 
 }  // namespace simulator::model

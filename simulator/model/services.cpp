@@ -1,25 +1,26 @@
 #include "simulator/model/services.h"
 
-#include "simulator/model/names.h"
+#include "simulator/memory/names.h"
 
 namespace simulator::model {
 namespace {
 
-constexpr Names<Service> SERVICE_NAMES{"gui_manager", "everybody_engine", "hw_enumerate"};
-constexpr Names<ServiceBehaviour> BEHAVIOUR_NAMES{"present", "absent", "wrong_type", "slow", "dies_in_call", "throws"};
+constexpr memory::Names<Service> SERVICE_NAMES{"gui_manager", "everybody_engine", "hw_enumerate"};
+constexpr memory::Names<ServiceBehaviour> BEHAVIOUR_NAMES{"present", "absent",       "wrong_type",
+                                                          "slow",    "dies_in_call", "throws"};
 
 }  // namespace
 
 std::string_view name_of(Service service) noexcept {
-  return name_in(SERVICE_NAMES, service);
+  return memory::name_in(SERVICE_NAMES, service);
 }
 
 std::string_view name_of(ServiceBehaviour behaviour) noexcept {
-  return name_in(BEHAVIOUR_NAMES, behaviour);
+  return memory::name_in(BEHAVIOUR_NAMES, behaviour);
 }
 
 std::optional<ServiceBehaviour> behaviour_named(std::string_view name) noexcept {
-  return named_in<ServiceBehaviour>(BEHAVIOUR_NAMES, name);
+  return memory::named_in<ServiceBehaviour>(BEHAVIOUR_NAMES, name);
 }
 
 void Services::set_behaviour(Service service, ServiceBehaviour behaviour) noexcept {

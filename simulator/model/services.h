@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "simulator/model/signal.h"
+#include "simulator/memory/signal.h"
 
 namespace simulator::model {
 
@@ -40,7 +40,7 @@ public:
   std::uint32_t slow_ms(Service service) const noexcept;
 
   /// Raised when a behaviour has been set.
-  Signal& changed() noexcept { return changed_; }
+  memory::Signal& changed() noexcept { return changed_; }
 
   /// Set by the services process once the naming service shows the behaviours set up to `changed` count `seen`.
   void mark_applied(std::uint32_t seen) noexcept;
@@ -55,9 +55,9 @@ private:
   };
 
   std::array<State, static_cast<std::size_t>(Service::COUNT)> states_;
-  Signal changed_;
+  memory::Signal changed_;
   std::atomic<std::uint32_t> applied_count_{UINT32_MAX};
-  Signal applied_;
+  memory::Signal applied_;
 };
 
 }  // namespace simulator::model

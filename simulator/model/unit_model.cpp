@@ -15,8 +15,6 @@
 #include <system_error>
 #include <thread>
 
-#include "simulator/model/unit_file.h"
-
 namespace simulator::model {
 namespace {
 
@@ -75,7 +73,7 @@ void* UnitModel::map(int descriptor, const std::string& path) {
   return mapped;
 }
 
-void UnitModel::prepare(const std::string& path, const UnitFile& values) {
+void UnitModel::prepare(const std::string& path, const Fill& fill) {
   const OpenFile file(path, O_RDWR | O_CREAT | O_TRUNC);
   if (::ftruncate(file.descriptor, sizeof(Shared)) != 0) {
     refuse(path);
@@ -84,13 +82,15 @@ void UnitModel::prepare(const std::string& path, const UnitFile& values) {
   for (const SysfsFile& each : sysfs_files()) {
     unit.sysfs().set_text(each, std::nullopt);
   }
-  values.apply(unit);
+  if (fill) {
+    fill(unit);
+  }
 }
 
-UnitModel UnitModel::create(const std::string& path, const UnitFile& values) {
+UnitModel UnitModel::create(const std::string& path, const Fill& fill) {
   fs::create_directories(run_folder_of(path));
   const std::string fresh = path + ".new." + std::to_string(::getpid());
-  prepare(fresh, values);
+  prepare(fresh, fill);
   fs::rename(fresh, path);
   return open(path);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -15,16 +16,18 @@
 
 namespace simulator::model {
 
-class UnitFile;
-
 /// The simulated unit: one file in shared memory that holds the state of everything behind the closed interfaces.
 /// Every process of the unit, and whoever works on it from outside, maps the same file and sees every change at once.
 /// Any thread may use any part at any time.
 class UnitModel {
 public:
-  /// Makes the model file of a new unit and its sysfs files, with the unit file's values. An older file of that name is
-  /// replaced; whoever has it open keeps the old unit. Throws std::system_error.
-  static UnitModel create(const std::string& path, const UnitFile& values);
+  /// Sets the values of a new unit, before anybody else sees it.
+  using Fill = std::function<void(UnitModel&)>;
+
+  /// Creates the model file of a new unit, filled by `fill`, without sysfs files unless `fill` writes some. Replaces an
+  /// older file of that name; processes that have it open keep the old unit. Throws std::system_error, and what `fill`
+  /// throws.
+  static UnitModel create(const std::string& path, const Fill& fill = {});
   /// Maps an existing model file. Throws std::system_error where it cannot, std::runtime_error where it is none.
   static UnitModel open(const std::string& path);
   /// The model of the unit that this process belongs to, ${UNIT_RUN:-/run/unit}/model, mapped by the first call and
@@ -77,7 +80,7 @@ private:
   };
 
   UnitModel(const std::string& path, Shared* shared);
-  static void prepare(const std::string& path, const UnitFile& values);
+  static void prepare(const std::string& path, const Fill& fill);
   static void* map(int descriptor, const std::string& path);
 
   Shared* shared_;

@@ -1,5 +1,7 @@
 #include "simulator/services/engines.h"
 
+#include "simulator/model/json_text.h"
+
 namespace simulator::services {
 
 void EverybodyShutdown::ShutdownAll(const Varnok::Locker_Core& core) {

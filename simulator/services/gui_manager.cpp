@@ -1,5 +1,7 @@
 #include "simulator/services/gui_manager.h"
 
+#include "simulator/model/json_text.h"
+
 namespace simulator::services {
 namespace {
 

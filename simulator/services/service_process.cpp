@@ -151,7 +151,7 @@ void run_service(model::UnitModel& model, model::Service service, unsigned namin
   Registration registration(server.orb(), naming_path(service), NAMING_PATIENCE);
   signals.admit();
 
-  model::Signal& changed = model.services().changed();
+  memory::Signal& changed = model.services().changed();
   std::optional<model::ServiceBehaviour> applied;
   while (!end_asked.load()) {
     const std::uint32_t seen = changed.count();

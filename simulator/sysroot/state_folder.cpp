@@ -11,7 +11,6 @@
 #include <cstring>
 #include <fstream>
 
-#include "simulator/model/unit_model.h"
 #include "simulator/sysroot/user_namespaces.h"
 
 namespace simulator::sysroot {
@@ -132,7 +131,7 @@ void StateFolder::make_folders() const {
   fs::permissions(path_ / "tmp", fs::perms::all | fs::perms::sticky_bit);
 }
 
-void StateFolder::fill(const model::UnitFile& values) const {
+void StateFolder::fill(const model::UnitModel::Fill& values) const {
   fs::create_directories(run() / "log");
   model::UnitModel::create((run() / "model").string(), values);
   constexpr fs::perms readable =

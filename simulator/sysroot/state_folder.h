@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/model/unit_file.h"
+#include "simulator/model/unit_model.h"
 
 namespace simulator::sysroot {
 
@@ -35,8 +35,8 @@ public:
   StateFolder& operator=(StateFolder&&) = delete;
   ~StateFolder();
 
-  /// Makes the unit: its model and sysfs files from the unit file's values, the usual shutdown script, empty logs.
-  void fill(const model::UnitFile& values) const;
+  /// Makes the unit: its model and sysfs files as `values` sets them, the usual shutdown script, empty logs.
+  void fill(const model::UnitModel::Fill& values) const;
 
   const std::filesystem::path& path() const noexcept { return path_; }
   std::filesystem::path run() const { return path_ / "run" / "unit"; }

@@ -6,8 +6,6 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulator/model/unit_file.h"
-
 namespace contract {
 namespace {
 
@@ -17,7 +15,7 @@ struct RunFolder {
     if (::mkdtemp(path.data()) == nullptr) {
       throw std::runtime_error(path);
     }
-    simulator::model::UnitModel::create(path + "/model", simulator::model::UnitFile());
+    simulator::model::UnitModel::create(path + "/model");
     ::setenv("UNIT_RUN", path.c_str(), 1);
   }
   ~RunFolder() {

@@ -12,15 +12,16 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "simulator/model/settings.h"
+#include "simulator/settings/settings.h"
+#include "simulator/settings/unit_file.h"
 #include "tests/system/inside_files.h"
 
 namespace system_test {
 namespace {
 
 namespace fs = std::filesystem;
-using simulator::model::UnitFile;
 using simulator::model::UnitModel;
+using simulator::settings::UnitFile;
 
 std::vector<json> json_lines(const fs::path& path) {
   std::vector<json> lines;
@@ -83,7 +84,7 @@ SimulatedUnit& SimulatedUnit::with_dhcp_server() {
 }
 
 SimulatedUnit& SimulatedUnit::set(const std::string& name, const json& value) {
-  simulator::model::set_setting(*model_, name, value);
+  simulator::settings::set_setting(*model_, name, value);
   return *this;
 }
 

@@ -1,4 +1,4 @@
-#include "tests/doubles/dds_stand_ins.h"
+#include "tests/doubles/fake_dds.h"
 #include "tests/unit/board/unit_under_test.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "tests/doubles/dds_stand_ins.h"
+#include "tests/doubles/fake_dds.h"
 #include "tests/unit/handheld/handheld_under_test.h"
 #include "varnok_errors.h"
 

@@ -8,7 +8,7 @@
 #include <type_traits>
 
 #include "tests/doubles/captured_output.h"
-#include "tests/doubles/dds_stand_ins.h"
+#include "tests/doubles/fake_dds.h"
 #include "tests/unit/messaging/attribute_topic.h"
 
 namespace {

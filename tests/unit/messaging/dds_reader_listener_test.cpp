@@ -4,7 +4,7 @@
 
 #include "messaging/dds_subscriber.h"
 #include "tests/doubles/captured_output.h"
-#include "tests/doubles/dds_stand_ins.h"
+#include "tests/doubles/fake_dds.h"
 #include "tests/doubles/fake_varnok.h"
 #include "tests/unit/messaging/attribute_topic.h"
 

@@ -5,7 +5,7 @@
 
 #include "messaging/dds_subscriber.h"
 #include "tests/doubles/captured_output.h"
-#include "tests/doubles/dds_stand_ins.h"
+#include "tests/doubles/fake_dds.h"
 #include "tests/doubles/fake_varnok.h"
 
 // A start-up that fails: the text is printed and thrown, and the exception ends the process.

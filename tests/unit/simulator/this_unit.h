@@ -1,6 +1,5 @@
 #pragma once
 
-#include "simulator/model/unit_file.h"
 #include "simulator/model/unit_model.h"
 
 #include "tests/unit/simulator/temporary_folder.h"
@@ -31,7 +30,7 @@ public:
 
 private:
   ThisUnit() {
-    simulator::model::UnitModel::create(run_folder() + "/model", simulator::model::UnitFile());
+    simulator::model::UnitModel::create(run_folder() + "/model");
     ::setenv("UNIT_RUN", run_folder().c_str(), 1);
   }
 

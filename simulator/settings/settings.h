@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "simulator/model/unit_model.h"
+
+namespace simulator::settings {
+
+/// How a setting's value is written.
+enum class SettingType {
+  NUMBER,        ///< whole number within the range
+  WORD,          ///< unsigned 32-bit number, as a number or as hexadecimal text ("0x01020300"); shown as a number
+  DURATION,      ///< whole number within the range, or "never" where the setting allows it
+  FLAG,          ///< true or false
+  CHOICE,        ///< one of the choices
+  OPTIONAL_TEXT  ///< text of at most `maximum` bytes, or null: absent
+};
+
+/// One value of the simulated unit that can be set and read while it runs.
+struct Setting {
+  std::string name;  ///< dotted: "power_supply.reply_delay"; in the unit file each dot is one level of nesting
+  SettingType type;
+  std::string unit;  ///< "", "us", "ms", "0.1 degC", …
+  std::int64_t minimum;
+  std::int64_t maximum;
+  std::vector<std::string> choices;  ///< CHOICE: its names; DURATION: {"never"} where allowed
+  std::string doc;                   ///< one line
+  std::function<nlohmann::json(model::UnitModel&)> get;
+  std::function<void(model::UnitModel&, const nlohmann::json&)> set;  ///< takes what check() has passed
+};
+
+/// A value or name that the unit does not take; what() is "name: reason".
+class SettingError : public std::runtime_error {
+public:
+  SettingError(const std::string& name, const std::string& reason);
+
+  std::string name;
+  std::string reason;
+};
+
+/// Every setting, in the order of the documentation; board registers beside those with names of their own are the
+/// settings board.register.<space>.<address>, which find_setting() knows and this list does not hold.
+const std::vector<Setting>& settings();
+/// The setting of that name; none where there is no such setting.
+std::optional<Setting> find_setting(const std::string& name);
+
+/// Throws SettingError where the setting does not take the value.
+void check(const Setting& setting, const nlohmann::json& value);
+
+/// Reads and sets a value of the unit by name. Throw SettingError; nothing is set then.
+nlohmann::json get_setting(model::UnitModel& unit, const std::string& name);
+void set_setting(model::UnitModel& unit, const std::string& name, const nlohmann::json& value);
+/// As set_setting(), of a value as typed on a command line: JSON where it is some, else text ("never", "38.5\n").
+void set_setting_from_text(model::UnitModel& unit, const std::string& name, const std::string& text);
+
+}  // namespace simulator::settings

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <utility>
+
+#include "tests/doubles/fake_dds.h"
+
+namespace doubles {
+
+/// Told by the tests, asked by the stand-ins.
+class DdsStandIn::State {
+public:
+  void refuse(const std::string& step) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    refused.insert(step);
+  }
+
+  /// Logs the step and runs what is to come first. False: the step is refused.
+  bool begin(const std::string& step, const std::string& details = "") {
+    calls().record("dds " + step + details);
+    run(first, step);
+    return !is_refused(step);
+  }
+  void end(const std::string& step) { run(last, step); }
+
+  bool is_refused(const std::string& step) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return refused.count(step) != 0;
+  }
+
+  template <typename ListenerPtr>
+  void made_with(ListenerPtr listener, DDS::StatusMask mask) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    masks.insert(mask);
+    if (!CORBA::is_nil(listener)) {
+      listeners_given = true;
+    }
+  }
+
+  std::mutex mutex;
+  std::set<std::string> refused;
+  std::map<std::string, std::function<void()>> first;
+  std::map<std::string, std::function<void()>> last;
+  DDS::DataWriterQos writer_qos{};
+  DDS::DataReaderQos reader_qos{};
+  DDS::DataReaderListener_var reader_listener;
+  std::set<DDS::StatusMask> masks;
+  bool listeners_given = false;
+  bool without_handle = false;
+
+private:
+  void run(const std::map<std::string, std::function<void()>>& actions, const std::string& step) {
+    std::function<void()> action;
+    {
+      const std::lock_guard<std::mutex> lock(mutex);
+      const auto found = actions.find(step);
+      if (found != actions.end()) {
+        action = found->second;
+      }
+    }
+    if (action) {
+      action();
+    }
+  }
+};
+
+/// The real entity behind a stand-in; the entity itself where it is none. Nothing is added to the reference count.
+DDS::Publisher_ptr behind(DDS::Publisher_ptr publisher);
+DDS::Subscriber_ptr behind(DDS::Subscriber_ptr subscriber);
+
+/// Stand-ins in front of real entities; they take over the reference.
+DDS::Publisher_ptr new_stand_in_publisher(const std::shared_ptr<DdsStandIn::State>& state, DDS::Publisher_ptr real);
+DDS::Subscriber_ptr new_stand_in_subscriber(const std::shared_ptr<DdsStandIn::State>& state, DDS::Subscriber_ptr real);
+
+}  // namespace doubles

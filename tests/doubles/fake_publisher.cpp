@@ -1,0 +1,126 @@
+#include "tests/doubles/fake_dds_state.h"
+
+namespace doubles {
+
+namespace {
+
+using Boolean = Varnok::DDS_Attribute<bool>;
+using State = std::shared_ptr<DdsStandIn::State>;
+
+/// A writer in front of a real one. `Interface` is DDS::DataWriter for one that has no type.
+template <typename Interface>
+class StandInWriter : public virtual OpenDDS::DCPS::LocalObject<Interface> {
+public:
+  StandInWriter(const State& state, DDS::DataWriter_ptr real) : state_(state), real_(real) {}
+
+  DDS::ReturnCode_t enable() override { return real_->enable(); }
+  DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }
+  DDS::ReturnCode_t get_qos(DDS::DataWriterQos& qos) override { return real_->get_qos(qos); }
+  DDS::Topic_ptr get_topic() override { return real_->get_topic(); }
+  DDS::Publisher_ptr get_publisher() override { return real_->get_publisher(); }
+  DDS::ReturnCode_t wait_for_acknowledgments(const DDS::Duration_t& wait) override {
+    return real_->wait_for_acknowledgments(wait);
+  }
+  DDS::ReturnCode_t get_publication_matched_status(DDS::PublicationMatchedStatus& status) override {
+    return real_->get_publication_matched_status(status);
+  }
+
+protected:
+  State state_;
+  DDS::DataWriter_var real_;
+};
+
+class StandInBooleanWriter : public StandInWriter<Boolean::DataWriter> {
+public:
+  StandInBooleanWriter(const State& state, DDS::DataWriter_ptr real)
+      : StandInWriter(state, real), typed_(Boolean::DataWriter::_narrow(real)) {}
+
+  DDS::InstanceHandle_t register_instance(const Boolean::Sample& sample) override {
+    state_->begin("register_instance", " " + text_of(sample));
+    return typed_->register_instance(sample);
+  }
+  DDS::ReturnCode_t unregister_instance(const Boolean::Sample& sample, DDS::InstanceHandle_t handle) override {
+    return typed_->unregister_instance(sample, handle);
+  }
+  DDS::ReturnCode_t write(const Boolean::Sample& sample, DDS::InstanceHandle_t handle) override {
+    if (!state_->begin("write", " " + text_of(sample) + " " + std::to_string(handle))) {
+      return DDS::RETCODE_ERROR;
+    }
+    return typed_->write(sample, handle);
+  }
+  DDS::ReturnCode_t dispose(const Boolean::Sample& sample, DDS::InstanceHandle_t handle) override {
+    return typed_->dispose(sample, handle);
+  }
+  DDS::InstanceHandle_t lookup_instance(const Boolean::Sample& sample) override {
+    return typed_->lookup_instance(sample);
+  }
+
+private:
+  static std::string text_of(const Boolean::Sample& sample) {
+    return std::string(sample.value ? "true" : "false") + " " + std::to_string(sample.quality) + " " +
+           std::to_string(sample.source) + " " + std::to_string(sample.timestamp);
+  }
+
+  Boolean::DataWriter_var typed_;
+};
+
+class StandInPublisher : public virtual OpenDDS::DCPS::LocalObject<DDS::Publisher> {
+public:
+  StandInPublisher(const State& state, DDS::Publisher_ptr real) : state_(state), real_(real) {}
+
+  DDS::Publisher_ptr real() const { return real_.in(); }
+
+  DDS::DataWriter_ptr create_datawriter(DDS::Topic_ptr topic, const DDS::DataWriterQos& qos,
+                                        DDS::DataWriterListener_ptr listener, DDS::StatusMask mask) override {
+    state_->made_with(listener, mask);
+    {
+      const std::lock_guard<std::mutex> lock(state_->mutex);
+      state_->writer_qos = qos;
+    }
+    if (!state_->begin("create_datawriter")) {
+      return DDS::DataWriter::_nil();
+    }
+    DDS::DataWriter_ptr const writer = real_->create_datawriter(topic, qos, listener, mask);
+    if (state_->is_refused("narrow_writer")) {
+      return new StandInWriter<DDS::DataWriter>(state_, writer);
+    }
+    return new StandInBooleanWriter(state_, writer);
+  }
+  DDS::ReturnCode_t get_default_datawriter_qos(DDS::DataWriterQos& qos) override {
+    if (!state_->begin("get_default_datawriter_qos")) {
+      return DDS::RETCODE_ERROR;
+    }
+    return real_->get_default_datawriter_qos(qos);
+  }
+  DDS::ReturnCode_t delete_contained_entities() override {
+    state_->begin("delete_contained_entities of publisher");
+    return real_->delete_contained_entities();
+  }
+
+  DDS::ReturnCode_t enable() override { return real_->enable(); }
+  DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }
+  DDS::ReturnCode_t delete_datawriter(DDS::DataWriter_ptr writer) override { return real_->delete_datawriter(writer); }
+  DDS::DataWriter_ptr lookup_datawriter(const char* topic) override { return real_->lookup_datawriter(topic); }
+  DDS::ReturnCode_t get_qos(DDS::PublisherQos& qos) override { return real_->get_qos(qos); }
+  DDS::DomainParticipant_ptr get_participant() override { return real_->get_participant(); }
+  DDS::ReturnCode_t set_default_datawriter_qos(const DDS::DataWriterQos& qos) override {
+    return real_->set_default_datawriter_qos(qos);
+  }
+
+private:
+  State state_;
+  DDS::Publisher_var real_;
+};
+
+}  // namespace
+
+DDS::Publisher_ptr new_stand_in_publisher(const State& state, DDS::Publisher_ptr real) {
+  return new StandInPublisher(state, real);
+}
+
+DDS::Publisher_ptr behind(DDS::Publisher_ptr publisher) {
+  const auto* const stand_in = dynamic_cast<StandInPublisher*>(publisher);
+  return stand_in ? stand_in->real() : publisher;
+}
+
+}  // namespace doubles

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <orbsvcs/CosNamingC.h>
+#include <tao/corba.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "everybody_engineC.h"
+#include "gui_managerC.h"
+#include "hw_enumerateC.h"
+#include "simulator/model/unit_model.h"
+#include "tests/unit/simulator/services/child_process.h"
+
+namespace services_test {
+
+using simulator::model::Fault;
+using simulator::model::FaultKind;
+using simulator::model::Point;
+using simulator::model::Service;
+using simulator::model::ServiceBehaviour;
+
+/// Far longer than anything here takes; only a failing test waits so long.
+inline constexpr std::chrono::milliseconds PATIENCE{20000};
+
+/// Waits until the condition holds; false when PATIENCE passes first.
+bool comes_true(const std::function<bool()>& condition);
+
+inline const std::vector<std::string> GUI_MANAGER_PATH{"Halcyra", "local", "GUIManager"};
+inline const std::vector<std::string> EVERYBODY_ENGINE_PATH{"Halcyra", "local", "EVERYBODYENG", "1"};
+inline const std::vector<std::string> HW_ENUMERATE_PATH{"Halcyra", "local", "HWENUM_ABLE", "1"};
+
+/// A unit with a model, a real naming service and the real services, each in processes of their own; and this process
+/// as their client.
+class UnitWithServices : public testing::Test {
+protected:
+  UnitWithServices();
+  ~UnitWithServices() override;
+
+  /// Starts unit-services and waits until every service stands as it is set.
+  void start_services(const std::vector<std::string>& arguments = {});
+  /// Sets the behaviour and waits until it shows.
+  void behave(Service service, ServiceBehaviour behaviour);
+
+  /// What the path leads to. Throws CosNaming::NamingContext::NotFound.
+  CORBA::Object_var resolve(const std::vector<std::string>& path);
+  bool bound(const std::vector<std::string>& path);
+  Halcyra::gui::GUIManager_var gui_manager();
+  Varnok::EverybodyEng::Interfaces_var everybody_engine();
+  Varnok::HwEnumerate_Able_var hw_enumerate();
+
+  /// The lines of the call record.
+  std::vector<nlohmann::json> calls() const;
+  /// Of every line, what was called with what: "gui.SetDialogSize {…}".
+  std::vector<std::string> call_texts() const;
+  /// What unit-services has written to both streams.
+  std::string services_output() const;
+
+  simulator::model::UnitModel& model() { return *model_; }
+  unsigned naming_port() const { return naming_port_; }
+  std::vector<std::string> variables() const;
+  std::string file(const std::string& name) const { return folder_ + "/" + name; }
+
+  std::unique_ptr<ChildProcess> naming_service_;
+  std::unique_ptr<ChildProcess> services_;
+
+private:
+  void start_naming_service();
+  CosNaming::NamingContext_var naming_root();
+  /// Asks the naming service until it answers: it listens before it knows its own root.
+  void await_naming_service();
+
+  std::string folder_;
+  std::unique_ptr<simulator::model::UnitModel> model_;
+  unsigned naming_port_ = 0;
+  CORBA::ORB_var orb_;
+};
+
+}  // namespace services_test
