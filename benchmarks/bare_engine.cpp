@@ -28,16 +28,22 @@ dds_return_t require(dds_return_t result, const char* what) {
   return result;
 }
 
-void take_and_call(dds_entity_t reader, void* listener) {
+/// False if there was nothing to take.
+bool take_and_call(dds_entity_t reader, const BareEngine::Listener& listener) {
   void* sample = nullptr;
   dds_sample_info_t info;
   if (dds_take(reader, &sample, &info, 1, 1) != 1) {
-    return;
+    return false;
   }
   dds_return_loan(reader, &sample, 1);
   if (info.valid_data) {
-    (*static_cast<BareEngine::Listener*>(listener))();
+    listener();
   }
+  return true;
+}
+
+void data_available(dds_entity_t reader, void* listener) {
+  take_and_call(reader, *static_cast<BareEngine::Listener*>(listener));
 }
 
 }  // namespace
@@ -64,16 +70,36 @@ dds_entity_t BareEngine::make_writer(const dds_topic_descriptor_t& type, const s
   return require(dds_create_writer(publisher, make_topic(type, topic), qos.get(), nullptr), "writer");
 }
 
-dds_entity_t BareEngine::make_reader(const dds_topic_descriptor_t& type, const std::string& topic, Listener listener) {
+dds_entity_t BareEngine::make_reader(const dds_topic_descriptor_t& type, const std::string& topic, Listener listener,
+                                     Caller caller) {
   const Qos qos(dds_create_qos());
   dds_qset_durability(qos.get(), DDS_DURABILITY_VOLATILE);
   dds_qset_reliability(qos.get(), DDS_RELIABILITY_BEST_EFFORT, 0);
   dds_qset_history(qos.get(), DDS_HISTORY_KEEP_ALL, DDS_LENGTH_UNLIMITED);
   listeners_.push_back(std::make_unique<Listener>(std::move(listener)));
   const std::unique_ptr<dds_listener_t, ListenerDeleter> calls(dds_create_listener(listeners_.back().get()));
-  dds_lset_data_available(calls.get(), &take_and_call);
+  if (caller == Caller::ENGINE) {
+    dds_lset_data_available(calls.get(), &data_available);
+  }
   const dds_entity_t subscriber = require(dds_create_subscriber(participant_, nullptr, nullptr), "subscriber");
-  return require(dds_create_reader(subscriber, make_topic(type, topic), qos.get(), calls.get()), "reader");
+  const dds_entity_t reader =
+      require(dds_create_reader(subscriber, make_topic(type, topic), qos.get(), calls.get()), "reader");
+  if (caller == Caller::WAITSET) {
+    start_thread(reader, *listeners_.back());
+  }
+  return reader;
+}
+
+void BareEngine::start_thread(dds_entity_t reader, Listener& listener) {
+  const dds_entity_t waitset = require(dds_create_waitset(participant_), "waitset");
+  require(dds_set_status_mask(reader, DDS_DATA_AVAILABLE_STATUS), "status mask");
+  require(dds_waitset_attach(waitset, reader, 0), "attachment");
+  std::thread([waitset, reader, &listener] {
+    while (dds_waitset_wait(waitset, nullptr, 0, DDS_INFINITY) >= 0) {
+      while (take_and_call(reader, listener)) {
+      }
+    }
+  }).detach();
 }
 
 void BareEngine::wait_for_readers(dds_entity_t writer, unsigned readers) {

@@ -11,27 +11,31 @@
 
 namespace benchmarks {
 
-/// Cyclone DDS as it is, without the DCPS API: one participant and what it owns, with the QoS that the library asks
-/// for. Failures end the process. One thread at a time; listeners are called on the engine's threads.
+/// Cyclone DDS without the DCPS API: one participant and its entities, with the library's QoS. Failures end the
+/// process. One thread at a time.
 class BareEngine {
 public:
   using Listener = std::function<void()>;
+  /// The thread that calls a reader's listener: the engine's receiving thread, or one that waits on a waitset.
+  enum class Caller { ENGINE, WAITSET };
 
   BareEngine();
   ~BareEngine();
   BareEngine(const BareEngine&) = delete;
   BareEngine& operator=(const BareEngine&) = delete;
 
-  /// A reliable writer that keeps its last sample, for late joiners as well where `durable`.
+  /// A reliable writer that keeps its last sample, for late readers too if `durable`.
   dds_entity_t make_writer(const dds_topic_descriptor_t& type, const std::string& topic, bool durable);
-  /// A volatile reader that keeps all samples. `listener` is called once for each sample, after it has been taken.
-  dds_entity_t make_reader(const dds_topic_descriptor_t& type, const std::string& topic, Listener listener);
+  /// A volatile reader that keeps all samples. `listener` is called once per sample, after it has been taken.
+  dds_entity_t make_reader(const dds_topic_descriptor_t& type, const std::string& topic, Listener listener,
+                           Caller caller);
 
   /// Waits until the writer has that many readers.
   static void wait_for_readers(dds_entity_t writer, unsigned readers);
 
 private:
   dds_entity_t make_topic(const dds_topic_descriptor_t& type, const std::string& topic) const;
+  void start_thread(dds_entity_t reader, Listener& listener);
 
   dds_entity_t participant_;
   std::vector<std::unique_ptr<Listener>> listeners_;

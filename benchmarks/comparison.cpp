@@ -51,6 +51,7 @@ void measure(benchmark::State& state, const Comparison& comparison) {
 double Aim::compare(double figure, double baseline) const {
   switch (kind) {
     case Kind::RATIO_AT_MOST:
+    case Kind::RATIO_WITHOUT_AIM:
       return figure / baseline;
     case Kind::RATE_AT_LEAST:
       return baseline / figure;
@@ -60,6 +61,9 @@ double Aim::compare(double figure, double baseline) const {
 }
 
 bool Aim::met_by(double compared) const {
+  if (kind == Kind::RATIO_WITHOUT_AIM) {
+    return true;
+  }
   return kind == Kind::RATE_AT_LEAST ? compared >= value : compared <= value;
 }
 

@@ -6,31 +6,32 @@
 
 namespace benchmarks {
 
-/// What a figure shall come to beside what it is compared with. Only shown: nothing fails where it is missed.
+/// The aim of a figure relative to its baseline. Informational: nothing fails if it is missed.
 struct Aim {
   enum class Kind {
     RATIO_AT_MOST,   ///< figure / baseline
     RATE_AT_LEAST,   ///< baseline / figure: operations done in the time of one of the baseline's
     EXCESS_AT_MOST,  ///< figure - baseline, in the figure's unit
+    RATIO_WITHOUT_AIM,
   };
 
   Kind kind;
   double value;
 
-  /// What `figure` comes to beside `baseline`.
+  /// `figure` relative to `baseline`.
   double compare(double figure, double baseline) const;
   bool met_by(double compared) const;
 };
 
-/// One figure and what it is compared with, measured in turns within one run.
+/// One figure and its baseline, measured alternately within one run.
 struct Comparison {
   using Measure = std::function<double()>;
 
   std::string name;
   Measure figure;    ///< measures once; nanoseconds, or bytes where `unit` says so
-  Measure baseline;  ///< likewise; a floor that is known by reckoning just returns it
+  Measure baseline;  ///< likewise; a known floor is just returned
   Aim aim;
-  int samples;  ///< how often each side is measured; medians count
+  int samples;  ///< measurements of each side; medians are compared
   std::string unit = "ns";
 };
 

@@ -46,13 +46,14 @@ Row row_of(const json& benchmark) {
     compared = "+" + amount(number("compared"), unit);
     aim = "+" + amount(number("aim"), unit);
   }
+  const bool has_aim = kind != Aim::Kind::RATIO_WITHOUT_AIM;
   const std::string name = benchmark.at("name");
   return {name.substr(0, name.find('/')),
           amount(number("figure"), unit),
           amount(number("baseline"), unit),
           compared,
-          (kind == Aim::Kind::RATE_AT_LEAST ? ">= " : "<= ") + aim,
-          number("met") != 0 ? "yes" : "no"};
+          has_aim ? (kind == Aim::Kind::RATE_AT_LEAST ? ">= " : "<= ") + aim : "",
+          has_aim ? (number("met") != 0 ? "yes" : "no") : ""};
 }
 
 void print(const std::vector<Row>& rows) {

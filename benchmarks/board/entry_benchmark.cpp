@@ -17,6 +17,11 @@ double start_time(const char* side) {
   return Child("started_process", {side}).number();
 }
 
+/// The bare entities, and the loader's own work on the library.
+double unavoidable() {
+  return start_time("listener") + start_time("loader");
+}
+
 double resident(const char* side) {
   Child child("started_process", {side});
   child.number();
@@ -25,15 +30,15 @@ double resident(const char* side) {
   return child.number();
 }
 
-const bool load = benchmarks::compare({"load to Hardware set, against bare participant, writer and reader",
+const bool load = benchmarks::compare({"load to Hardware set, against the bare entities and the loader",
                                        [] { return start_time("library"); },
-                                       [] { return start_time("bare"); },
-                                       {Aim::Kind::RATIO_AT_MOST, 1.2},
+                                       unavoidable,
+                                       {Aim::Kind::RATIO_AT_MOST, 1.1},
                                        100});
 
 const bool memory = benchmarks::compare({"resident memory, against the bare engine's",
                                          [] { return resident("library"); },
-                                         [] { return resident("bare"); },
+                                         [] { return resident("listener"); },
                                          {Aim::Kind::EXCESS_AT_MOST, 2 * MIB},
                                          10,
                                          "B"});

@@ -1,6 +1,13 @@
-// A fresh process in which the library, or the engine without it, is started: started_process library|bare [topic].
-// Everything that the library links to is loaded before, in both cases. Writes the start's nanoseconds on a line; then,
-// for each line that it is sent, the process's resident bytes. Ends with its input.
+// Starts the library, or a part of its work, in a fresh process. All libraries that the library links to are already
+// loaded.
+//
+//   started_process library           loads the library
+//   started_process loader            loads it while Hardware is set, so that it makes nothing
+//   started_process listener [topic]  makes the library's participant, writer and reader in the bare engine; a listener
+//                                     sets the LED
+//   started_process waitset [topic]   likewise; a thread that waits on a waitset sets the LED
+//
+// Writes the nanoseconds that it took on a line; then the process's resident bytes for each line of input.
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -20,11 +27,12 @@ __attribute__((visibility("default"))) BASE_HARDWARE* Hardware = nullptr;
 
 namespace {
 
+using benchmarks::BareEngine;
 using simulator::model::UnitModel;
 
 constexpr int UI_LOADED = 12;
 
-double start_library() {
+double load_library() {
   void* library = nullptr;
   const double time = benchmarks::time_of([&] { library = dlopen("libradalt_hardware.so", RTLD_NOW); });
   if (library == nullptr || Hardware == nullptr) {
@@ -34,14 +42,38 @@ double start_library() {
   return time;
 }
 
-/// The writer and the reader that the library has, the reader's listener setting the LED without a driver.
-double start_bare(const std::string& topic) {
+/// Nothing calls the object that is in the way.
+double load_library_without_its_object() {
+  static char object = 0;
+  Hardware = reinterpret_cast<BASE_HARDWARE*>(&object);
+  return load_library();
+}
+
+/// The library's writer and reader; the reader's listener sets the LED without a driver.
+double start_bare(const std::string& topic, BareEngine::Caller caller) {
   const auto set_led = [] { UnitModel::of_this_unit().power_supply().set_led_status(UI_LOADED); };
   return benchmarks::time_of([&] {
-    auto& engine = *new benchmarks::BareEngine;
-    engine.make_reader(Varnok_QTNN_DDS_ATTR_VOID_desc, topic, set_led);
+    auto& engine = *new BareEngine;
+    engine.make_reader(Varnok_QTNN_DDS_ATTR_VOID_desc, topic, set_led, caller);
     engine.make_writer(Varnok_QTNN_DDS_ATTR_BOOLEAN_desc, "Halcyra/local/ExternalVoltage", true);
   });
+}
+
+double start(const std::string& side, const std::string& topic) {
+  if (side == "library") {
+    return load_library();
+  }
+  if (side == "loader") {
+    return load_library_without_its_object();
+  }
+  if (side == "listener") {
+    return start_bare(topic, BareEngine::Caller::ENGINE);
+  }
+  if (side == "waitset") {
+    return start_bare(topic, BareEngine::Caller::WAITSET);
+  }
+  std::cerr << "usage: started_process library|loader|listener|waitset [topic]" << std::endl;
+  std::exit(2);
 }
 
 double resident_bytes() {
@@ -57,18 +89,12 @@ double resident_bytes() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::string side = argc > 1 ? argv[1] : "";
-  if (side != "library" && side != "bare") {
-    std::cerr << "usage: started_process library|bare [topic]" << std::endl;
-    return 2;
-  }
   // The library writes to standard output as well.
   const int numbers = dup(STDOUT_FILENO);
   if (std::freopen("/dev/null", "w", stdout) == nullptr) {
     return 1;
   }
-  const double time =
-      side == "library" ? start_library() : start_bare(argc > 2 ? argv[2] : "Halcyra/local/UIDoneLoading");
+  const double time = start(argc > 1 ? argv[1] : "", argc > 2 ? argv[2] : "Halcyra/local/UIDoneLoading");
   dprintf(numbers, "%.0f\n", time);
   for (std::string line; std::getline(std::cin, line);) {
     dprintf(numbers, "%.0f\n", resident_bytes());

@@ -23,7 +23,8 @@ int main(int argc, char** argv) {
   benchmarks::BareEngine engine;
   std::vector<dds_entity_t> readers;
   for (int topic = 1; topic < argc; ++topic) {
-    readers.push_back(engine.make_reader(Varnok_QTNN_DDS_ATTR_BOOLEAN_desc, argv[topic], [] {}));
+    readers.push_back(engine.make_reader(
+        Varnok_QTNN_DDS_ATTR_BOOLEAN_desc, argv[topic], [] {}, benchmarks::BareEngine::Caller::ENGINE));
   }
   for (const dds_entity_t reader : readers) {
     while (!has_writer(reader)) {

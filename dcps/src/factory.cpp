@@ -1,7 +1,5 @@
 #include "dcps/src/factory.h"
 
-#include <algorithm>
-
 namespace dcps {
 
 FactoryImpl& FactoryImpl::instance() {
@@ -12,15 +10,11 @@ FactoryImpl& FactoryImpl::instance() {
 DDS::DomainParticipant_ptr FactoryImpl::create_participant(DDS::DomainId_t domain, const DDS::DomainParticipantQos&,
                                                            DDS::DomainParticipantListener_ptr listener,
                                                            DDS::StatusMask) {
-  if (!CORBA::is_nil(listener)) {
-    return DDS::DomainParticipant::_nil();
-  }
   const Reference<ParticipantImpl> participant = new ParticipantImpl(domain);
-  if (!participant->open()) {
+  if (!CORBA::is_nil(listener) || !participant->open()) {
     return DDS::DomainParticipant::_nil();
   }
-  const std::lock_guard lock(mutex_);
-  participants_.push_back(participant);
+  participants_.add(*participant.in());
   return DDS::DomainParticipant::_duplicate(participant.in());
 }
 
@@ -28,40 +22,11 @@ DDS::ReturnCode_t FactoryImpl::delete_participant(DDS::DomainParticipant_ptr par
   if (CORBA::is_nil(participant)) {
     return DDS::RETCODE_BAD_PARAMETER;
   }
-  const Reference<ParticipantImpl> known = narrow<ParticipantImpl>(participant);
-  if (CORBA::is_nil(known)) {
-    return DDS::RETCODE_ERROR;
-  }
-  if (!known->is_clean()) {
-    return DDS::RETCODE_PRECONDITION_NOT_MET;
-  }
-  {
-    const std::lock_guard lock(mutex_);
-    const auto entry = std::find_if(participants_.begin(), participants_.end(),
-                                    [&](const auto& candidate) { return candidate.in() == known.in(); });
-    if (entry == participants_.end()) {
-      return DDS::RETCODE_ERROR;
-    }
-    participants_.erase(entry);
-  }
-  known->delete_contained_entities();
-  known->close();
-  return DDS::RETCODE_OK;
+  return participants_.close_one(participant, [](const ParticipantImpl& known) { return known.is_clean(); });
 }
 
-DDS::DomainParticipant_ptr FactoryImpl::lookup_participant(DDS::DomainId_t domain) {
-  const std::lock_guard lock(mutex_);
-  for (const auto& participant : participants_) {
-    if (participant->get_domain_id() == domain) {
-      return DDS::DomainParticipant::_duplicate(participant.in());
-    }
-  }
-  return DDS::DomainParticipant::_nil();
-}
-
-DDS::ReturnCode_t FactoryImpl::get_default_participant_qos(DDS::DomainParticipantQos& qos) {
-  qos = {};
-  return DDS::RETCODE_OK;
+Reference<ParticipantImpl> FactoryImpl::find(DDS::InstanceHandle_t handle) const {
+  return participants_.find([&](ParticipantImpl& candidate) { return candidate.get_instance_handle() == handle; });
 }
 
 }  // namespace dcps

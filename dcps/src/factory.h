@@ -1,13 +1,11 @@
 #pragma once
 
-#include <mutex>
-#include <vector>
-
+#include "dcps/src/contained.h"
 #include "dcps/src/participant.h"
 
 namespace dcps {
 
-/// The process's participants. It lives as long as the process does.
+/// The process's participants. Lives as long as the process.
 class FactoryImpl final : public virtual OpenDDS::DCPS::LocalObject<DDS::DomainParticipantFactory> {
 public:
   static FactoryImpl& instance();
@@ -16,14 +14,14 @@ public:
                                                 DDS::DomainParticipantListener_ptr listener,
                                                 DDS::StatusMask mask) override;
   DDS::ReturnCode_t delete_participant(DDS::DomainParticipant_ptr participant) override;
-  DDS::DomainParticipant_ptr lookup_participant(DDS::DomainId_t domain) override;
-  DDS::ReturnCode_t get_default_participant_qos(DDS::DomainParticipantQos& qos) override;
+
+  /// The participant of that instance handle; nil if there is none.
+  Reference<ParticipantImpl> find(DDS::InstanceHandle_t handle) const;
 
 private:
   FactoryImpl() = default;
 
-  std::mutex mutex_;
-  std::vector<Reference<ParticipantImpl>> participants_;
+  Contained<ParticipantImpl> participants_;
 };
 
 }  // namespace dcps

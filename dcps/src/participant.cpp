@@ -1,160 +1,94 @@
 #include "dcps/src/participant.h"
 
-#include <algorithm>
-
-#include "dcps/src/engine.h"
 #include "dcps/src/publisher.h"
-#include "dcps/src/qos.h"
 #include "dcps/src/subscriber.h"
-#include "dcps/src/thread_role.h"
 #include "dcps/src/topic.h"
-#include "dcps/src/type_registry.h"
 
 namespace dcps {
 
-namespace {
-
-/// Takes the entity out of its owner's list. False: it is not in it.
-template <typename Object>
-bool remove(std::vector<Reference<Object>>& objects, const Object* object) {
-  const auto found = std::find_if(objects.begin(), objects.end(),
-                                  [&](const Reference<Object>& candidate) { return candidate.in() == object; });
-  if (found == objects.end()) {
-    return false;
-  }
-  objects.erase(found);
-  return true;
-}
-
-template <typename Qos>
-bool is_acceptable(const Qos& qos) {
-  return is_marked_default(qos) || qos.presentation.access_scope == DDS::INSTANCE_PRESENTATION_QOS;
-}
-
-}  // namespace
-
-ParticipantImpl::ParticipantImpl(DDS::DomainId_t domain)
-    : entity_handle_(next_instance_handle()),
-      domain_(domain),
-      delivery_(std::make_shared<Delivery>()),
-      topic_qos_(initial_topic_qos()) {}
+ParticipantImpl::ParticipantImpl(DDS::DomainId_t domain) : domain_(domain) {}
 
 ParticipantImpl::~ParticipantImpl() = default;
 
 bool ParticipantImpl::open() {
-  if (domain_ < 0) {
-    return false;
-  }
-  const dds_entity_t participant = dds_create_participant(static_cast<dds_domainid_t>(domain_), nullptr, nullptr);
-  if (participant < 0) {
-    return false;
-  }
-  participant_ = participant;
-  return true;
+  return domain_ >= 0 && adopt(dds_create_participant(static_cast<dds_domainid_t>(domain_), nullptr, nullptr));
 }
 
 void ParticipantImpl::close() {
-  const dds_entity_t participant = participant_.exchange(0);
-  if (participant > 0) {
-    delete_in_cyclone(participant, this, delivery_);
-  }
+  delete_contained_entities();
+  listeners_->stop();
+  dds_delete(give_up());
 }
 
-bool ParticipantImpl::is_clean() {
+bool ParticipantImpl::is_clean() const {
   const std::lock_guard lock(mutex_);
   return publishers_.empty() && subscribers_.empty() && topics_.empty();
 }
 
-DDS::Publisher_ptr ParticipantImpl::create_publisher(const DDS::PublisherQos& qos, DDS::PublisherListener_ptr listener,
-                                                     DDS::StatusMask) {
-  if (!CORBA::is_nil(listener) || !is_acceptable(qos)) {
-    return DDS::Publisher::_nil();
-  }
-  const Reference<PublisherImpl> publisher = new PublisherImpl(*this);
-  if (!publisher->open()) {
-    return DDS::Publisher::_nil();
-  }
+DDS::ReturnCode_t ParticipantImpl::add_type(const std::string& name, OpenDDS::DCPS::TypeSupportImpl& type) {
   const std::lock_guard lock(mutex_);
-  publishers_.push_back(publisher);
+  const auto [entry, is_new] = types_.try_emplace(name, add_reference(&type));
+  const bool same = is_new || &entry->second->descriptor() == &type.descriptor();
+  return same ? DDS::RETCODE_OK : DDS::RETCODE_ERROR;
+}
+
+DDS::Publisher_ptr ParticipantImpl::create_publisher(const DDS::PublisherQos&, DDS::PublisherListener_ptr listener,
+                                                     DDS::StatusMask) {
+  const Reference<PublisherImpl> publisher = new PublisherImpl(*this);
+  if (!CORBA::is_nil(listener) || !publisher->open()) {
+    return DDS::Publisher::_nil();
+  }
+  publishers_.add(*publisher.in());
   return DDS::Publisher::_duplicate(publisher.in());
 }
 
 DDS::ReturnCode_t ParticipantImpl::delete_publisher(DDS::Publisher_ptr publisher) {
-  const Reference<PublisherImpl> known = narrow<PublisherImpl>(publisher);
-  if (CORBA::is_nil(known)) {
-    return DDS::RETCODE_ERROR;
-  }
-  if (!known->is_clean()) {
-    return DDS::RETCODE_PRECONDITION_NOT_MET;
-  }
-  {
-    const std::lock_guard lock(mutex_);
-    if (!remove<PublisherImpl>(publishers_, known.in())) {
-      return DDS::RETCODE_ERROR;
-    }
-  }
-  known->close();
-  return DDS::RETCODE_OK;
+  return publishers_.close_one(publisher, [](const PublisherImpl& known) { return known.is_clean(); });
 }
 
-DDS::Subscriber_ptr ParticipantImpl::create_subscriber(const DDS::SubscriberQos& qos,
-                                                       DDS::SubscriberListener_ptr listener, DDS::StatusMask) {
-  if (!CORBA::is_nil(listener) || !is_acceptable(qos)) {
-    return DDS::Subscriber::_nil();
-  }
+DDS::Subscriber_ptr ParticipantImpl::create_subscriber(const DDS::SubscriberQos&, DDS::SubscriberListener_ptr listener,
+                                                       DDS::StatusMask) {
   const Reference<SubscriberImpl> subscriber = new SubscriberImpl(*this);
-  if (!subscriber->open()) {
+  if (!CORBA::is_nil(listener) || !subscriber->open()) {
     return DDS::Subscriber::_nil();
   }
-  const std::lock_guard lock(mutex_);
-  subscribers_.push_back(subscriber);
+  subscribers_.add(*subscriber.in());
   return DDS::Subscriber::_duplicate(subscriber.in());
 }
 
 DDS::ReturnCode_t ParticipantImpl::delete_subscriber(DDS::Subscriber_ptr subscriber) {
-  const Reference<SubscriberImpl> known = narrow<SubscriberImpl>(subscriber);
-  if (CORBA::is_nil(known)) {
-    return DDS::RETCODE_ERROR;
-  }
-  if (!known->is_clean()) {
-    return DDS::RETCODE_PRECONDITION_NOT_MET;
-  }
-  {
-    const std::lock_guard lock(mutex_);
-    if (!remove<SubscriberImpl>(subscribers_, known.in())) {
-      return DDS::RETCODE_ERROR;
-    }
-  }
-  known->close();
-  return DDS::RETCODE_OK;
+  return subscribers_.close_one(subscriber, [](const SubscriberImpl& known) { return known.is_clean(); });
 }
 
-DDS::Topic_ptr ParticipantImpl::create_topic(const char* topic_name, const char* type_name, const DDS::TopicQos& qos,
+DDS::Topic_ptr ParticipantImpl::create_topic(const char* topic_name, const char* type_name, const DDS::TopicQos&,
                                              DDS::TopicListener_ptr listener, DDS::StatusMask) {
   if (topic_name == nullptr || type_name == nullptr || !CORBA::is_nil(listener)) {
     return DDS::Topic::_nil();
   }
-  Reference<OpenDDS::DCPS::TypeSupportImpl> type = TypeRegistry::instance().find(this, type_name);
   const std::lock_guard lock(mutex_);
-  const DDS::TopicQos wanted = is_marked_default(qos) ? topic_qos_ : qos;
   const auto existing = topics_.find(topic_name);
-  if (existing != topics_.end()) {
-    NamedTopic& named = existing->second;
-    if (named.topic->type_name() != type_name || !same(named.topic->qos(), wanted)) {
-      return DDS::Topic::_nil();
+  if (existing == topics_.end()) {
+    Reference<TopicImpl> topic = new_topic(topic_name, type_name);
+    if (!CORBA::is_nil(topic)) {
+      topics_.emplace(topic_name, NamedTopic{topic, 1});
     }
-    ++named.uses;
-    return DDS::Topic::_duplicate(named.topic.in());
+    return topic._retn();
   }
-  if (CORBA::is_nil(type)) {
+  NamedTopic& named = existing->second;
+  if (named.topic->type_name() != type_name) {
     return DDS::Topic::_nil();
   }
-  const Reference<TopicImpl> topic = new TopicImpl(*this, topic_name, type_name, wanted, type);
-  if (!topic->open()) {
-    return DDS::Topic::_nil();
+  ++named.uses;
+  return DDS::Topic::_duplicate(named.topic.in());
+}
+
+Reference<TopicImpl> ParticipantImpl::new_topic(const std::string& name, const std::string& type_name) {
+  const auto type = types_.find(type_name);
+  if (type == types_.end()) {
+    return {};
   }
-  topics_.emplace(topic_name, NamedTopic{topic, 1});
-  return DDS::Topic::_duplicate(topic.in());
+  const Reference<TopicImpl> topic = new TopicImpl(*this, name, type_name, type->second);
+  return topic->open() ? topic : Reference<TopicImpl>();
 }
 
 DDS::ReturnCode_t ParticipantImpl::delete_topic(DDS::Topic_ptr topic) {
@@ -162,75 +96,34 @@ DDS::ReturnCode_t ParticipantImpl::delete_topic(DDS::Topic_ptr topic) {
   if (CORBA::is_nil(known)) {
     return DDS::RETCODE_ERROR;
   }
-  if (known->owner() != this) {
-    return DDS::RETCODE_PRECONDITION_NOT_MET;
-  }
   const std::lock_guard lock(mutex_);
-  if (known->in_use()) {
+  if (known->owner() != this || known->in_use()) {
     return DDS::RETCODE_PRECONDITION_NOT_MET;
   }
   const auto entry = topics_.find(known->name());
   if (entry == topics_.end() || entry->second.topic.in() != known.in()) {
     return DDS::RETCODE_ERROR;
   }
-  if (--entry->second.uses > 0) {
-    return DDS::RETCODE_OK;
+  if (--entry->second.uses == 0) {
+    topics_.erase(entry);
+    known->close();
   }
-  topics_.erase(entry);
-  known->close();
   return DDS::RETCODE_OK;
 }
 
 DDS::ReturnCode_t ParticipantImpl::delete_contained_entities() {
-  std::vector<Reference<PublisherImpl>> publishers;
-  std::vector<Reference<SubscriberImpl>> subscribers;
-  std::map<std::string, NamedTopic> topics;
+  publishers_.close_all();
+  subscribers_.close_all();
+  decltype(types_) types;
+  decltype(topics_) topics;
   {
     const std::lock_guard lock(mutex_);
-    publishers.swap(publishers_);
-    subscribers.swap(subscribers_);
+    types.swap(types_);
     topics.swap(topics_);
-  }
-  for (const auto& publisher : publishers) {
-    publisher->close();
-  }
-  for (const auto& subscriber : subscribers) {
-    subscriber->close();
   }
   for (const auto& [name, named] : topics) {
     named.topic->close();
   }
-  TypeRegistry::instance().remove_all(this);
-  return DDS::RETCODE_OK;
-}
-
-DDS::ReturnCode_t ParticipantImpl::get_qos(DDS::DomainParticipantQos& qos) {
-  qos = {};
-  return DDS::RETCODE_OK;
-}
-
-DDS::ReturnCode_t ParticipantImpl::get_default_publisher_qos(DDS::PublisherQos& qos) {
-  qos = {};
-  return DDS::RETCODE_OK;
-}
-
-DDS::ReturnCode_t ParticipantImpl::get_default_subscriber_qos(DDS::SubscriberQos& qos) {
-  qos = {};
-  return DDS::RETCODE_OK;
-}
-
-DDS::ReturnCode_t ParticipantImpl::set_default_topic_qos(const DDS::TopicQos& qos) {
-  if (is_marked_default(qos)) {
-    return DDS::RETCODE_INCONSISTENT_POLICY;
-  }
-  const std::lock_guard lock(mutex_);
-  topic_qos_ = qos;
-  return DDS::RETCODE_OK;
-}
-
-DDS::ReturnCode_t ParticipantImpl::get_default_topic_qos(DDS::TopicQos& qos) {
-  const std::lock_guard lock(mutex_);
-  qos = topic_qos_;
   return DDS::RETCODE_OK;
 }
 

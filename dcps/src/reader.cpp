@@ -1,127 +1,122 @@
 #include <dcps/reader.h>
 
-#include "dcps/src/arrivals.h"
-#include "dcps/src/callback_order.h"
-#include "dcps/src/engine.h"
-#include "dcps/src/listener_calls.h"
 #include "dcps/src/qos.h"
-#include "dcps/src/reader_events.h"
+#include "dcps/src/reader_cache.h"
 #include "dcps/src/statuses.h"
 #include "dcps/src/subscriber.h"
-#include "dcps/src/thread_role.h"
 #include "dcps/src/topic.h"
 
 namespace dcps {
 
-DataReaderImpl::DataReaderImpl(std::size_t sample_size)
-    : entity_handle_(next_instance_handle()),
-      arrivals_(std::make_unique<Arrivals>(sample_size, next_instance_handle())) {}
+namespace {
 
-DataReaderImpl::~DataReaderImpl() {
-  CallbackOrder::enter(this);
+using Listener = DDS::DataReaderListener;
+
+/// Fetches a status of Cyclone's reader and reports it.
+template <auto get, auto operation, typename CycloneStatus>
+void report(DataReaderImpl& reader, Listener& listener) {
+  CycloneStatus status{};
+  if (get(reader.cyclone(), &status) == DDS_RETCODE_OK) {
+    (listener.*operation)(&reader, to_dcps(status));
+  }
 }
 
-bool DataReaderImpl::open(SubscriberImpl& subscriber, TopicImpl& topic, const DDS::DataReaderQos& qos,
-                          DDS::DataReaderListener_ptr listener, DDS::StatusMask mask) {
-  qos_ = qos;
+struct ReportedStatus {
+  DDS::StatusKind kind;
+  uint32_t cyclone_kind;
+  void (*report)(DataReaderImpl& reader, Listener& listener);
+};
+
+/// The statuses that listeners are called for, data apart.
+constexpr ReportedStatus STATUSES[] = {
+    {DDS::SUBSCRIPTION_MATCHED_STATUS, DDS_SUBSCRIPTION_MATCHED_STATUS,
+     report<dds_get_subscription_matched_status, &Listener::on_subscription_matched,
+            dds_subscription_matched_status_t>},
+    {DDS::LIVELINESS_CHANGED_STATUS, DDS_LIVELINESS_CHANGED_STATUS,
+     report<dds_get_liveliness_changed_status, &Listener::on_liveliness_changed, dds_liveliness_changed_status_t>},
+    {DDS::REQUESTED_INCOMPATIBLE_QOS_STATUS, DDS_REQUESTED_INCOMPATIBLE_QOS_STATUS,
+     report<dds_get_requested_incompatible_qos_status, &Listener::on_requested_incompatible_qos,
+            dds_requested_incompatible_qos_status_t>},
+    {DDS::REQUESTED_DEADLINE_MISSED_STATUS, DDS_REQUESTED_DEADLINE_MISSED_STATUS,
+     report<dds_get_requested_deadline_missed_status, &Listener::on_requested_deadline_missed,
+            dds_requested_deadline_missed_status_t>},
+    {DDS::SAMPLE_REJECTED_STATUS, DDS_SAMPLE_REJECTED_STATUS,
+     report<dds_get_sample_rejected_status, &Listener::on_sample_rejected, dds_sample_rejected_status_t>},
+    {DDS::SAMPLE_LOST_STATUS, DDS_SAMPLE_LOST_STATUS,
+     report<dds_get_sample_lost_status, &Listener::on_sample_lost, dds_sample_lost_status_t>},
+};
+
+/// Cyclone's mask for the statuses in `mask`, data apart.
+uint32_t to_cyclone(DDS::StatusMask mask) {
+  uint32_t cyclone_mask = 0;
+  for (const ReportedStatus& status : STATUSES) {
+    cyclone_mask |= (mask & status.kind) != 0 ? status.cyclone_kind : 0;
+  }
+  return cyclone_mask;
+}
+
+/// Makes one call for a status in `mask` that has changed. False if none has, or if the reader is deleted.
+bool report_status(DataReaderImpl& reader, Listener& listener, DDS::StatusMask mask) {
+  uint32_t changed = 0;
+  dds_get_status_changes(reader.cyclone(), &changed);
+  for (const ReportedStatus& status : STATUSES) {
+    if ((mask & status.kind) != 0 && (changed & status.cyclone_kind) != 0) {
+      status.report(reader, listener);
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+DataReaderImpl::DataReaderImpl(std::size_t sample_size)
+    : cache_(std::make_unique<ReaderCache>(sample_size, next_instance_handle())) {}
+
+DataReaderImpl::~DataReaderImpl() = default;
+
+bool DataReaderImpl::open(SubscriberImpl& subscriber, TopicImpl& topic, const DDS::DataReaderQos& qos) {
   subscriber_ = add_reference(&subscriber);
   topic_ = add_reference(&topic);
-  listener_ = listener;
-  calls_ = std::make_unique<ListenerCalls>(subscriber.participant().delivery(), listener);
-  arrivals_->set_filter(std::chrono::nanoseconds(to_cyclone(qos.time_based_filter.minimum_separation)),
-                        qos.reliability.kind == DDS::RELIABLE_RELIABILITY_QOS);
-  const CycloneQos cyclone_qos = to_cyclone(qos);
-  if (CORBA::is_nil(listener)) {
-    mask = OpenDDS::DCPS::NO_STATUS_MASK;
-  }
-  tells_of_data_ = (mask & DDS::DATA_AVAILABLE_STATUS) != 0;
-  // The filter goes by the times of arrival, so it has to see each sample when it comes.
-  const CycloneListener events = ReaderEvents::listener_for(*this, mask | DDS::DATA_AVAILABLE_STATUS);
-  CallbackOrder::leave(this);
-  const UserCall call;
-  const dds_entity_t reader = dds_create_reader(subscriber.cyclone(), topic.cyclone(), cyclone_qos.get(), events.get());
-  if (reader < 0) {
+  if (!adopt(dds_create_reader(subscriber.cyclone(), topic.cyclone(), to_cyclone(qos).get(), nullptr))) {
     return false;
   }
   topic.add_user();
-  reader_ = reader;
   return true;
 }
 
-void DataReaderImpl::close() {
-  const dds_entity_t reader = reader_.exchange(0);
-  if (reader <= 0) {
-    return;
+bool DataReaderImpl::listen(DDS::DataReaderListener_ptr listener, DDS::StatusMask mask) {
+  if (CORBA::is_nil(listener)) {
+    return true;
   }
-  calls_->close();
-  delete_in_cyclone(reader, this, subscriber_->participant().delivery());
+  dds_set_status_mask(cyclone(), to_cyclone(mask));
+  const bool wants_data = (mask & DDS::DATA_AVAILABLE_STATUS) != 0;
+  const dds_entity_t data = wants_data ? dds_create_readcondition(cyclone(), NOT_NOTIFIED) : 0;
+  auto step = [self = add_reference(this), listener = add_reference(listener), mask] {
+    return self->call_next(*listener.in(), mask);
+  };
+  const ParticipantImpl& participant = subscriber_->participant();
+  return participant.listeners().add(participant.cyclone(), cyclone(), data, std::move(step));
+}
+
+void DataReaderImpl::close() {
+  // A call that still runs may take.
+  subscriber_->participant().listeners().remove(cyclone());
+  dds_delete(give_up());
   topic_->remove_user();
 }
 
-void DataReaderImpl::data_arrived(int reader) {
-  const auto held_until = arrivals_->collect(reader);
-  if (held_until) {
-    calls_->post_at(*held_until, [kept = add_reference(this)] { kept->held_time_over(); });
+bool DataReaderImpl::call_next(DDS::DataReaderListener& listener, DDS::StatusMask mask) {
+  const bool data = (mask & DDS::DATA_AVAILABLE_STATUS) != 0 && cache_->next_notification(cyclone());
+  if (data) {
+    listener.on_data_available(this);
   }
-  if (!tells_of_data_ || !arrivals_->begin_notifying()) {
-    return;
-  }
-  if (listener_has_returned_ && !UserCall::on_this_thread()) {
-    const EngineCall call;
-    const auto kept = add_reference(this);
-    notify_all();
-    return;
-  }
-  calls_->post([kept = add_reference(this)] { kept->notify_all(); });
-}
-
-void DataReaderImpl::held_time_over() {
-  arrivals_->release_held();
-  if (tells_of_data_ && arrivals_->begin_notifying()) {
-    notify_all();
-  }
-}
-
-void DataReaderImpl::notify_all() noexcept {
-  bool open = true;
-  while (open && arrivals_->next_notification()) {
-    open = calls_->call([this] { listener_->on_data_available(this); });
-    listener_has_returned_ = true;
-  }
+  return report_status(*this, listener, mask) || data;
 }
 
 DDS::ReturnCode_t DataReaderImpl::take_sample(void* sample, DDS::SampleInfo& info) {
-  return arrivals_->take(reader_, sample, info) ? DDS::RETCODE_OK : DDS::RETCODE_NO_DATA;
-}
-
-DDS::ReturnCode_t DataReaderImpl::enable() {
-  return DDS::RETCODE_OK;
-}
-
-DDS::InstanceHandle_t DataReaderImpl::get_instance_handle() {
-  return entity_handle_;
-}
-
-DDS::ReturnCode_t DataReaderImpl::get_qos(DDS::DataReaderQos& qos) {
-  qos = qos_;
-  return DDS::RETCODE_OK;
-}
-
-DDS::TopicDescription_ptr DataReaderImpl::get_topicdescription() {
-  return DDS::TopicDescription::_duplicate(topic_.in());
-}
-
-DDS::Subscriber_ptr DataReaderImpl::get_subscriber() {
-  return DDS::Subscriber::_duplicate(subscriber_.in());
-}
-
-DDS::ReturnCode_t DataReaderImpl::get_subscription_matched_status(DDS::SubscriptionMatchedStatus& status) {
-  dds_subscription_matched_status_t cyclone{};
-  const DDS::ReturnCode_t result = to_return_code(dds_get_subscription_matched_status(reader_, &cyclone));
-  if (result == DDS::RETCODE_OK) {
-    status = to_dcps(cyclone);
-  }
-  return result;
+  const dds_entity_t reader = cyclone();
+  return reader == 0 ? DDS::RETCODE_ALREADY_DELETED : cache_->take(reader, sample, info);
 }
 
 }  // namespace dcps

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <dcps/dds_start.h>
+
 #include <atomic>
 #include <functional>
 #include <map>
@@ -9,6 +11,7 @@
 #include <string>
 
 #include "tests/doubles/call_log.h"
+#include "tests/doubles/fake_varnok.h"
 #include "varnok_attributes.h"
 #include "varnok_dds.h"
 
@@ -24,7 +27,7 @@ namespace doubles {
 /// <source> <timestamp> <handle>".
 class DdsStandIn {
 public:
-  DdsStandIn();
+  explicit DdsStandIn(DDS::DomainParticipant_ptr real = real_participant());
   ~DdsStandIn();
   DdsStandIn(const DdsStandIn&) = delete;
   DdsStandIn& operator=(const DdsStandIn&) = delete;
@@ -37,9 +40,6 @@ public:
   DdsStandIn& runs_last(const std::string& step, std::function<void()> action);
 
   DDS::DomainParticipant_ptr participant() const;
-  /// The stand-in shows no handle of its own: the engine then keeps the types registered with it apart from the real
-  /// participant's.
-  DdsStandIn& has_no_handle();
 
   /// What the last writer and the last reader were made with.
   DDS::DataWriterQos writer_qos() const;
@@ -58,25 +58,31 @@ private:
   DDS::DomainParticipant_var participant_;
 };
 
-/// While it lives, the participant knows the type name of attribute `Taken` as that of another type, so that
-/// registering `Taken` is refused. The participant has no type of that name yet.
+/// A participant of its own that knows the type name of attribute `Taken` as that of another type, so that registering
+/// `Taken` with it is refused.
 template <typename Taken, typename Other>
 class TypeNameTaken {
 public:
-  explicit TypeNameTaken(DDS::DomainParticipant_ptr participant)
-      : participant_(DDS::DomainParticipant::_duplicate(participant)), other_(new typename Other::TypeSupportImpl) {
+  TypeNameTaken() : factory_(dcps::start_dds()) {
+    participant_ = factory_->create_participant(real_domain(), PARTICIPANT_QOS_DEFAULT,
+                                                DDS::DomainParticipantListener::_nil(), Varnok::ALL_STATUSES);
     const typename Taken::TypeSupport_var taken = new typename Taken::TypeSupportImpl;
-    name_ = taken->get_type_name();
-    other_->register_type(participant_.in(), name_.in());
+    const typename Other::TypeSupport_var other = new typename Other::TypeSupportImpl;
+    const CORBA::String_var name = taken->get_type_name();
+    other->register_type(participant_.in(), name.in());
   }
-  ~TypeNameTaken() { other_->unregister_type(participant_.in(), name_.in()); }
+  ~TypeNameTaken() {
+    participant_->delete_contained_entities();
+    factory_->delete_participant(participant_.in());
+  }
   TypeNameTaken(const TypeNameTaken&) = delete;
   TypeNameTaken& operator=(const TypeNameTaken&) = delete;
 
+  DDS::DomainParticipant_ptr participant() const { return participant_.in(); }
+
 private:
+  DDS::DomainParticipantFactory_var factory_;
   DDS::DomainParticipant_var participant_;
-  CORBA::String_var name_;
-  typename Other::TypeSupport_var other_;
 };
 
 /// A typed reader of void attributes that yields what it is told.
@@ -92,12 +98,7 @@ public:
   unsigned int takes() const { return takes_; }
 
   DDS::ReturnCode_t take_next_sample(Varnok::QTNN_DDS::ATTR_VOID& sample, DDS::SampleInfo& info) override;
-  DDS::ReturnCode_t enable() override;
   DDS::InstanceHandle_t get_instance_handle() override;
-  DDS::ReturnCode_t get_qos(DDS::DataReaderQos& qos) override;
-  DDS::TopicDescription_ptr get_topicdescription() override;
-  DDS::Subscriber_ptr get_subscriber() override;
-  DDS::ReturnCode_t get_subscription_matched_status(DDS::SubscriptionMatchedStatus& status) override;
 
 private:
   DDS::ReturnCode_t result_;

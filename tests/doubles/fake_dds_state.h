@@ -45,7 +45,6 @@ public:
   DDS::DataReaderListener_var reader_listener;
   std::set<DDS::StatusMask> masks;
   bool listeners_given = false;
-  bool without_handle = false;
 
 private:
   void run(const std::map<std::string, std::function<void()>>& actions, const std::string& step) {

@@ -1,5 +1,4 @@
 #include "tests/doubles/fake_dds_state.h"
-#include "tests/doubles/fake_varnok.h"
 
 namespace doubles {
 
@@ -9,8 +8,8 @@ using State = std::shared_ptr<DdsStandIn::State>;
 
 class StandInParticipant : public virtual OpenDDS::DCPS::LocalObject<DDS::DomainParticipant> {
 public:
-  explicit StandInParticipant(const State& state)
-      : state_(state), real_(DDS::DomainParticipant::_duplicate(real_participant())) {}
+  StandInParticipant(const State& state, DDS::DomainParticipant_ptr real)
+      : state_(state), real_(DDS::DomainParticipant::_duplicate(real)) {}
 
   DDS::Publisher_ptr create_publisher(const DDS::PublisherQos& qos, DDS::PublisherListener_ptr listener,
                                       DDS::StatusMask mask) override {
@@ -50,23 +49,9 @@ public:
     return real_->delete_topic(topic);
   }
 
-  DDS::ReturnCode_t enable() override { return real_->enable(); }
-  DDS::InstanceHandle_t get_instance_handle() override {
-    return state_->without_handle ? DDS::HANDLE_NIL : real_->get_instance_handle();
-  }
+  DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }
   DDS::ReturnCode_t delete_contained_entities() override { return real_->delete_contained_entities(); }
-  DDS::ReturnCode_t get_qos(DDS::DomainParticipantQos& qos) override { return real_->get_qos(qos); }
   DDS::DomainId_t get_domain_id() override { return real_->get_domain_id(); }
-  DDS::ReturnCode_t get_default_publisher_qos(DDS::PublisherQos& qos) override {
-    return real_->get_default_publisher_qos(qos);
-  }
-  DDS::ReturnCode_t get_default_subscriber_qos(DDS::SubscriberQos& qos) override {
-    return real_->get_default_subscriber_qos(qos);
-  }
-  DDS::ReturnCode_t set_default_topic_qos(const DDS::TopicQos& qos) override {
-    return real_->set_default_topic_qos(qos);
-  }
-  DDS::ReturnCode_t get_default_topic_qos(DDS::TopicQos& qos) override { return real_->get_default_topic_qos(qos); }
 
 private:
   State state_;
@@ -75,7 +60,8 @@ private:
 
 }  // namespace
 
-DdsStandIn::DdsStandIn() : state_(std::make_shared<State>()), participant_(new StandInParticipant(state_)) {}
+DdsStandIn::DdsStandIn(DDS::DomainParticipant_ptr real)
+    : state_(std::make_shared<State>()), participant_(new StandInParticipant(state_, real)) {}
 
 DdsStandIn::~DdsStandIn() = default;
 
@@ -93,11 +79,6 @@ DdsStandIn& DdsStandIn::runs_first(const std::string& step, std::function<void()
 DdsStandIn& DdsStandIn::runs_last(const std::string& step, std::function<void()> action) {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   state_->last[step] = std::move(action);
-  return *this;
-}
-
-DdsStandIn& DdsStandIn::has_no_handle() {
-  state_->without_handle = true;
   return *this;
 }
 

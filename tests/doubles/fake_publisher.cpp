@@ -13,14 +13,7 @@ class StandInWriter : public virtual OpenDDS::DCPS::LocalObject<Interface> {
 public:
   StandInWriter(const State& state, DDS::DataWriter_ptr real) : state_(state), real_(real) {}
 
-  DDS::ReturnCode_t enable() override { return real_->enable(); }
   DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }
-  DDS::ReturnCode_t get_qos(DDS::DataWriterQos& qos) override { return real_->get_qos(qos); }
-  DDS::Topic_ptr get_topic() override { return real_->get_topic(); }
-  DDS::Publisher_ptr get_publisher() override { return real_->get_publisher(); }
-  DDS::ReturnCode_t wait_for_acknowledgments(const DDS::Duration_t& wait) override {
-    return real_->wait_for_acknowledgments(wait);
-  }
   DDS::ReturnCode_t get_publication_matched_status(DDS::PublicationMatchedStatus& status) override {
     return real_->get_publication_matched_status(status);
   }
@@ -50,9 +43,6 @@ public:
   }
   DDS::ReturnCode_t dispose(const Boolean::Sample& sample, DDS::InstanceHandle_t handle) override {
     return typed_->dispose(sample, handle);
-  }
-  DDS::InstanceHandle_t lookup_instance(const Boolean::Sample& sample) override {
-    return typed_->lookup_instance(sample);
   }
 
 private:
@@ -97,15 +87,8 @@ public:
     return real_->delete_contained_entities();
   }
 
-  DDS::ReturnCode_t enable() override { return real_->enable(); }
   DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }
   DDS::ReturnCode_t delete_datawriter(DDS::DataWriter_ptr writer) override { return real_->delete_datawriter(writer); }
-  DDS::DataWriter_ptr lookup_datawriter(const char* topic) override { return real_->lookup_datawriter(topic); }
-  DDS::ReturnCode_t get_qos(DDS::PublisherQos& qos) override { return real_->get_qos(qos); }
-  DDS::DomainParticipant_ptr get_participant() override { return real_->get_participant(); }
-  DDS::ReturnCode_t set_default_datawriter_qos(const DDS::DataWriterQos& qos) override {
-    return real_->set_default_datawriter_qos(qos);
-  }
 
 private:
   State state_;

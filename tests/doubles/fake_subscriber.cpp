@@ -43,15 +43,8 @@ public:
     return result;
   }
 
-  DDS::ReturnCode_t enable() override { return real_->enable(); }
   DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }
   DDS::ReturnCode_t delete_datareader(DDS::DataReader_ptr reader) override { return real_->delete_datareader(reader); }
-  DDS::DataReader_ptr lookup_datareader(const char* topic) override { return real_->lookup_datareader(topic); }
-  DDS::ReturnCode_t get_qos(DDS::SubscriberQos& qos) override { return real_->get_qos(qos); }
-  DDS::DomainParticipant_ptr get_participant() override { return real_->get_participant(); }
-  DDS::ReturnCode_t set_default_datareader_qos(const DDS::DataReaderQos& qos) override {
-    return real_->set_default_datareader_qos(qos);
-  }
 
 private:
   State state_;
@@ -89,23 +82,8 @@ DDS::ReturnCode_t ScriptedReader::take_next_sample(Varnok::QTNN_DDS::ATTR_VOID&,
   return result_;
 }
 
-DDS::ReturnCode_t ScriptedReader::enable() {
-  return DDS::RETCODE_OK;
-}
 DDS::InstanceHandle_t ScriptedReader::get_instance_handle() {
   return DDS::HANDLE_NIL;
-}
-DDS::ReturnCode_t ScriptedReader::get_qos(DDS::DataReaderQos&) {
-  return DDS::RETCODE_UNSUPPORTED;
-}
-DDS::TopicDescription_ptr ScriptedReader::get_topicdescription() {
-  return DDS::TopicDescription::_nil();
-}
-DDS::Subscriber_ptr ScriptedReader::get_subscriber() {
-  return DDS::Subscriber::_nil();
-}
-DDS::ReturnCode_t ScriptedReader::get_subscription_matched_status(DDS::SubscriptionMatchedStatus&) {
-  return DDS::RETCODE_UNSUPPORTED;
 }
 
 }  // namespace doubles

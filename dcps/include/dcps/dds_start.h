@@ -4,8 +4,8 @@
 
 namespace dcps {
 
-/// Starts the process's DDS, or returns the factory of the one that is started; the caller owns the reference. The
-/// network that it keeps to is what CYCLONEDDS_URI says. Nil where it cannot be started. Any thread.
+/// Starts the process's DDS unless it is started, and returns its factory; the caller owns the reference. The
+/// environment variable CYCLONEDDS_URI configures the network. Any thread.
 inline DDS::DomainParticipantFactory_ptr start_dds() {
   return TheParticipantFactory;
 }

@@ -6,17 +6,17 @@
 
 namespace dcps {
 
-/// Base of every interface whose objects live in this process only: the DDS entities, listeners and type supports.
+/// Base of the interfaces of process-local objects: DDS entities, listeners and type supports.
 ///
 /// A nil reference of such an interface is a null pointer. References are counted: _duplicate() adds one,
-/// CORBA::release() gives one back, and an object goes with its last reference. Counting is thread-safe.
+/// CORBA::release() removes one, and the last one deletes the object. Counting is thread-safe.
 class __attribute__((visibility("default"))) LocalInterface : public virtual CORBA::LocalObject {
 protected:
   /// Marks the object as local: CORBA::release() of a plain object reference then counts here as well.
   LocalInterface() { _PR_setobj(reinterpret_cast<omniObjRef*>(1)); }
 };
 
-/// What a reference holder (`X_var`) asks of its interface.
+/// What a reference holder (`X_var`) needs of its interface.
 template <typename Interface>
 struct ReferenceHelper {
   static Interface* _nil() { return nullptr; }
@@ -37,7 +37,14 @@ struct ReferenceHelper {
 template <typename Interface>
 using Reference = _CORBA_ObjRef_Var<Interface, ReferenceHelper<Interface>>;
 
-/// The same object by another of its interfaces, with a reference added; nil when it has no such interface.
+/// A holder with a reference of its own.
+template <typename Interface>
+Reference<Interface> add_reference(Interface* reference) {
+  ReferenceHelper<Interface>::duplicate(reference);
+  return Reference<Interface>(reference);
+}
+
+/// The same object by another of its interfaces, with a reference added; nil if it has no such interface.
 template <typename Interface>
 Interface* narrow(CORBA::Object_ptr object) {
   auto* narrowed = dynamic_cast<Interface*>(object);
@@ -75,7 +82,7 @@ void release(Interface* reference) {
   using Interface##_ptr = Interface*;     \
   using Interface##_var = dcps::Reference<Interface>
 
-/// What the CORBA mapping gives every interface; stands in its public part.
+/// What the CORBA mapping gives every interface; belongs in its public part.
 #define DCPS_INTERFACE_BODY(Interface)                           \
   using _ptr_type = Interface##_ptr;                             \
   using _var_type = Interface##_var;                             \

@@ -2,7 +2,8 @@
 
 #include <dcps/local_interface.h>
 
-/// The DDS quality-of-service policies. Durations are seconds and nanoseconds; both DURATION_INFINITE_…: without end.
+/// The DDS quality-of-service policies. Durations are seconds and nanoseconds; infinite if both are
+/// DURATION_INFINITE_….
 namespace DDS {
 
 using InstanceHandle_t = CORBA::Long;
@@ -37,7 +38,6 @@ enum DestinationOrderQosPolicyKind : int {
   BY_SOURCE_TIMESTAMP_DESTINATIONORDER_QOS
 };
 enum OwnershipQosPolicyKind : int { SHARED_OWNERSHIP_QOS, EXCLUSIVE_OWNERSHIP_QOS };
-enum PresentationQosPolicyAccessScopeKind : int { INSTANCE_PRESENTATION_QOS };
 
 struct DurabilityQosPolicy {
   DurabilityQosPolicyKind kind;
@@ -47,10 +47,6 @@ struct DeadlineQosPolicy {
   Duration_t period;
 };
 
-struct LatencyBudgetQosPolicy {
-  Duration_t duration;
-};
-
 struct LivelinessQosPolicy {
   LivelinessQosPolicyKind kind;
   Duration_t lease_duration;
@@ -58,28 +54,24 @@ struct LivelinessQosPolicy {
 
 struct ReliabilityQosPolicy {
   ReliabilityQosPolicyKind kind;
-  Duration_t max_blocking_time;  ///< how long a write may wait for room
+  Duration_t max_blocking_time;  ///< limit of a write that waits for room
 };
 
 struct DestinationOrderQosPolicy {
   DestinationOrderQosPolicyKind kind;
 };
 
-/// Of a transient-local writer this is also what a reader that joins later gets.
+/// For a transient-local writer, also what a late reader receives.
 struct HistoryQosPolicy {
   HistoryQosPolicyKind kind;
-  CORBA::Long depth;  ///< samples of an instance that KEEP_LAST keeps
+  CORBA::Long depth;  ///< samples kept per instance by KEEP_LAST
 };
 
-/// Counts; LENGTH_UNLIMITED: no limit.
+/// Counts, or LENGTH_UNLIMITED.
 struct ResourceLimitsQosPolicy {
   CORBA::Long max_samples;
   CORBA::Long max_instances;
   CORBA::Long max_samples_per_instance;
-};
-
-struct TransportPriorityQosPolicy {
-  CORBA::Long value;
 };
 
 struct LifespanQosPolicy {
@@ -90,25 +82,13 @@ struct OwnershipQosPolicy {
   OwnershipQosPolicyKind kind;
 };
 
-struct OwnershipStrengthQosPolicy {
-  CORBA::Long value;
-};
-
-struct PresentationQosPolicy {
-  PresentationQosPolicyAccessScopeKind access_scope;
-};
-
+/// Announced to writers; the reader still receives every sample.
 struct TimeBasedFilterQosPolicy {
-  Duration_t minimum_separation;  ///< between two samples that a reader gets; zero: it gets all
+  Duration_t minimum_separation;
 };
 
 struct WriterDataLifecycleQosPolicy {
   CORBA::Boolean autodispose_unregistered_instances;
-};
-
-struct ReaderDataLifecycleQosPolicy {
-  Duration_t autopurge_nowriter_samples_delay;
-  Duration_t autopurge_disposed_samples_delay;
 };
 
 }  // namespace DDS

@@ -2,7 +2,7 @@
 
 #include <dds/DdsDcpsCoreC.h>
 
-/// What comes with a sample, and the statuses that listeners are told of.
+/// Sample information, and the statuses reported to listeners.
 namespace DDS {
 
 using SampleStateKind = CORBA::ULong;
@@ -26,15 +26,10 @@ struct SampleInfo {
   InstanceHandle_t instance_handle;
   CORBA::Long disposed_generation_count;
   CORBA::Long no_writers_generation_count;
-  CORBA::Boolean valid_data;  ///< false: the sample only tells of a change of its instance's state
+  CORBA::Boolean valid_data;  ///< false if the entry only reports a change of the instance's state
 };
 
-/// Counts are totals since the entity was made; `…_change`: since the listener was last told.
-struct InconsistentTopicStatus {
-  CORBA::Long total_count;
-  CORBA::Long total_count_change;
-};
-
+/// Counts are totals since the entity was made; `…_change`: since the listener was last called.
 struct SampleLostStatus {
   CORBA::Long total_count;
   CORBA::Long total_count_change;
@@ -53,11 +48,6 @@ struct SampleRejectedStatus {
   SampleRejectedStatusKind last_reason;
 };
 
-struct LivelinessLostStatus {
-  CORBA::Long total_count;
-  CORBA::Long total_count_change;
-};
-
 struct LivelinessChangedStatus {
   CORBA::Long alive_count;
   CORBA::Long not_alive_count;
@@ -65,20 +55,9 @@ struct LivelinessChangedStatus {
   CORBA::Long not_alive_count_change;
 };
 
-struct OfferedDeadlineMissedStatus {
-  CORBA::Long total_count;
-  CORBA::Long total_count_change;
-};
-
 struct RequestedDeadlineMissedStatus {
   CORBA::Long total_count;
   CORBA::Long total_count_change;
-};
-
-struct OfferedIncompatibleQosStatus {
-  CORBA::Long total_count;
-  CORBA::Long total_count_change;
-  QosPolicyId_t last_policy_id;
 };
 
 struct RequestedIncompatibleQosStatus {

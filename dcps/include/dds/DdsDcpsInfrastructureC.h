@@ -3,7 +3,7 @@
 #include <dds/DdsDcpsInfoUtilsC.h>
 #include <dds/DdsDcpsQosC.h>
 
-/// Return codes, status masks, and the bases of all entities and listeners.
+/// Return codes, status masks, and the base classes of entities and listeners.
 namespace DDS {
 
 using DomainId_t = CORBA::Long;  ///< 0 to 230
@@ -26,22 +26,16 @@ constexpr ReturnCode_t RETCODE_NO_DATA = 11;
 constexpr ReturnCode_t RETCODE_ILLEGAL_OPERATION = 12;
 
 using StatusKind = CORBA::ULong;
-using StatusMask = CORBA::ULong;  ///< statuses of which a listener is told
-constexpr StatusKind INCONSISTENT_TOPIC_STATUS = 1U << 0;
-constexpr StatusKind OFFERED_DEADLINE_MISSED_STATUS = 1U << 1;
+using StatusMask = CORBA::ULong;  ///< statuses that a listener is called for
 constexpr StatusKind REQUESTED_DEADLINE_MISSED_STATUS = 1U << 2;
-constexpr StatusKind OFFERED_INCOMPATIBLE_QOS_STATUS = 1U << 5;
 constexpr StatusKind REQUESTED_INCOMPATIBLE_QOS_STATUS = 1U << 6;
 constexpr StatusKind SAMPLE_LOST_STATUS = 1U << 7;
 constexpr StatusKind SAMPLE_REJECTED_STATUS = 1U << 8;
-constexpr StatusKind DATA_ON_READERS_STATUS = 1U << 9;
 constexpr StatusKind DATA_AVAILABLE_STATUS = 1U << 10;
-constexpr StatusKind LIVELINESS_LOST_STATUS = 1U << 11;
 constexpr StatusKind LIVELINESS_CHANGED_STATUS = 1U << 12;
-constexpr StatusKind PUBLICATION_MATCHED_STATUS = 1U << 13;
 constexpr StatusKind SUBSCRIPTION_MATCHED_STATUS = 1U << 14;
 
-/// The policies on which a writer and a reader may disagree.
+/// The policies that can keep a writer and a reader from matching.
 constexpr QosPolicyId_t INVALID_QOS_POLICY_ID = 0;
 constexpr QosPolicyId_t DURABILITY_QOS_POLICY_ID = 2;
 constexpr QosPolicyId_t DEADLINE_QOS_POLICY_ID = 4;
@@ -69,22 +63,20 @@ DCPS_DECLARE_INTERFACE(DomainParticipantListener);
 DCPS_DECLARE_INTERFACE(DomainParticipant);
 DCPS_DECLARE_INTERFACE(DomainParticipantFactory);
 
-/// Base of the listeners. Their operations run on the engine's threads, those of one entity one after the other. An
-/// exception that leaves one ends the process (std::terminate). An entity's deletion waits for a call that is under
-/// way.
+/// Base of all listeners. A participant calls its listeners on one thread of its own, one after another. An exception
+/// from a call ends all calls of that participant's listeners. Deleting an entity waits for its running call.
 class __attribute__((visibility("default"))) Listener : public virtual dcps::LocalInterface {
 public:
   DCPS_INTERFACE_BODY(Listener)
 };
 
-/// Base of everything that takes part in a domain. Entities are enabled from the start. All their operations may be
-/// called from any thread; an entity that has been deleted refuses them.
+/// Base of all entities. Entities are enabled when made. Any thread may call their operations; a deleted entity rejects
+/// them.
 class __attribute__((visibility("default"))) Entity : public virtual dcps::LocalInterface {
 public:
   DCPS_INTERFACE_BODY(Entity)
 
-  virtual ReturnCode_t enable() = 0;
-  /// The entity's number in this process, never HANDLE_NIL.
+  /// The entity's number in this process; never HANDLE_NIL.
   virtual InstanceHandle_t get_instance_handle() = 0;
 };
 
@@ -92,8 +84,7 @@ public:
 
 namespace OpenDDS::DCPS {
 
-constexpr DDS::StatusMask ALL_STATUS_MASK = 0xffffffff;
 constexpr DDS::StatusMask NO_STATUS_MASK = 0;
-constexpr DDS::StatusMask DEFAULT_STATUS_MASK = ALL_STATUS_MASK;
+constexpr DDS::StatusMask DEFAULT_STATUS_MASK = 0xffffffff;
 
 }  // namespace OpenDDS::DCPS

@@ -2,43 +2,30 @@
 
 #include <dds/DdsDcpsCoreC.h>
 
-/// The quality of service of each kind of entity: the policies that it has.
+/// The quality of service of each kind of entity: the policies that have an effect.
 namespace DDS {
 
-struct TopicQos {
-  DurabilityQosPolicy durability;
-  DeadlineQosPolicy deadline;
-  LatencyBudgetQosPolicy latency_budget;
-  LivelinessQosPolicy liveliness;
-  ReliabilityQosPolicy reliability;
-  DestinationOrderQosPolicy destination_order;
-  HistoryQosPolicy history;
-  ResourceLimitsQosPolicy resource_limits;
-  TransportPriorityQosPolicy transport_priority;
-  LifespanQosPolicy lifespan;
-  OwnershipQosPolicy ownership;
-};
+struct DomainParticipantQos {};
+struct TopicQos {};
+struct PublisherQos {};
+struct SubscriberQos {};
 
 struct DataWriterQos {
   DurabilityQosPolicy durability;
   DeadlineQosPolicy deadline;
-  LatencyBudgetQosPolicy latency_budget;
   LivelinessQosPolicy liveliness;
   ReliabilityQosPolicy reliability;
   DestinationOrderQosPolicy destination_order;
   HistoryQosPolicy history;
   ResourceLimitsQosPolicy resource_limits;
-  TransportPriorityQosPolicy transport_priority;
   LifespanQosPolicy lifespan;
   OwnershipQosPolicy ownership;
-  OwnershipStrengthQosPolicy ownership_strength;
   WriterDataLifecycleQosPolicy writer_data_lifecycle;
 };
 
 struct DataReaderQos {
   DurabilityQosPolicy durability;
   DeadlineQosPolicy deadline;
-  LatencyBudgetQosPolicy latency_budget;
   LivelinessQosPolicy liveliness;
   ReliabilityQosPolicy reliability;
   DestinationOrderQosPolicy destination_order;
@@ -46,17 +33,6 @@ struct DataReaderQos {
   ResourceLimitsQosPolicy resource_limits;
   OwnershipQosPolicy ownership;
   TimeBasedFilterQosPolicy time_based_filter;
-  ReaderDataLifecycleQosPolicy reader_data_lifecycle;
 };
-
-struct PublisherQos {
-  PresentationQosPolicy presentation;
-};
-
-struct SubscriberQos {
-  PresentationQosPolicy presentation;
-};
-
-struct DomainParticipantQos {};
 
 }  // namespace DDS

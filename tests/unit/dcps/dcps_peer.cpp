@@ -1,14 +1,19 @@
-// dcps_peer <domain> <topic> [keep-all | no-autodispose] writes on the topic, as the lines on its standard input tell
-// it, and answers each with a line. The writer is transient-local; it keeps its last sample, or all; it ends its
-// instance by disposing it, or not. The topic "<topic>/back" is read by a listener that throws.
+// dcps_peer <domain> <topic> [keep-all | no-autodispose | errors] writes on the topic, following the lines on its
+// standard input, and answers each with a line. The writer is transient-local; it keeps its last sample, or all; it
+// ends its instance by disposing it, or not. The topic "<topic>/back" is read by a listener that throws. "errors":
+// standard error is written to standard output.
 #include <sys/resource.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "varnok_attributes.h"
 #include "varnok_dds.h"
@@ -17,14 +22,19 @@ namespace {
 
 using namespace Varnok::QTNN_DDS;
 
-/// Throws whatever comes.
+std::atomic<int> calls{0};
+
+/// Throws in every call.
 class ThrowingListener : public OpenDDS::DCPS::LocalObject<DDS::DataReaderListener> {
 public:
   void on_requested_deadline_missed(DDS::DataReader_ptr, const DDS::RequestedDeadlineMissedStatus&) override {}
   void on_requested_incompatible_qos(DDS::DataReader_ptr, const DDS::RequestedIncompatibleQosStatus&) override {}
   void on_sample_rejected(DDS::DataReader_ptr, const DDS::SampleRejectedStatus&) override {}
   void on_liveliness_changed(DDS::DataReader_ptr, const DDS::LivelinessChangedStatus&) override {}
-  void on_data_available(DDS::DataReader_ptr) override { throw std::runtime_error("thrown by the listener"); }
+  void on_data_available(DDS::DataReader_ptr) override {
+    ++calls;
+    throw std::runtime_error("thrown by the listener");
+  }
   void on_subscription_matched(DDS::DataReader_ptr, const DDS::SubscriptionMatchedStatus&) override {}
   void on_sample_lost(DDS::DataReader_ptr, const DDS::SampleLostStatus&) override {}
 };
@@ -35,7 +45,7 @@ struct Peer {
   DDS::Publisher_var publisher;
   DDS::Subscriber_var subscriber;
   ATTR_BOOLEANDataWriter_var writer;
-  DDS::DataReader_var reader;
+  ATTR_BOOLEANDataReader_var reader;
   ATTR_BOOLEAN sample{};
 };
 
@@ -68,8 +78,19 @@ std::unique_ptr<Peer> make_peer(DDS::DomainId_t domain, const std::string& topic
   peer->subscriber->get_default_datareader_qos(reader_qos);
   reader_qos.reliability.kind = DDS::RELIABLE_RELIABILITY_QOS;
   reader_qos.durability.kind = DDS::TRANSIENT_LOCAL_DURABILITY_QOS;
-  peer->reader = peer->subscriber->create_datareader(back, reader_qos, listener, DDS::DATA_AVAILABLE_STATUS);
+  const DDS::DataReader_var reader =
+      peer->subscriber->create_datareader(back, reader_qos, listener, DDS::DATA_AVAILABLE_STATUS);
+  peer->reader = ATTR_BOOLEANDataReader::_narrow(reader);
   return peer;
+}
+
+/// Returns once the sample of that number has been taken from the topic that is read.
+void take(Peer& peer, int number) {
+  ATTR_BOOLEAN sample{};
+  DDS::SampleInfo info{};
+  while (peer.reader->take_next_sample(sample, info) != DDS::RETCODE_OK || sample.quality != number) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
 }
 
 std::string obey(Peer& peer, const std::string& command, int number) {
@@ -90,6 +111,13 @@ std::string obey(Peer& peer, const std::string& command, int number) {
   if (command == "unregister") {
     return std::to_string(peer.writer->unregister_instance(peer.sample, DDS::HANDLE_NIL));
   }
+  if (command == "take") {
+    take(peer, number);
+    return "0";
+  }
+  if (command == "calls") {
+    return std::to_string(calls);
+  }
   if (command == "exit") {
     std::exit(number);
   }
@@ -106,6 +134,9 @@ std::string obey(Peer& peer, const std::string& command, int number) {
 int main(int argc, char* argv[]) {
   const rlimit no_core{0, 0};
   setrlimit(RLIMIT_CORE, &no_core);
+  if (argc > 3 && std::string(argv[3]) == "errors") {
+    dup2(STDOUT_FILENO, STDERR_FILENO);
+  }
   // Kept to the very end: "exit" leaves with everything in use.
   static const std::unique_ptr<Peer> peer = make_peer(std::atoi(argv[1]), argv[2], argc > 3 ? argv[3] : "");
   std::cout << "ready" << std::endl;

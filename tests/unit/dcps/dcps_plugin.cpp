@@ -1,4 +1,4 @@
-// A library whose static initialiser makes a subscription on a thread of its own, and goes on loading meanwhile.
+// A library whose static initialiser subscribes on a thread of its own, and waits until a sample has been heard.
 #include <condition_variable>
 #include <cstdlib>
 #include <mutex>
@@ -49,10 +49,11 @@ public:
     participant_ =
         factory_->create_participant(std::atoi(std::getenv("DCPS_PLUGIN_DOMAIN")), PARTICIPANT_QOS_DEFAULT, nullptr, 0);
     start_ = std::thread([this] { subscribe(); });
+    number_ = listener_.wait_for_number();
   }
   ~Subscription() { stop(); }
 
-  int wait_for_number() { return listener_.wait_for_number(); }
+  int number() const { return number_; }
   void stop() {
     if (!start_.joinable()) {
       return;
@@ -82,14 +83,15 @@ private:
   DDS::DomainParticipant_var participant_;
   DDS::DataReader_var reader_;
   std::thread start_;
+  int number_ = 0;
 };
 
 Subscription subscription;
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) int dcps_plugin_wait_for_number() {
-  return subscription.wait_for_number();
+extern "C" __attribute__((visibility("default"))) int dcps_plugin_number() {
+  return subscription.number();
 }
 
 extern "C" __attribute__((visibility("default"))) void dcps_plugin_stop() {

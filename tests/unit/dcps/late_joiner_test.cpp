@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <cstdlib>
+
 #include "tests/unit/dcps/entities.h"
 #include "tests/unit/dcps/peer.h"
 #include "tests/unit/dcps/recording_listener.h"
@@ -8,6 +10,24 @@
 // Two processes.
 namespace dcps_test {
 namespace {
+
+/// While it lives, processes that are started count as gone one second after their last sign of life.
+class ShortLease {
+public:
+  ShortLease() {
+    const char* const before = getenv("CYCLONEDDS_URI");
+    before_ = before == nullptr ? "" : before;
+    const std::string lease =
+        "<CycloneDDS><Domain><Discovery><LeaseDuration>1s</LeaseDuration></Discovery></Domain></CycloneDDS>";
+    setenv("CYCLONEDDS_URI", (before_.empty() ? lease : before_ + "," + lease).c_str(), 1);
+  }
+  ~ShortLease() { setenv("CYCLONEDDS_URI", before_.c_str(), 1); }
+  ShortLease(const ShortLease&) = delete;
+  ShortLease& operator=(const ShortLease&) = delete;
+
+private:
+  std::string before_;
+};
 
 class LateJoinerTest : public testing::Test {
 protected:
@@ -94,14 +114,45 @@ TEST_F(LateJoinerTest, SeesAnotherProcessLeave) {
   EXPECT_EQ(taken[1].state, DDS::NOT_ALIVE_DISPOSED_INSTANCE_STATE);
 }
 
-TEST_F(LateJoinerTest, AReaderMayBeDeletedByItsListenerOnAThreadOfTheEngine) {
+/// Knows when its reader has no writers any more.
+class UnmatchedListener : public RecordingListener {
+public:
+  void on_subscription_matched(DDS::DataReader_ptr, const DDS::SubscriptionMatchedStatus& status) override {
+    if (status.current_count == 0) {
+      unmatched.open();
+    }
+  }
+  Gate unmatched;
+};
+
+TEST_F(LateJoinerTest, IsNotToldThatAnotherProcessWasKilled) {
+  UnmatchedListener listener;
+  Entities entities;
+  const Reader_var reader = entities.reader(topic_, &listener, durable_reader());
+  {
+    const ShortLease lease;
+    Peer peer(arguments("no-autodispose"));
+    ASSERT_EQ(peer.line(), "ready");
+    ASSERT_EQ(peer.ask("write 1"), "0");
+    ASSERT_EQ(listener.wait_for(1).size(), 1U);
+  }
+  ASSERT_TRUE(listener.unmatched.wait_briefly());
+  const Writer_var writer = entities.writer(topic_, durable_writer());
+  ASSERT_EQ(writer->write(numbered(2), DDS::HANDLE_NIL), DDS::RETCODE_OK);
+  ASSERT_EQ(listener.wait_for(2).size(), 2U);
+  ASSERT_EQ(entities.subscriber->delete_datareader(reader), DDS::RETCODE_OK);
+  const auto taken = listener.taken();
+  ASSERT_EQ(taken.size(), 2U);
+  EXPECT_EQ(taken[1].number, 2);
+}
+
+TEST_F(LateJoinerTest, ASubscriberMayBeDeletedByAListener) {
   Peer peer(arguments("keep-all"));
   ASSERT_EQ(peer.line(), "ready");
   Reader_var reader;
   Gate deleted;
   int calls = 0;
   auto* const deleting = new RecordingListener([&] {
-    // From its second call on, the listener runs on the receiving thread itself.
     if (++calls < 3) {
       return;
     }

@@ -242,27 +242,47 @@ TEST_F(ListenerTest, AReadersListenerHearsOfMatches) {
   EXPECT_TRUE(listener.unmatched.wait_briefly());
 }
 
-class IncompatibleListener : public OpenDDS::DCPS::LocalObject<DDS::DataWriterListener> {
+class IncompatibleListener : public QuietListener {
 public:
-  void on_offered_deadline_missed(DDS::DataWriter_ptr, const DDS::OfferedDeadlineMissedStatus&) override {}
-  void on_offered_incompatible_qos(DDS::DataWriter_ptr, const DDS::OfferedIncompatibleQosStatus& status) override {
+  void on_requested_incompatible_qos(DDS::DataReader_ptr, const DDS::RequestedIncompatibleQosStatus& status) override {
     policy = status.last_policy_id;
     told.open();
   }
-  void on_liveliness_lost(DDS::DataWriter_ptr, const DDS::LivelinessLostStatus&) override {}
-  void on_publication_matched(DDS::DataWriter_ptr, const DDS::PublicationMatchedStatus&) override {}
   Gate told;
   std::atomic<DDS::QosPolicyId_t> policy{DDS::INVALID_QOS_POLICY_ID};
 };
 
-TEST_F(ListenerTest, AWritersListenerHearsOfIncompatibleReaders) {
+TEST_F(ListenerTest, AReadersListenerHearsOfIncompatibleWriters) {
   IncompatibleListener listener;
   Entities entities;
-  const DDS::Topic_var topic = entities.topic(topic_);
-  const DDS::DataWriter_var writer = entities.publisher->create_datawriter(topic, writer_qos(), &listener, ALL);
-  const Reader_var reader = entities.reader(topic_, nullptr, durable_reader());
+  const Writer_var writer = entities.writer(topic_);
+  const Reader_var reader = entities.reader(topic_, &listener, durable_reader());
   ASSERT_TRUE(listener.told.wait_briefly());
   EXPECT_EQ(listener.policy, DDS::DURABILITY_QOS_POLICY_ID);
+}
+
+class RejectionListener : public QuietListener {
+public:
+  void on_sample_rejected(DDS::DataReader_ptr, const DDS::SampleRejectedStatus& status) override {
+    reason = status.last_reason;
+    told.open();
+  }
+  Gate told;
+  std::atomic<DDS::SampleRejectedStatusKind> reason{DDS::NOT_REJECTED};
+};
+
+TEST_F(ListenerTest, AReadersListenerHearsOfRejectedSamples) {
+  RejectionListener listener;
+  Entities entities;
+  DDS::DataReaderQos qos = keep_all_reader();
+  qos.reliability.kind = DDS::BEST_EFFORT_RELIABILITY_QOS;
+  qos.resource_limits = {1, 1, 1};
+  const Reader_var reader = entities.reader(topic_, &listener, qos);
+  const Writer_var writer = entities.writer(topic_);
+  writer->write(numbered(1), NIL);
+  writer->write(numbered(2), NIL);
+  ASSERT_TRUE(listener.told.wait_briefly());
+  EXPECT_EQ(listener.reason, DDS::REJECTED_BY_SAMPLES_LIMIT);
 }
 
 }  // namespace

@@ -39,6 +39,11 @@ void Gate::wait() {
   opened_.wait(lock, [&] { return open_; });
 }
 
+bool Gate::is_open() {
+  const std::lock_guard lock(mutex_);
+  return open_;
+}
+
 bool Gate::wait_briefly() {
   std::unique_lock lock(mutex_);
   return opened_.wait_for(lock, std::chrono::seconds(10), [&] { return open_; });

@@ -10,7 +10,7 @@
 
 namespace dcps_test {
 
-/// Does nothing with any status.
+/// Ignores all statuses.
 class QuietListener : public virtual OpenDDS::DCPS::LocalObject<DDS::DataReaderListener> {
 public:
   void on_requested_deadline_missed(DDS::DataReader_ptr, const DDS::RequestedDeadlineMissedStatus&) override {}
@@ -22,7 +22,7 @@ public:
   void on_sample_lost(DDS::DataReader_ptr, const DDS::SampleLostStatus&) override {}
 };
 
-/// Takes one sample a notification and records it.
+/// Takes one sample per notification and records it.
 class RecordingListener : public QuietListener {
 public:
   struct Taken {
@@ -56,6 +56,7 @@ public:
   void wait();
   /// False: not within ten seconds.
   bool wait_briefly();
+  bool is_open();
 
 private:
   std::mutex mutex_;

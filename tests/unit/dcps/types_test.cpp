@@ -62,16 +62,7 @@ TEST_F(TypesTest, RegisteringAgainIsFine) {
 TEST_F(TypesTest, ANameThatStandsForAnotherTypeIsRefused) {
   ASSERT_EQ(other_->register_type(participant_, "Varnok::QTNN_DDS::ATTR_BOOLEAN"), DDS::RETCODE_OK);
   EXPECT_EQ(type_->register_type(participant_, ""), DDS::RETCODE_ERROR);
-  ASSERT_EQ(other_->unregister_type(participant_, "Varnok::QTNN_DDS::ATTR_BOOLEAN"), DDS::RETCODE_OK);
-  EXPECT_EQ(type_->register_type(participant_, ""), DDS::RETCODE_OK);
-}
-
-TEST_F(TypesTest, WhatIsNotRegisteredIsNotUnregistered) {
-  ASSERT_EQ(type_->register_type(participant_, "Switch"), DDS::RETCODE_OK);
-  EXPECT_EQ(type_->unregister_type(participant_, "Other"), DDS::RETCODE_ERROR);
-  EXPECT_EQ(other_->unregister_type(participant_, "Switch"), DDS::RETCODE_ERROR);
-  EXPECT_EQ(type_->unregister_type(participant_, ""), DDS::RETCODE_BAD_PARAMETER);
-  EXPECT_EQ(type_->unregister_type(nullptr, "Switch"), DDS::RETCODE_BAD_PARAMETER);
+  EXPECT_EQ(type_->register_type(participant_, "Switch"), DDS::RETCODE_OK);
 }
 
 TEST_F(TypesTest, NoParticipantIsRefused) {
@@ -96,7 +87,6 @@ public:
   StandIn(DDS::DomainParticipant_ptr real, bool has_handle)
       : real_(DDS::DomainParticipant::_duplicate(real)), has_handle_(has_handle) {}
 
-  DDS::ReturnCode_t enable() override { return real_->enable(); }
   DDS::InstanceHandle_t get_instance_handle() override {
     return has_handle_ ? real_->get_instance_handle() : DDS::HANDLE_NIL;
   }
@@ -115,12 +105,7 @@ public:
   }
   DDS::ReturnCode_t delete_topic(DDS::Topic_ptr topic) override { return real_->delete_topic(topic); }
   DDS::ReturnCode_t delete_contained_entities() override { return real_->delete_contained_entities(); }
-  DDS::ReturnCode_t get_qos(DDS::DomainParticipantQos& qos) override { return real_->get_qos(qos); }
   DDS::DomainId_t get_domain_id() override { return real_->get_domain_id(); }
-  DDS::ReturnCode_t get_default_publisher_qos(DDS::PublisherQos&) override { return DDS::RETCODE_ERROR; }
-  DDS::ReturnCode_t get_default_subscriber_qos(DDS::SubscriberQos&) override { return DDS::RETCODE_ERROR; }
-  DDS::ReturnCode_t set_default_topic_qos(const DDS::TopicQos&) override { return DDS::RETCODE_ERROR; }
-  DDS::ReturnCode_t get_default_topic_qos(DDS::TopicQos&) override { return DDS::RETCODE_ERROR; }
 
 private:
   const DDS::DomainParticipant_var real_;
@@ -136,12 +121,16 @@ TEST_F(TypesTest, AStandInRegistersWithTheParticipantBehindIt) {
   EXPECT_EQ(other_->register_type(participant_, "Varnok::QTNN_DDS::ATTR_BOOLEAN"), DDS::RETCODE_ERROR);
 }
 
-TEST_F(TypesTest, AStandInWithoutHandleHasTypesOfItsOwn) {
+TEST_F(TypesTest, AStandInForNoParticipantIsRejected) {
   const DDS::DomainParticipant_var stand_in = new StandIn(participant_, false);
-  ASSERT_EQ(type_->register_type(stand_in, ""), DDS::RETCODE_OK);
-  EXPECT_EQ(other_->register_type(stand_in, "Varnok::QTNN_DDS::ATTR_BOOLEAN"), DDS::RETCODE_ERROR);
-  EXPECT_EQ(other_->register_type(participant_, "Varnok::QTNN_DDS::ATTR_BOOLEAN"), DDS::RETCODE_OK);
-  EXPECT_EQ(type_->unregister_type(stand_in, "Varnok::QTNN_DDS::ATTR_BOOLEAN"), DDS::RETCODE_OK);
+  EXPECT_EQ(type_->register_type(stand_in, ""), DDS::RETCODE_BAD_PARAMETER);
+}
+
+TEST_F(TypesTest, ADeletedParticipantIsRejected) {
+  const DDS::DomainParticipant_var deleted =
+      factory_->create_participant(own_domain(), PARTICIPANT_QOS_DEFAULT, nullptr, ALL);
+  ASSERT_EQ(factory_->delete_participant(deleted), DDS::RETCODE_OK);
+  EXPECT_EQ(type_->register_type(deleted, ""), DDS::RETCODE_BAD_PARAMETER);
 }
 
 }  // namespace

@@ -109,8 +109,9 @@ TEST_F(DdsPublisherTest, AProcessWithoutParticipantHasNoPublisherEither) {
 }
 
 TEST_F(DdsPublisherTest, ATypeThatIsRefusedIsPrintedAndThrown) {
-  dds_.has_no_handle();
-  const doubles::TypeNameTaken<BooleanAttribute, VoidAttribute> taken(dds_.participant());
+  const doubles::TypeNameTaken<BooleanAttribute, VoidAttribute> taken;
+  const DdsStandIn dds(taken.participant());
+  const ParticipantInUse in_use(dds.participant());
   expect_printed_and_thrown(CONSTRUCTOR + " err: Osts->register_type");
   EXPECT_THAT(calls().all(), ElementsAre("dds create_publisher"));
 }

@@ -115,9 +115,8 @@ TEST(DdsSubscriberFailureTest, AProcessWithoutParticipantIsPrintedAndThrown) {
 }
 
 TEST(DdsSubscriberFailureTest, ATypeThatIsRefusedIsPrintedAndThrown) {
-  DdsStandIn dds;
-  dds.has_no_handle();
-  const VoidNameTaken taken(dds.participant());
+  const VoidNameTaken taken;
+  const DdsStandIn dds(taken.participant());
   const ParticipantInUse in_use(dds.participant());
   const CapturedOutput output;
   EXPECT_EQ(OpenBase::made().failure(), NO_TYPE);
@@ -140,9 +139,8 @@ TEST(DdsSubscriberFailureDeathTest, ATypeThatIsRefusedEndsTheProcess) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   EXPECT_EXIT(
       {
-        DdsStandIn dds;
-        dds.has_no_handle();
-        const VoidNameTaken taken(dds.participant());
+        const VoidNameTaken taken;
+        const DdsStandIn dds(taken.participant());
         const ParticipantInUse in_use(dds.participant());
         const DDS_Subscriber<DDS_VoidMessage> subscriber(TOPIC, [](const char*) {});
         subscriber.waitForInitDone();

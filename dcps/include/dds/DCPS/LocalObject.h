@@ -10,7 +10,7 @@ using LocalObject_ptr = CORBA::LocalObject_ptr;
 using LocalObject_var = CORBA::LocalObject_var;
 
 /// The reference count of an implementation. It starts at 1, the maker's reference; the object deletes itself when the
-/// last reference is given back. One that is a member or a local variable keeps its maker's reference for good.
+/// last reference is released. A member or a local variable keeps its maker's reference for good.
 class __attribute__((visibility("default"))) LocalObjectBase : public virtual CORBA::LocalObject {
 public:
   LocalObjectBase(const LocalObjectBase&) = delete;
@@ -18,13 +18,14 @@ public:
 
   void _add_ref() override;
   void _remove_ref() override;
+  long ref_count() const { return references_; }
 
 protected:
   LocalObjectBase();
   ~LocalObjectBase() override;
 
 private:
-  std::atomic<int> references_{1};
+  std::atomic<long> references_{1};
 };
 
 /// Base of the implementations of one local interface:

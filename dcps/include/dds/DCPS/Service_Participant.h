@@ -5,25 +5,15 @@
 
 namespace OpenDDS::DCPS {
 
-/// The process's DDS service: the factory of its participants, and the QoS that entities begin with.
-/// Any thread may use it, static initialisation included.
+/// The process's DDS service: the participant factory, and the default QoS of writers and readers.
+/// Usable by any thread, during static initialisation too.
 class __attribute__((visibility("default"))) Service_Participant {
 public:
   static Service_Participant* instance();
 
-  /// The process's participant factory; the caller owns the returned reference. The arguments are not looked at: the
-  /// engine is configured by the environment variable CYCLONEDDS_URI.
+  /// The process's participant factory; the caller owns the returned reference.
   DDS::DomainParticipantFactory_ptr get_domain_participant_factory();
-  DDS::DomainParticipantFactory_ptr get_domain_participant_factory(int& argc, char* argv[]);
 
-  /// Ends the service. All participants have been deleted before.
-  void shutdown();
-  bool is_shut_down() const;
-
-  DDS::DomainParticipantQos initial_DomainParticipantQos() const;
-  DDS::TopicQos initial_TopicQos() const;
-  DDS::PublisherQos initial_PublisherQos() const;
-  DDS::SubscriberQos initial_SubscriberQos() const;
   DDS::DataWriterQos initial_DataWriterQos() const;
   DDS::DataReaderQos initial_DataReaderQos() const;
 
@@ -36,4 +26,3 @@ private:
 
 #define TheServiceParticipant OpenDDS::DCPS::Service_Participant::instance()
 #define TheParticipantFactory TheServiceParticipant->get_domain_participant_factory()
-#define TheParticipantFactoryWithArgs(argc, argv) TheServiceParticipant->get_domain_participant_factory(argc, argv)

@@ -1,21 +1,23 @@
 #pragma once
 
 #include <dds/DCPS/LocalObject.h>
-#include <dds/DdsDcpsTypeSupportExtC.h>
+#include <dds/DdsDcpsTopicC.h>
 
 struct dds_topic_descriptor;
 
 namespace OpenDDS::DCPS {
 
-/// What the type supports of all topic types have in common.
-class __attribute__((visibility("default"))) TypeSupportImpl : public virtual LocalObject<TypeSupport> {
+/// Base of the generated type supports.
+class __attribute__((visibility("default"))) TypeSupportImpl : public virtual LocalObject<DDS::TypeSupport> {
 public:
   DDS::ReturnCode_t register_type(DDS::DomainParticipant_ptr participant, const char* type_name) override;
-  DDS::ReturnCode_t unregister_type(DDS::DomainParticipant_ptr participant, const char* type_name) override;
   char* get_type_name() override;
-  CORBA::Boolean has_dcps_key() override { return false; }
 
-  /// The type's description for Cyclone; lives as long as the process.
+  /// An entity of the type, in no domain yet. The caller owns the returned reference.
+  virtual DDS::DataWriter_ptr create_datawriter() = 0;
+  virtual DDS::DataReader_ptr create_datareader() = 0;
+
+  /// Cyclone's description of the type; lives as long as the process.
   virtual const dds_topic_descriptor& descriptor() const = 0;
 
 private:
