@@ -2,6 +2,9 @@
 
 #include "base/base_hardware.h"
 
+// Some buffers are larger than their texts: 5 and 2 bytes for an empty one, 1 byte to spare after a value, 8 after a
+// number. Kept: the caller owns the buffer, so its size is part of the interface.
+
 namespace {
 
 char* empty_text(std::size_t size) {
@@ -22,6 +25,7 @@ char* BASE_HARDWARE::attrib_enum_str_helper(std::string label, std::string value
 }
 
 char* BASE_HARDWARE::attrib_enum_str_helper(std::string label, int value) {
+  // Never true, since no length is negative. Kept: an empty label gives a text here, unlike in the other two.
   if (static_cast<long>(label.length()) + 15 <= 0) {
     return empty_text(5);
   }

@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+// Unused here, but kept: it makes the start-up calls of TAO and OpenDDS part of this file's initialiser.
 #include "varnok_dds.h"
 
 namespace {
@@ -10,8 +11,12 @@ void error_line(const char* text) {
   std::cerr << text << std::endl;
 }
 
-template <typename Value>
-void error_line(const char* text, Value value) {
+/// In decimal, whatever base the host has left on the stream.
+void error_line(const char* text, int value) {
+  std::cerr << text << std::to_string(value) << std::endl;
+}
+
+void error_line(const char* text, double value) {
   std::cerr << text << value << std::endl;
 }
 
@@ -31,7 +36,7 @@ BASE_HARDWARE::BASE_HARDWARE(int fan_count) {
 
 BASE_HARDWARE::~BASE_HARDWARE() = default;
 
-// The line names the operation without its "List"; hosts know it that way.
+// The line names the operation without its "List". Kept: diagnostics are part of the interface.
 int BASE_HARDWARE::GetVersionList(std::vector<VERSIONSDATA>&) {
   error_line("BASE_HARDWARE::GetVersion err");
   return 0;
@@ -56,7 +61,7 @@ void BASE_HARDWARE::SetRefOscillator(int setting) {
 }
 
 void BASE_HARDWARE::AlarmAnnunciatorState(bool on) {
-  std::cout << "BASE_HARDWARE::AlarmAnnunciatorState : " << (on ? 1 : 0) << std::endl;
+  std::cout << "BASE_HARDWARE::AlarmAnnunciatorState : " << (on ? "1" : "0") << std::endl;
 }
 
 void BASE_HARDWARE::SetQM2760LoopBandwidth(int setting) {
@@ -127,7 +132,7 @@ double BASE_HARDWARE::GetBW() {
   return 0.0;
 }
 
-// A unit without these sensors is no fault of the unit: the four lines go to standard output.
+// These four write to standard output, the other queries to standard error. Kept: the stream is part of the interface.
 int BASE_HARDWARE::PsTemperature() {
   return output_line("BASE_HARDWARE::PsTemperature");
 }

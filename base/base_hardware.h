@@ -9,12 +9,13 @@
 /// Every hardware service of a unit, as its host sees it: one object behind the global `Hardware`, called only through
 /// the virtual operations below.
 ///
-/// The order of the virtual operations is part of the binary interface and never changes. The destructor is not
-/// virtual: the object lives until its process ends.
+/// The order of the virtual operations is part of the binary interface and never changes. The library never
+/// destroys its object; a host that does needs the concrete class, because the destructor is not virtual.
 ///
-/// An operation that a unit does not provide keeps the default of this class: it writes one diagnostic line, returns a
-/// neutral value (0: nothing was done) and never throws. Defaults may be called from any thread; they take no lock, so
-/// the lines of two callers may interleave.
+/// An operation that a unit does not provide keeps the default of this class: it returns a neutral value (0: nothing
+/// was done) and writes at most one diagnostic line, GetFanState() up to two. Only an exception of the standard streams
+/// leaves a default. Defaults may be called from any thread; they take no lock, so the lines of two callers may
+/// interleave.
 class __attribute__((visibility("default"))) BASE_HARDWARE {
 public:
   /// State of one fan. Only `FAN_UNKNOWN` is ever set here; 0 to 3 are left to units that drive fans.
@@ -24,6 +25,8 @@ public:
   /// address. Throws std::bad_alloc.
   explicit BASE_HARDWARE(int fan_count);
   ~BASE_HARDWARE();
+  BASE_HARDWARE(const BASE_HARDWARE&) = delete;
+  BASE_HARDWARE& operator=(const BASE_HARDWARE&) = delete;
 
   /// @name Lists and display
   /// @{
@@ -76,8 +79,8 @@ public:
   virtual void SetAutoTuneChannelSpacing(double spacing);
   virtual void SetAutoTuneStartFreq(double frequency);
   virtual void SetAutoTuneStopFreq(double frequency);
-  virtual void CopyScreenSettings(const std::string& path, bool to_media, Varnok::EngineReadingString_i& status);
-  virtual void CopyScripts(const std::string& path, bool to_media, Varnok::EngineReadingString_i& status);
+  virtual void CopyScreenSettings(const std::string&, bool, Varnok::EngineReadingString_i&);
+  virtual void CopyScripts(const std::string&, bool, Varnok::EngineReadingString_i&);
   virtual void SetCurrentlyActive(int active);
   virtual void SetRs232BaudRate(int setting);
   virtual void SetRs232Parity(int setting);

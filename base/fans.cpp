@@ -1,16 +1,18 @@
 #include <iostream>
+#include <string>
 
 #include "base/base_hardware.h"
 
 int BASE_HARDWARE::GetFanStatesList(std::vector<FANDATA>& list) {
   std::cerr << "BASE_HARDWARE::GetFanStatesList err" << std::endl;
+  // Assigned to itself. Kept: the caller's list comes back neither cleared nor filled.
   std::vector<FANDATA>& same = list;
   list = same;
   return 0;
 }
 
 BASE_HARDWARE::FAN_STATES BASE_HARDWARE::GetFanState(unsigned int index) {
-  std::cout << "BASE_HARDWARE::GetFanState " << index << std::endl;
+  std::cout << "BASE_HARDWARE::GetFanState " << std::to_string(index) << std::endl;
   if (index < fan_states.size()) {
     return fan_states[index];
   }

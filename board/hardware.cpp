@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <string>
 
 #include "radalt.h"
 
@@ -21,7 +22,9 @@ HARDWARE::~HARDWARE() = default;
 void HARDWARE::Init() {
   const int handle = Radalt_Init();
   if (handle < 0) {
-    std::cerr << " HARDWARE::Init  critical error opening device, errno=" << handle << std::endl;
+    std::cerr << " HARDWARE::Init  critical error opening device, errno=" << std::to_string(handle) << std::endl;
+    // The subscription's start-up thread would run into what the exit tears down.
+    wait_for_subscription();
     std::exit(1);
   }
   board_handle_ = handle;

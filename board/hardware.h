@@ -17,7 +17,7 @@ public:
   ~HARDWARE();
 
   /// Opens the board driver, then registers with the power-supply driver. A board that cannot be opened ends the
-  /// process with exit status 1.
+  /// process with exit status 1, once the done-loading subscription has started.
   void Init();
 
   /// Takes the board lock.
@@ -38,7 +38,6 @@ public:
   float getDigitalBoardTemp(float scale) override;
 
 private:
-  void select_rf_channel(unsigned int control, unsigned int selection);
-
+  /// Unused: failures go through `Attr_EventMessage`. It is part of the object's layout.
   Varnok::EngineEventMessage_i event_message_;
 };

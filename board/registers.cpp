@@ -1,4 +1,5 @@
 #include <iostream>
+#include <string>
 
 #include "board/hardware.h"
 #include "radalt.h"
@@ -18,13 +19,13 @@ int HARDWARE::read_hw(int handle, unsigned int space, unsigned int address, unsi
 void HARDWARE::Lock() {
   const int error = Radalt_LockGet(board_handle_);
   if (error != 0) {
-    std::cout << "SysLockfail " << error << std::endl;
+    std::cout << "SysLockfail " << std::to_string(error) << std::endl;
   }
 }
 
 void HARDWARE::UnLock() {
   const int error = Radalt_LockPut(board_handle_);
   if (error != 0) {
-    std::cout << "SysUnlockfail " << error << std::endl;
+    std::cout << "SysUnlockfail " << std::to_string(error) << std::endl;
   }
 }

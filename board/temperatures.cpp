@@ -1,15 +1,11 @@
-#include "board/hardware.h"
+#include "board/board_lock.h"
+#include "handheld/board_registers.h"
 #include "handheld/precise_wait.h"
+
+using board::BoardLock;
 
 namespace {
 
-constexpr unsigned int DIGITAL_BOARD_TEMPERATURE = 40;
-/// Channel select on write, conversion result on read through the request register.
-constexpr unsigned int RF_ADC = 196;
-/// Bit 0: an RF ADC is there.
-constexpr unsigned int RF_STATUS = 248;
-/// Bit 0 must be clear while the RF ADC is addressed.
-constexpr unsigned int RF_CONTROL = 0x20004;
 constexpr unsigned int CHANNEL_SHIFT = 12;
 constexpr unsigned int TEMPERATURE_CHANNEL = 2;
 
@@ -23,43 +19,51 @@ unsigned int hundredths_of_a_kelvin(unsigned int raw) {
   return (raw * SPAN + FULL_SCALE / 2) / FULL_SCALE + LOWEST;
 }
 
-void settle() {
-  WaitUntil(boost::posix_time::microsec_clock::universal_time() + boost::posix_time::microseconds(200));
+/// The RF ADC may be addressed while this lives: bit 0 of the control register is clear, and gets its value back at the
+/// end. `control` is the register's value.
+class RfAdcAddressed {
+public:
+  RfAdcAddressed(HARDWARE& hardware, unsigned int control)
+      : hardware_(hardware), control_(control), to_be_cleared_((control & 1U) != 0) {
+    if (to_be_cleared_) {
+      hardware_.Poke(handheld::RF_CONTROL, control_ & ~1U);
+    }
+  }
+  ~RfAdcAddressed() {
+    if (to_be_cleared_) {
+      hardware_.Poke(handheld::RF_CONTROL, control_);
+    }
+  }
+  RfAdcAddressed(const RfAdcAddressed&) = delete;
+  RfAdcAddressed& operator=(const RfAdcAddressed&) = delete;
+
+private:
+  HARDWARE& hardware_;
+  unsigned int control_;
+  bool to_be_cleared_;
+};
+
+void select_channel(HARDWARE& hardware, unsigned int control, unsigned int channel) {
+  {
+    const RfAdcAddressed addressed(hardware, control);
+    hardware.Poke(handheld::RF_ADC, (channel & 7U) << CHANNEL_SHIFT);
+  }
+  handheld::wait_for(boost::posix_time::microseconds(200));
 }
 
 }  // namespace
 
-void HARDWARE::select_rf_channel(unsigned int control, unsigned int selection) {
-  if ((control & 1U) != 0) {
-    Poke(RF_CONTROL, control & ~1U);
-    Poke(RF_ADC, selection);
-    Poke(RF_CONTROL, control);
-  } else {
-    Poke(RF_ADC, selection);
-  }
-  settle();
-}
-
 unsigned int HARDWARE::get_RFAdc(unsigned int channel) {
-  Lock();
-  unsigned int result = 0;
-  const unsigned int control = Peek(RF_CONTROL);
-  if ((Peek(RF_STATUS) & 1U) != 0) {
-    const unsigned int selection = (channel & 7U) << CHANNEL_SHIFT;
-    // Selected twice, so that a conversion of the new channel has been finished.
-    select_rf_channel(control, selection);
-    select_rf_channel(control, selection);
-    const bool addressed_by_clearing = (control & 1U) != 0;
-    if (addressed_by_clearing) {
-      Poke(RF_CONTROL, control & ~1U);
-    }
-    result = Peek_RFregister(RF_ADC);
-    if (addressed_by_clearing) {
-      Poke(RF_CONTROL, control);
-    }
+  const BoardLock lock(*this);
+  const unsigned int control = Peek(handheld::RF_CONTROL);
+  if ((Peek(handheld::RF_STATUS) & 1U) == 0) {
+    return 0;
   }
-  UnLock();
-  return result;
+  // Selected twice, so that a conversion of the new channel has been finished.
+  select_channel(*this, control, channel);
+  select_channel(*this, control, channel);
+  const RfAdcAddressed addressed(*this, control);
+  return Peek_RFregister(handheld::RF_ADC);
 }
 
 TEMPERATUREDATA HARDWARE::rftemp() {
@@ -74,8 +78,6 @@ TEMPERATUREDATA HARDWARE::rftemp() {
 }
 
 float HARDWARE::getDigitalBoardTemp(float scale) {
-  Lock();
-  const unsigned int raw = Peek(DIGITAL_BOARD_TEMPERATURE);
-  UnLock();
-  return static_cast<float>(raw) * scale;
+  const BoardLock lock(*this);
+  return static_cast<float>(Peek(handheld::DIGITAL_TEMPERATURE)) * scale;
 }

@@ -3,7 +3,10 @@
 #include <iomanip>
 #include <sstream>
 
-#include "board/hardware.h"
+#include "board/board_lock.h"
+#include "handheld/board_registers.h"
+
+using board::BoardLock;
 
 namespace {
 
@@ -43,13 +46,24 @@ const char* release_text(unsigned int release_type) {
 }
 
 /// "1.02.03 alpha" of a firmware word; each number shows at most 99, and a released version ends with its blank.
-/// `stream` is emptied first; its fill character is "0".
-std::string firmware_text(std::ostringstream& stream, unsigned int word) {
+std::string firmware_text(unsigned int word) {
   const auto field = [word](unsigned int shift) { return std::min((word >> shift) & 0xFFU, 99U); };
-  stream.str("");
-  stream << field(24) << "." << std::setw(2) << field(16) << "." << std::setw(2) << field(8) << " "
-         << release_text(word & 0xFFU);
-  return stream.str();
+  std::ostringstream text;
+  text << std::setfill('0') << field(24) << "." << std::setw(2) << field(16) << "." << std::setw(2) << field(8) << " "
+       << release_text(word & 0xFFU);
+  return text.str();
+}
+
+Board read_rf_board(HARDWARE& hardware) {
+  const BoardLock lock(hardware);
+  return {hardware.Peek_RFregister(handheld::RF_CARD_ID), hardware.Peek_RFregister(handheld::RF_CARD_REVISION),
+          hardware.Peek_RFregister(handheld::RF_FIRMWARE)};
+}
+
+Board read_digital_board(HARDWARE& hardware) {
+  const BoardLock lock(hardware);
+  return {hardware.Peek(handheld::DIGITAL_CARD_ID), hardware.Peek(handheld::DIGITAL_CARD_REVISION),
+          hardware.Peek(handheld::DIGITAL_FIRMWARE)};
 }
 
 /// Reads two words of a file and joins them by a blank into `first`. A word that cannot be read keeps what its variable
@@ -57,45 +71,36 @@ std::string firmware_text(std::ostringstream& stream, unsigned int word) {
 void read_two_words(const char* path, std::string& first, std::string& second) {
   std::ifstream file(path);
   file >> first >> second;
-  file.close();
   first += " " + second;
+}
+
+/// Reads a number of a file by the rules of streams: a file that is missing or empty leaves `number` as it was, other
+/// text makes it 0, and a number with a sign wraps.
+void read_number(const char* path, unsigned int& number) {
+  std::ifstream file(path);
+  file >> number;
 }
 
 }  // namespace
 
 int HARDWARE::GetVersionList(std::vector<VERSIONSDATA>& list) {
   list.clear();
-  std::ostringstream stream;
-  stream.fill('0');
-
-  Lock();
-  Board rf{};
-  rf.identifier = Peek_RFregister(128);
-  rf.revision = Peek_RFregister(132);
-  rf.firmware = Peek_RFregister(136);
-  UnLock();
+  const Board rf = read_rf_board(*this);
   list.push_back({std::to_string(rf.identifier) + model_suffix(rf.identifier), "RF Card ID"});
   list.push_back({std::to_string(rf.revision), "RF Card Revision"});
-  list.push_back({firmware_text(stream, rf.firmware), "RF Firmware Version"});
+  list.push_back({firmware_text(rf.firmware), "RF Firmware Version"});
 
-  Lock();
-  Board digital{};
-  digital.identifier = Peek(0);
-  digital.revision = Peek(4);
-  digital.firmware = Peek(8);
-  UnLock();
+  Board digital = read_digital_board(*this);
   list.push_back({std::to_string(digital.identifier), "Digital Board Card ID"});
   list.push_back({std::to_string(digital.revision), "Digital Board Card Revision"});
-  std::string text = firmware_text(stream, digital.firmware);
+  std::string text = firmware_text(digital.firmware);
   list.push_back({text, "Digital Board Firmware Version"});
 
   // The working variables go from row to row on purpose: a missing file shows what they held before it.
   std::string second_word;
   read_two_words("/sys/class/omappci/FPGA_ver", text, second_word);
   list.push_back({text, "Slot 1 Actel PCI FPGA version"});
-  std::ifstream board_revision("/sys/class/omappci/Board_rev");
-  board_revision >> digital.revision;
-  board_revision.close();
+  read_number("/sys/class/omappci/Board_rev", digital.revision);
   list.push_back({std::to_string(digital.revision), "Slot 1 Control Board Revision"});
   read_two_words("/sys/bus/platform/devices/omap-jtag/CPLD_ver", text, second_word);
   list.push_back({text, "Slot 1 Actel JTAG CPLD version"});

@@ -3,7 +3,6 @@
 
 #include "handheld/driver_link.h"
 #include "handheld/handheld_hardware.h"
-#include "messaging/failure_event.h"
 
 // A missing file shows as brightness 0, in both directions; only an exception counts as a failure.
 
@@ -20,13 +19,11 @@ void Handheld_Hardware::setMaxBacklight() {
     std::ifstream maximum(MAX_BRIGHTNESS_FILE);
     std::ofstream brightness(BRIGHTNESS_FILE, std::ios::out | std::ios::trunc);
     maximum >> max;
-    maximum.close();
     brightness << max;
-    brightness.close();
   } catch (...) {
     std::cerr << "Handheld_Hardware::setMaxBacklight err" << std::endl;
-    SendFailureEvent(Attr_EventMessage, "Handheld_Hardware::setMaxBacklight()",
-                     "/sys/class/backlight/omap-bl/max_brightness or brightness missing");
+    handheld::report_failure("Handheld_Hardware::setMaxBacklight()",
+                             "/sys/class/backlight/omap-bl/max_brightness or brightness missing");
   }
 }
 
@@ -35,13 +32,11 @@ int Handheld_Hardware::GetBacklight(int& level) {
     int steps = 0;
     std::ifstream brightness(BRIGHTNESS_FILE);
     brightness >> steps;
-    brightness.close();
     level = steps;
     return 1;
   } catch (...) {
     std::cerr << "Handheld_Hardware::GetBacklight err" << std::endl;
-    SendFailureEvent(Attr_EventMessage, "Handheld_Hardware::GetBacklight()",
-                     "/sys/class/backlight/omap-bl/brightness missing");
+    handheld::report_failure("Handheld_Hardware::GetBacklight()", "/sys/class/backlight/omap-bl/brightness missing");
     return 0;
   }
 }

@@ -1,22 +1,15 @@
 #pragma once
 
-// File-scope state of the handheld layer. The power-supply driver calls plain functions that carry no object, so what
-// it hands over lives here: a store a reply kind, written before its semaphore is posted and read after the wait.
+// The link to the power-supply driver. The driver calls plain functions that carry no object, so what it hands over
+// lives at file scope: one store per reply kind, written before its semaphore is posted and read after the wait.
 
 #include <cstdint>
 #include <sstream>
 
 #include <boost/interprocess/sync/interprocess_semaphore.hpp>
 
-#include "everybody_engine.h"
-#include "gui_manager.h"
-#include "hw_enumerate.h"
 #include "psdriver.h"
 #include "varnok_events.h"
-
-class Handheld_Hardware;
-
-#define RADALT_EXPORTED __attribute__((visibility("default")))
 
 /// The one driver object; null until the constructor has made it.
 extern psdriver* PSdriver;
@@ -25,12 +18,40 @@ extern psdriver* PSdriver;
 /// @{
 extern std::int32_t ps_temp;          ///< tenths of a degree Celsius
 extern std::int32_t battery_temp;     ///< whole degrees Celsius
-extern std::int32_t charge_status;    ///< bit field, see ChargerBits
-extern std::int32_t batteryRun_time;  ///< run time to empty, in the driver's unit
-extern std::int32_t battery_time;     ///< average time to empty, in the driver's unit
+extern std::int32_t charge_status;    ///< bit field, see handheld::ChargerBits
+extern std::int32_t batteryRun_time;  ///< run time to empty, in the controller's own unit
+extern std::int32_t battery_time;     ///< average time to empty, in the controller's own unit
 extern std::int32_t battery_charge;   ///< per cent, corrected by the charger status
 extern std::stringstream ps_ver;      ///< decimal text of the software version
 /// @}
+
+/// @name Reply arrived
+/// One semaphore per reply kind, counting from 0. A post that nobody awaits satisfies the next wait of its kind.
+/// @{
+extern __attribute__((visibility("default"))) boost::interprocess::interprocess_semaphore semBatteryStatusIrq;
+extern __attribute__((visibility("default"))) boost::interprocess::interprocess_semaphore semBatteryTimeIrq;
+extern __attribute__((visibility("default"))) boost::interprocess::interprocess_semaphore semBatteryRunTimeIrq;
+extern __attribute__((visibility("default"))) boost::interprocess::interprocess_semaphore semExtVoltStatusIrq;
+extern __attribute__((visibility("default"))) boost::interprocess::interprocess_semaphore semPowerSupplyVerIrq;
+extern __attribute__((visibility("default"))) boost::interprocess::interprocess_semaphore semPowerSupplyTempIrq;
+extern __attribute__((visibility("default"))) boost::interprocess::interprocess_semaphore semBatteryTempIrq;
+/// @}
+
+/// @name Reply functions, called on the driver's thread
+/// A semaphore that cannot be posted throws boost::interprocess::interprocess_exception.
+/// @{
+__attribute__((visibility("default"))) void BatteryRelativeStateOfChargeResponse(int charge);
+__attribute__((visibility("default"))) void SoftwareVersionNumberResponse(int version);
+__attribute__((visibility("default"))) void PowerSupplyTemperatureValueResponse(int tenths);
+__attribute__((visibility("default"))) void BatteryTemperatureResponse(int degrees);
+__attribute__((visibility("default"))) void BatteryAverageTimeToEmptyResponse(int time);
+__attribute__((visibility("default"))) void BatteryRunTimeToEmptyResponse(int time);
+/// @}
+
+/// The library's one event channel.
+extern __attribute__((visibility("default"))) Varnok::EngineEventMessage_i Attr_EventMessage;
+
+namespace handheld {
 
 /// Bits of `charge_status` that have a meaning here.
 enum ChargerBits : std::int32_t {
@@ -39,45 +60,11 @@ enum ChargerBits : std::int32_t {
   BATTERY_ABSENT = 0x10
 };
 
-/// @name Reply arrived
-/// One semaphore a reply kind, counting from 0. A post that nobody awaits satisfies the next wait of its kind.
-/// @{
-extern RADALT_EXPORTED boost::interprocess::interprocess_semaphore semBatteryStatusIrq;
-extern RADALT_EXPORTED boost::interprocess::interprocess_semaphore semBatteryTimeIrq;
-extern RADALT_EXPORTED boost::interprocess::interprocess_semaphore semBatteryRunTimeIrq;
-extern RADALT_EXPORTED boost::interprocess::interprocess_semaphore semExtVoltStatusIrq;
-extern RADALT_EXPORTED boost::interprocess::interprocess_semaphore semPowerSupplyVerIrq;
-extern RADALT_EXPORTED boost::interprocess::interprocess_semaphore semPowerSupplyTempIrq;
-extern RADALT_EXPORTED boost::interprocess::interprocess_semaphore semBatteryTempIrq;
-/// @}
+/// Registers the reply functions with the driver. Throws psdriverError; the later functions are not registered then.
+void register_reply_functions();
 
-/// @name Reply functions, called on the driver's thread
-/// @{
-RADALT_EXPORTED void BatteryRelativeStateOfChargeResponse(int charge);
-RADALT_EXPORTED void SoftwareVersionNumberResponse(int version);
-RADALT_EXPORTED void PowerSupplyTemperatureValueResponse(int tenths);
-RADALT_EXPORTED void BatteryTemperatureResponse(int degrees);
-RADALT_EXPORTED void BatteryAverageTimeToEmptyResponse(int time);
-RADALT_EXPORTED void BatteryRunTimeToEmptyResponse(int time);
-/// @}
+/// Sends one failure event through `Attr_EventMessage`. `source` is the reporting function's full name, `text` says
+/// what failed. Any thread. Throws what the channel throws.
+void report_failure(const char* source, const char* text);
 
-/// The library's one event channel.
-extern RADALT_EXPORTED Varnok::EngineEventMessage_i Attr_EventMessage;
-
-/// Whether the cover is closed, as the last interrupts told.
-extern RADALT_EXPORTED bool cover_closed;
-/// The last power-switch interrupt's value.
-extern std::int32_t CommunicationStatusInterruptValue;
-
-/// The object that registered the power-switch handler; null until then.
-extern Handheld_Hardware* SwitchOwner;
-
-/// @name Remote services, nil until found; a lookup that fails keeps the last one
-/// @{
-extern Varnok::HwEnumerate_Able_var EnumEngPtr;
-extern Halcyra::gui::GUIManager_var GuiManagerPtr;
-extern Varnok::EverybodyEng::Interfaces_ptr EverBdyPtr;
-/// @}
-
-/// Makes `driver` the one driver object. Returns the number of done-loading messages that came before it.
-unsigned int AdoptDriver(psdriver* driver);
+}  // namespace handheld

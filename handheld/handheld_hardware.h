@@ -12,12 +12,15 @@
 /// network. The board under it is the concrete class's.
 ///
 /// Operations run on the calling thread. Those that ask the power supply wait without limit for its reply; two threads
-/// that wait for the same kind of reply may each take the other's. Nothing here is locked.
+/// that wait for the same kind of reply may each take the other's. No operation locks out another; the power-switch
+/// handler holds the framework lock.
 class __attribute__((visibility("default"))) Handheld_Hardware : public BASE_HARDWARE {
 public:
   /// Starts the subscription to the user interface's done-loading message, makes the external-voltage publisher and the
   /// power-supply driver. `n` is the number of fans. Throws what these throw.
   explicit Handheld_Hardware(const int& n);
+  /// Takes publisher and subscription down. The driver stays, and its power-switch interrupts find no object any more.
+  /// Not to be called while one is being handled.
   ~Handheld_Hardware();
 
   /// Registers the reply functions and, last, the power-switch handler with the driver. A driver failure ends the
@@ -44,7 +47,7 @@ public:
   int BatteryPresent() override;
   /// @}
 
-  /// @name What the concrete class supplies
+  /// @name Supplied by the concrete class
   /// @{
 
   /// Directory of the I2C command-line tools, with its trailing slash.
@@ -57,13 +60,14 @@ public:
   virtual TEMPERATUREDATA rftemp() = 0;
   /// One conversion of an RF ADC channel, 0 to 7; 0 without an RF ADC.
   virtual unsigned int get_RFAdc(unsigned int channel) = 0;
-  /// The digital board's temperature: raw count times `scale` (degrees Celsius a count).
+  /// The digital board's temperature: raw count times `scale` (degrees Celsius per count).
   virtual float getDigitalBoardTemp(float scale) = 0;
   /// @}
 
   /// The power supply's version row; its version is empty when it could not be read.
   VERSIONSDATA GetPowerSupplyVersion();
-  /// Sets the system LED to the state of a loaded user interface. Runs on a DDS delivery thread.
+  /// Sets the system LED to the state of a loaded user interface; a driver failure is sent as an event. Runs on a DDS
+  /// delivery thread, and waits there for the driver while that is still being made.
   void UIDoneLoadingDDS_SubCallback(char const* topic);
   /// Drives the display backlight to the device's maximum.
   void setMaxBacklight();
@@ -84,14 +88,18 @@ public:
   /// @}
 
 protected:
+  /// Returns once the start-up of the done-loading subscription has ended; no time limit.
+  void wait_for_subscription() const;
+
   float kelvin_offset_;        ///< degrees Celsius to kelvin
   std::int32_t board_handle_;  ///< handle of the board driver
+
 private:
   bool external_voltage_;  ///< the state published last
   Varnok::DDS_Subscriber<Varnok::DDS_VoidMessage> ui_done_loading_;
   Varnok::DDS_Publisher<bool> external_voltage_publisher_;
   std::int32_t max_interfaces;   ///< network interfaces of the unit
-  float digital_board_scale_;    ///< degrees Celsius a count
+  float digital_board_scale_;    ///< degrees Celsius per count
   std::int32_t mic284_celsius_;  ///< last MIC284 reading, whole degrees
   bool ps_temperature_valid_;    ///< the three flags tell what the last temperature list could read
   bool battery_temperature_valid_;

@@ -1,14 +1,11 @@
-#include <cstdlib>
-
 #include "handheld/handheld_hardware.h"
+#include "handheld/shell.h"
 
 // Interface names go into the command lines as they come.
 
-namespace {
+using handheld::run;
 
-void run(const std::string& command) {
-  [[maybe_unused]] const int status = std::system(command.c_str());
-}
+namespace {
 
 void interface_down(const std::string& interface) {
   run("ifconfig " + interface + " down");

@@ -2,7 +2,6 @@
 
 #include "handheld/driver_link.h"
 #include "handheld/handheld_hardware.h"
-#include "messaging/failure_event.h"
 
 namespace {
 
@@ -21,11 +20,11 @@ bool Handheld_Hardware::GetChargerStatus() {
     PSdriver->GetCharger_BatteryStatus();
     semExtVoltStatusIrq.wait();
   } catch (const psdriverError&) {
-    SendFailureEvent(Attr_EventMessage, "Handheld_Hardware::GetChargerStatus()",
-                     "Power Supply Driver Failure: Battery Charger Status");
+    handheld::report_failure("Handheld_Hardware::GetChargerStatus()",
+                             "Power Supply Driver Failure: Battery Charger Status");
     return false;
   }
-  const bool present = (charge_status & EXTERNAL_VOLTAGE) != 0;
+  const bool present = (charge_status & handheld::EXTERNAL_VOLTAGE) != 0;
   if (present == external_voltage_) {
     return true;
   }
@@ -44,8 +43,8 @@ bool Handheld_Hardware::GetBatteryChargeStatus(int& charge) {
     PSdriver->GetBatteryRunTimeToEmpty();
     semBatteryRunTimeIrq.wait();
   } catch (const psdriverError&) {
-    SendFailureEvent(Attr_EventMessage, "Handheld_Hardware::GetBatteryChargeStatus()",
-                     "Power Supply Driver Failure: Battery Relative Charge");
+    handheld::report_failure("Handheld_Hardware::GetBatteryChargeStatus()",
+                             "Power Supply Driver Failure: Battery Relative Charge");
     return false;
   }
   return true;
@@ -58,12 +57,12 @@ VERSIONSDATA Handheld_Hardware::GetPowerSupplyVersion() {
     semPowerSupplyVerIrq.wait();
     row.version = dotted_version(ps_ver.str());
   } catch (const psdriverError&) {
-    SendFailureEvent(Attr_EventMessage, "Handheld_Hardware::GetPowerSupplyVersion()",
-                     "Power Supply Driver Failure: Power Supply Version");
+    handheld::report_failure("Handheld_Hardware::GetPowerSupplyVersion()",
+                             "Power Supply Driver Failure: Power Supply Version");
   } catch (...) {
     // The version list is the only one to ask for this row; the report names it.
     std::cerr << "HARDWARE::GetPowerSupplyVersion err" << std::endl;
-    SendFailureEvent(Attr_EventMessage, "HARDWARE::GetVersionList()", "PSdriver Software Version is missing");
+    handheld::report_failure("HARDWARE::GetVersionList()", "PSdriver Software Version is missing");
   }
   return row;
 }
@@ -81,5 +80,5 @@ int Handheld_Hardware::Slot1MIC284Temperature() {
 }
 
 int Handheld_Hardware::BatteryPresent() {
-  return (charge_status & BATTERY_ABSENT) == 0 ? 1 : 0;
+  return (charge_status & handheld::BATTERY_ABSENT) == 0 ? 1 : 0;
 }

@@ -1,12 +1,21 @@
-#include <cstdlib>
+#include "handheld/power_switch.h"
+
 #include <fstream>
 #include <iostream>
+#include <string>
 
 #include "handheld/driver_link.h"
 #include "handheld/handheld_hardware.h"
 #include "handheld/remote_services.h"
-#include "messaging/failure_event.h"
+#include "handheld/shell.h"
 #include "varnok_locker.h"
+
+bool cover_closed = false;
+std::int32_t CommunicationStatusInterruptValue = 0;
+
+namespace handheld {
+std::atomic<Handheld_Hardware*> switch_owner{nullptr};
+}
 
 namespace {
 
@@ -30,10 +39,11 @@ const char SHUTDOWN_SCREEN_TEXT[] =
     "                                 Shutting Down\r\n\r\n"
     "                                  Please Wait";
 
-/// The process's hardware object. An interrupt may come before the host's pointer is set; the object that registered
-/// the handler stands in for it then.
-BASE_HARDWARE& hardware_object() {
-  return Hardware ? *Hardware : *SwitchOwner;
+/// The object that an interrupt is for: the process's hardware object, or the one that registered the handler while the
+/// host's pointer is not set yet. Null once the object that registered the handler has been destroyed.
+BASE_HARDWARE* hardware_object() {
+  Handheld_Hardware* const owner = handheld::switch_owner;
+  return owner && Hardware ? Hardware : owner;
 }
 
 /// Runs one step of the handler. A step that fails is passed over: whoever it was to reach is gone already, and the
@@ -61,12 +71,21 @@ bool user_agrees() {
   return answer == ANSWER_OK;
 }
 
-void show_shutdown_screen(const char* title) {
+void show_shutdown_screen() {
   if (CORBA::is_nil(GuiManagerPtr.in())) {
     return;
   }
-  attempt([title] { GuiManagerPtr->ShowDialog(title, SHUTDOWN_SCREEN_TEXT, "", 0); });
-  attempt([title] { GuiManagerPtr->SetDialogSize(title, "Max"); });
+  attempt([] {
+    const CORBA::String_var title = CORBA::string_dup("Shutdown");
+    const CORBA::String_var text = CORBA::string_dup(SHUTDOWN_SCREEN_TEXT);
+    const CORBA::String_var no_buttons = CORBA::string_dup("");
+    GuiManagerPtr->ShowDialog(title.in(), text.in(), no_buttons.in(), 0);
+  });
+  attempt([] {
+    const CORBA::String_var title = CORBA::string_dup("Shutdown");
+    const CORBA::String_var size = CORBA::string_dup("Max");
+    GuiManagerPtr->SetDialogSize(title.in(), size.in());
+  });
 }
 
 void shut_down_everybody_engine(const Varnok::Locker& locker) {
@@ -86,28 +105,41 @@ void shut_down_everybody_engine(const Varnok::Locker& locker) {
   });
 }
 
-void shut_down_hardware_engines(const char* engine) {
+void shut_down_hardware_engines() {
   std::cout << "Shutting down hardware enum" << std::endl;
   if (CORBA::is_nil(EnumEngPtr.in())) {
     return;
   }
-  attempt([engine] { EnumEngPtr->ShutdownEngine(engine); });
+  attempt([] {
+    const CORBA::String_var engine = CORBA::string_dup("SYSTEM_ENGINE1");
+    EnumEngPtr->ShutdownEngine(engine.in());
+  });
+}
+
+void shut_down_hardware() {
+  std::cout << "Hardware shutdown" << std::endl;
+  if (BASE_HARDWARE* const hardware = hardware_object()) {
+    attempt([hardware] { hardware->shutdown(); });
+  }
 }
 
 void handle_shutdown_request(const Varnok::Locker& locker) {
   FindGuiManagerInstance();
-  FindEverybodyEngine();
-  FindHwEnumerationEngine();
+  handheld::find_everybody_engine();
+  handheld::find_hw_enumeration_engine();
   if (!user_agrees()) {
     return;
   }
-  const CORBA::String_var title = CORBA::string_dup("Shutdown");
-  const CORBA::String_var engine = CORBA::string_dup("SYSTEM_ENGINE1");
-  show_shutdown_screen(title.in());
+  show_shutdown_screen();
   shut_down_everybody_engine(locker);
-  shut_down_hardware_engines(engine.in());
-  std::cout << "Hardware shutdown" << std::endl;
-  attempt([] { hardware_object().shutdown(); });
+  shut_down_hardware_engines();
+  shut_down_hardware();
+}
+
+void raise_backlight() {
+  if (auto* const unit = dynamic_cast<Handheld_Hardware*>(hardware_object())) {
+    attempt([unit] { unit->setMaxBacklight(); });
+  }
 }
 
 void write_backlight_power(int power) {
@@ -117,12 +149,11 @@ void write_backlight_power(int power) {
 
 /// Closing the cover writes 0, also when it is closed already; only its opening writes 1.
 void follow_cover(bool closed) {
-  if (closed) {
-    write_backlight_power(0);
-  } else if (cover_closed) {
-    write_backlight_power(1);
-  }
+  const bool was_closed = cover_closed;
   cover_closed = closed;
+  if (closed || was_closed) {
+    attempt([closed] { write_backlight_power(closed ? 0 : 1); });
+  }
 }
 
 }  // namespace
@@ -130,9 +161,11 @@ void follow_cover(bool closed) {
 void Handheld_Hardware::PowerSwitch(int value) {
   const Varnok::Locker locker;
   CommunicationStatusInterruptValue = value;
-  std::cout << "PowerSwitch:Comm status interrupt value" << value << std::endl;
+  std::cout << "PowerSwitch:Comm status interrupt value" << std::to_string(value) << std::endl;
+  // The bit lies in the group, so the group's test decides nothing. Both are kept: the value is decoded by group, then
+  // by bit.
   if ((value & BACKLIGHT_GROUP) != 0 && (value & BACKLIGHT_TO_MAXIMUM) != 0) {
-    attempt([] { SwitchOwner->setMaxBacklight(); });
+    raise_backlight();
   }
   if ((value & SHUTDOWN_REQUEST) != 0) {
     handle_shutdown_request(locker);
@@ -141,11 +174,11 @@ void Handheld_Hardware::PowerSwitch(int value) {
 }
 
 void Handheld_Hardware::shutdown() {
-  [[maybe_unused]] const int script_status = std::system("/root/.shutdown");
+  handheld::run("/root/.shutdown");
   int status = USER_INTERFACE_GONE;
   try {
     PSdriver->SetUserInterface_CommunicationStatus(status, false);
   } catch (const psdriverError&) {
-    SendFailureEvent(Attr_EventMessage, "Handheld_Hardware::shutdown()", "Power Supply Driver Failure: Shutdown");
+    handheld::report_failure("Handheld_Hardware::shutdown()", "Power Supply Driver Failure: Shutdown");
   }
 }

@@ -2,8 +2,9 @@
 
 #include <sys/prctl.h>
 
-#include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <boost/thread/thread.hpp>
+
+namespace handheld {
 
 namespace {
 
@@ -24,7 +25,8 @@ private:
 
 }  // namespace
 
-void WaitUntil(const boost::system_time& deadline) {
+void wait_for(const boost::posix_time::time_duration& duration) {
+  const boost::system_time deadline = boost::get_system_time() + duration;
   {
     const ExactTimers exact;
     boost::this_thread::sleep(deadline - WAKE_UP_TIME);
@@ -32,3 +34,5 @@ void WaitUntil(const boost::system_time& deadline) {
   while (boost::get_system_time() < deadline) {
   }
 }
+
+}  // namespace handheld

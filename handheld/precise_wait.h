@@ -1,7 +1,12 @@
 #pragma once
 
-#include <boost/thread/thread_time.hpp>
+#include <boost/date_time/posix_time/posix_time_types.hpp>
 
-/// Returns as soon as the system clock (UTC) has reached `deadline`, within a few microseconds; at once when it has
-/// passed. Sleeps for most of the wait and looks at the clock for its last part. Any thread.
-void WaitUntil(const boost::system_time& deadline);
+namespace handheld {
+
+/// Returns as soon as `duration` has passed on the system clock (UTC), within a few microseconds. Sleeps until 40
+/// microseconds before the end and watches the clock for the rest, so a wait of 50 microseconds is nearly all spent
+/// watching the clock. Any thread; an interruption point of boost's threads.
+void wait_for(const boost::posix_time::time_duration& duration);
+
+}  // namespace handheld

@@ -1,18 +1,17 @@
 #include <string>
 
+#include "handheld/board_registers.h"
 #include "handheld/handheld_hardware.h"
 #include "handheld/precise_wait.h"
 #include "varnok_errors.h"
 
 namespace {
 
-constexpr unsigned int FIRST_RF_REGISTER = 128;
-constexpr unsigned int LAST_RF_REGISTER = 248;
-/// Written with an RF address to start its transfer; on read, the register's bit is set while the transfer is pending.
-constexpr unsigned int RF_REQUEST = 252;
 constexpr int MOST_STATUS_READS = 100;
 
 void require_rf_register(unsigned int address) {
+  using handheld::FIRST_RF_REGISTER;
+  using handheld::LAST_RF_REGISTER;
   using Varnok::Operation_errors::DataOutOfRangeException;
   using Varnok::Operation_errors::RangeValue;
   if (address >= FIRST_RF_REGISTER && address <= LAST_RF_REGISTER && address % 4 == 0) {
@@ -45,11 +44,11 @@ unsigned int Handheld_Hardware::Peek(unsigned int space, unsigned int address) {
 
 unsigned int Handheld_Hardware::Peek_RFregister(unsigned int address) {
   require_rf_register(address);
-  Poke(RF_REQUEST, address);
-  WaitUntil(boost::get_system_time() + boost::posix_time::microseconds(50));
+  Poke(handheld::RF_REQUEST, address);
+  handheld::wait_for(boost::posix_time::microseconds(50));
   const unsigned int pending = 1U << (address / 4 - 32);
   for (int reads = 0; reads < MOST_STATUS_READS; ++reads) {
-    if ((Peek(RF_REQUEST) & pending) == 0) {
+    if ((Peek(handheld::RF_REQUEST) & pending) == 0) {
       return Peek(address);
     }
   }

@@ -2,21 +2,30 @@
 
 #include <iostream>
 
-#include "handheld/driver_link.h"
 #include "messaging/service_lookup.h"
+
+// Constructed right after the objects of the driver link, and like them ahead of the hardware object.
+[[gnu::init_priority(1002)]] Varnok::HwEnumerate_Able_var EnumEngPtr;
+[[gnu::init_priority(1002)]] Halcyra::gui::GUIManager_var GuiManagerPtr;
+
+Varnok::EverybodyEng::Interfaces_ptr EverBdyPtr = nullptr;
+
+using messaging::find_service;
 
 void FindGuiManagerInstance() {
   try {
-    GuiManagerPtr = FindService<Halcyra::gui::GUIManager>({"Halcyra", "local", "GUIManager"});
+    GuiManagerPtr = find_service<Halcyra::gui::GUIManager>({"Halcyra", "local", "GUIManager"});
   } catch (...) {
     std::cerr << "Handheld_Hardware::FindGuiManagerInstance Missing GuiManager err" << std::endl;
   }
 }
 
-// The engines' paths name the instance; there is one GUI manager only.
-void FindEverybodyEngine() {
+namespace handheld {
+
+// The engines' paths end in the instance; there is one GUI manager only.
+void find_everybody_engine() {
   try {
-    const auto found = FindService<Varnok::EverybodyEng::Interfaces>({"Halcyra", "local", "EVERYBODYENG", "1"});
+    const auto found = find_service<Varnok::EverybodyEng::Interfaces>({"Halcyra", "local", "EVERYBODYENG", "1"});
     CORBA::release(EverBdyPtr);
     EverBdyPtr = found;
     if (CORBA::is_nil(EverBdyPtr)) {
@@ -27,9 +36,9 @@ void FindEverybodyEngine() {
   }
 }
 
-void FindHwEnumerationEngine() {
+void find_hw_enumeration_engine() {
   try {
-    EnumEngPtr = FindService<Varnok::HwEnumerate_Able>({"Halcyra", "local", "HWENUM_ABLE", "1"});
+    EnumEngPtr = find_service<Varnok::HwEnumerate_Able>({"Halcyra", "local", "HWENUM_ABLE", "1"});
     if (CORBA::is_nil(EnumEngPtr.in())) {
       std::cerr << "HwEnumPtr is null" << std::endl;
     }
@@ -37,3 +46,5 @@ void FindHwEnumerationEngine() {
     std::cerr << "Handheld_Hardware::Missing HW Enumeration Engine err, please load" << std::endl;
   }
 }
+
+}  // namespace handheld

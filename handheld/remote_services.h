@@ -1,12 +1,28 @@
 #pragma once
 
-/// Finds the unit's remote services by their naming paths and refreshes the holders of driver_link.h. A lookup that
-/// fails is reported by one line on standard error and keeps the holder's last value; nothing is thrown. An object of
-/// another type leaves the holder nil. Called on the power-supply driver's thread.
+#include "everybody_engine.h"
+#include "gui_manager.h"
+#include "hw_enumerate.h"
 
-/// The GUI manager, into `GuiManagerPtr`.
+// The unit's remote services, found by their naming paths. A lookup that fails is reported by one line on standard
+// error and keeps the holder's last value; nothing is thrown. An object of another type leaves the holder nil. Called
+// on the power-supply driver's thread.
+
+/// @name Holders, nil until found
+/// @{
+extern Varnok::HwEnumerate_Able_var EnumEngPtr;
+extern Halcyra::gui::GUIManager_var GuiManagerPtr;
+extern Varnok::EverybodyEng::Interfaces_ptr EverBdyPtr;
+/// @}
+
+/// Looks the GUI manager up, into `GuiManagerPtr`.
 void FindGuiManagerInstance();
-/// The everybody engine, into `EverBdyPtr`.
-void FindEverybodyEngine();
-/// The hardware enumeration engine, into `EnumEngPtr`.
-void FindHwEnumerationEngine();
+
+namespace handheld {
+
+/// Looks the everybody engine up, into `EverBdyPtr`.
+void find_everybody_engine();
+/// Looks the hardware enumeration engine up, into `EnumEngPtr`.
+void find_hw_enumeration_engine();
+
+}  // namespace handheld

@@ -5,7 +5,7 @@
 
 #include "handheld/driver_link.h"
 #include "handheld/handheld_hardware.h"
-#include "messaging/failure_event.h"
+#include "handheld/shell.h"
 
 namespace {
 
@@ -29,7 +29,6 @@ void append_omap_row(std::vector<TEMPERATUREDATA>& list, TEMPERATUREDATA& row) {
     return;
   }
   file >> row.temperature;
-  file.close();
   row.name = "Slot 1 OMAP Temperature";
   list.push_back(row);
 }
@@ -44,15 +43,15 @@ void Handheld_Hardware::append_power_supply_row(std::vector<TEMPERATUREDATA>& li
     list.push_back(row);
     ps_temperature_valid_ = true;
   } catch (const psdriverError&) {
-    SendFailureEvent(Attr_EventMessage, "Handheld_Hardware::GetTemperature() Power Supply Temperature",
-                     "Power Supply Driver Failure: Get Power Supply Temperature");
+    handheld::report_failure("Handheld_Hardware::GetTemperature() Power Supply Temperature",
+                             "Power Supply Driver Failure: Get Power Supply Temperature");
     ps_temperature_valid_ = false;
   }
 }
 
 void Handheld_Hardware::append_battery_row(std::vector<TEMPERATUREDATA>& list, TEMPERATUREDATA& row) {
   try {
-    const bool fitted = (charge_status & BATTERY_ABSENT) == 0;
+    const bool fitted = (charge_status & handheld::BATTERY_ABSENT) == 0;
     if (fitted) {
       PSdriver->GetBatteryTemperature();
       semBatteryTempIrq.wait();
@@ -63,15 +62,14 @@ void Handheld_Hardware::append_battery_row(std::vector<TEMPERATUREDATA>& list, T
     list.push_back(row);
     battery_temperature_valid_ = fitted;
   } catch (const psdriverError&) {
-    SendFailureEvent(Attr_EventMessage, "Handheld_Hardware::GetTemperature() Battery Temperature",
-                     "Power Supply Driver Failure: Get Battery Temperature");
+    handheld::report_failure("Handheld_Hardware::GetTemperature() Battery Temperature",
+                             "Power Supply Driver Failure: Get Battery Temperature");
     battery_temperature_valid_ = false;
   }
 }
 
 void Handheld_Hardware::append_mic284_row(std::vector<TEMPERATUREDATA>& list, TEMPERATUREDATA& row) {
-  const std::string command = i2c_command_str() + "i2c_read 3 0x48 0 > /tmp/MIC284";
-  [[maybe_unused]] const int status = std::system(command.c_str());
+  handheld::run(i2c_command_str() + "i2c_read 3 0x48 0 > /tmp/MIC284");
   std::ifstream file(MIC284_FILE);
   if (!file.is_open()) {
     mic284_temperature_valid_ = false;
@@ -80,7 +78,6 @@ void Handheld_Hardware::append_mic284_row(std::vector<TEMPERATUREDATA>& list, TE
   }
   std::string line;
   std::getline(file, line);
-  file.close();
   mic284_celsius_ = mic284_degrees(line);
   mic284_temperature_valid_ = true;
   row = {static_cast<float>(mic284_celsius_), "Slot 1 MIC284 Temperature"};

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "messaging/connection_failure.h"
 #include "messaging/signature_texts.h"
 #include "varnok_attributes.h"
 #include "varnok_dds.h"
@@ -43,7 +44,6 @@ private:
   void create_topic();
   void create_writer();
   void disconnect();
-  [[noreturn]] static void fail(const std::string& text);
 
   std::unique_ptr<Writer> writer_;
   DDS::Publisher_var publisher_;
@@ -80,14 +80,14 @@ template <typename T>
 void DDS_Publisher<T>::create_topic() {
   const DDS::DomainParticipant_ptr participant = DdsBase().participant;
   if (writer_->type_support->register_type(participant, "") != DDS::RETCODE_OK) {
-    fail(std::string(Texts::constructor) + " err: Osts->register_type");
+    messaging::fail_to_connect(std::string(Texts::CONSTRUCTOR) + " err: Osts->register_type");
   }
   const CORBA::String_var type_name = writer_->type_support->get_type_name();
   topic_ = participant->create_topic(topic_name_.c_str(), type_name.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
                                      ALL_STATUSES);
   if (CORBA::is_nil(topic_.in())) {
-    fail(std::string(Texts::constructor) + ":  Participant->create_topic [" + topic_name_ + "] [" + type_name.in() +
-         "]");
+    messaging::fail_to_connect(std::string(Texts::CONSTRUCTOR) + ":  Participant->create_topic [" + topic_name_ +
+                               "] [" + type_name.in() + "]");
   }
 }
 
@@ -101,11 +101,11 @@ void DDS_Publisher<T>::create_writer() {
   qos.durability.kind = DDS::TRANSIENT_LOCAL_DURABILITY_QOS;
   data_writer_ = publisher_->create_datawriter(topic_.in(), qos, DDS::DataWriterListener::_nil(), ALL_STATUSES);
   if (CORBA::is_nil(data_writer_.in())) {
-    fail(std::string(Texts::constructor) + " err: Publisher->create_datawriter");
+    messaging::fail_to_connect(std::string(Texts::CONSTRUCTOR) + " err: Publisher->create_datawriter");
   }
   writer_->typed_writer = writer_->narrow(data_writer_.in());
   if (CORBA::is_nil(writer_->typed_writer.in())) {
-    fail(std::string(Texts::constructor) + " err:  pub_obj.writer_i_narrow_func");
+    messaging::fail_to_connect(std::string(Texts::CONSTRUCTOR) + " err:  pub_obj.writer_i_narrow_func");
   }
 }
 
@@ -117,7 +117,7 @@ void DDS_Publisher<T>::sendData(const T& value) {
   writer_->sample.source = 0;
   writer_->typed_writer->register_instance(writer_->sample);
   if (writer_->typed_writer->write(writer_->sample, DDS::HANDLE_NIL) != DDS::RETCODE_OK) {
-    throw Connection_errors::Communications_failure(std::string(Texts::send_data) + " error");
+    throw Connection_errors::Communications_failure(std::string(Texts::SEND_DATA) + " error");
   }
 }
 
@@ -129,12 +129,6 @@ void DDS_Publisher<T>::disconnect() {
   data_writer_ = DDS::DataWriter::_nil();
   DdsBase().participant->delete_publisher(publisher_.in());
   DdsBase().participant->delete_topic(topic_.in());
-}
-
-template <typename T>
-void DDS_Publisher<T>::fail(const std::string& text) {
-  std::cerr << text << std::endl;
-  throw Connection_errors::Not_Connected(text);
 }
 
 }  // namespace Varnok

@@ -56,7 +56,6 @@ private:
   void create_reader(DDS_Subscriber<T>* owner, const DDS::Duration_t& minimum_separation,
                      DDS::DurabilityQosPolicyKind durability);
   void disconnect();
-  [[noreturn]] static void fail(const std::string& text);
 
   std::unique_ptr<Reader> reader_;
   DDS::Topic_var topic_;

@@ -8,6 +8,7 @@
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <boost/thread/thread.hpp>
 
+#include "messaging/connection_failure.h"
 #include "messaging/dds_subscriber.h"
 
 namespace Varnok {
@@ -30,11 +31,11 @@ void DDS_SubscriberBase<T, U>::InitSubBase(DDS_Subscriber<T>* owner, long minSep
                                            DDS::DurabilityQosPolicyKind durability) {
   const DDS::DomainParticipant_ptr participant = this->DdsBase().participant;
   if (CORBA::is_nil(participant)) {
-    fail(std::string(Texts::init) + " err: Participant NULL");
+    messaging::fail_to_connect(std::string(Texts::INIT) + " err: Participant NULL");
   }
   subscriber_ = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(), ALL_STATUSES);
   if (CORBA::is_nil(subscriber_.in())) {
-    fail(std::string(Texts::init) + " err: create_subscriber");
+    messaging::fail_to_connect(std::string(Texts::INIT) + " err: create_subscriber");
   }
   create_topic(participant);
   DDS::Duration_t minimum_separation;
@@ -47,13 +48,14 @@ void DDS_SubscriberBase<T, U>::InitSubBase(DDS_Subscriber<T>* owner, long minSep
 template <typename T, typename U>
 void DDS_SubscriberBase<T, U>::create_topic(DDS::DomainParticipant_ptr participant) {
   if (reader_->type_support->register_type(participant, "") != DDS::RETCODE_OK) {
-    fail(std::string(Texts::init) + " err: Osts->register_type");
+    messaging::fail_to_connect(std::string(Texts::INIT) + " err: Osts->register_type");
   }
   const CORBA::String_var type_name = reader_->type_support->get_type_name();
   topic_ = participant->create_topic(topic_name_.c_str(), type_name.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
                                      ALL_STATUSES);
   if (CORBA::is_nil(topic_.in())) {
-    fail(std::string(Texts::init) + " err: Participant->create_topic [" + type_name.in() + "] [" + topic_name_ + "]");
+    messaging::fail_to_connect(std::string(Texts::INIT) + " err: Participant->create_topic [" + type_name.in() + "] [" +
+                               topic_name_ + "]");
   }
 }
 
@@ -71,7 +73,7 @@ void DDS_SubscriberBase<T, U>::create_reader(DDS_Subscriber<T>* owner, const DDS
   listener_.dispatch_to(owner);
   data_reader_ = subscriber_->create_datareader(topic_.in(), qos, &listener_, ALL_STATUSES);
   if (CORBA::is_nil(data_reader_.in())) {
-    fail(std::string(Texts::init) + " err: Subscriber->create_datareader");
+    messaging::fail_to_connect(std::string(Texts::INIT) + " err: Subscriber->create_datareader");
   }
 }
 
@@ -97,12 +99,6 @@ void DDS_SubscriberBase<T, U>::disconnect() {
   this->DdsBase().participant->delete_topic(topic_.in());
 }
 
-template <typename T, typename U>
-void DDS_SubscriberBase<T, U>::fail(const std::string& text) {
-  std::cerr << text << std::endl;
-  throw Connection_errors::Not_Connected(text);
-}
-
 template <typename T>
 DDS_Subscriber<T>::DDS_Subscriber(const char* topicName, const boost::function<void(char const*)>& callback)
     : DDS_SubscriberBase<T, void(char const*)>(topicName, callback) {
@@ -125,7 +121,7 @@ void DDS_DataReaderListener<T>::on_data_available(DDS::DataReader_ptr reader) {
   }
   DDS::SampleInfo info;
   if (record.typed_reader->take_next_sample(record.sample, info) != DDS::RETCODE_OK) {
-    throw Runtime_errors::Generic(std::string(DDS_Subscriber_texts<T>::data_available) + " take_next_sample error.");
+    throw Runtime_errors::Generic(std::string(DDS_Subscriber_texts<T>::DATA_AVAILABLE) + " take_next_sample error.");
   }
   if (!info.valid_data) {
     return report_without_data(info.instance_state);
@@ -136,7 +132,7 @@ void DDS_DataReaderListener<T>::on_data_available(DDS::DataReader_ptr reader) {
 
 template <typename T>
 void DDS_DataReaderListener<T>::report_without_data(DDS::InstanceStateKind state) {
-  const std::string reporter = DDS_Subscriber_texts<T>::data_available;
+  const std::string reporter = DDS_Subscriber_texts<T>::DATA_AVAILABLE;
   switch (state) {
     case DDS::NOT_ALIVE_DISPOSED_INSTANCE_STATE:
       std::cout << reporter + " instance is disposed\n" << std::flush;

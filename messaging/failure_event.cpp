@@ -5,6 +5,8 @@
 
 #include <boost/date_time/posix_time/posix_time.hpp>
 
+namespace messaging {
+
 namespace {
 
 // The unit's logs carry the wall clock: the local calendar time counted as if it were UTC.
@@ -15,7 +17,7 @@ std::int64_t local_time_stamp() {
 
 }  // namespace
 
-void SendFailureEvent(Varnok::EngineEventMessage_i& channel, const char* source, const char* text) {
+void send_failure_event(Varnok::EngineEventMessage_i& channel, const char* source, const char* text) {
   Varnok::Event::Message message;
   message.category = 3;
   message.text = text;
@@ -26,3 +28,5 @@ void SendFailureEvent(Varnok::EngineEventMessage_i& channel, const char* source,
   message.timestamp = local_time_stamp();
   channel.SendEventMessage(message);
 }
+
+}  // namespace messaging

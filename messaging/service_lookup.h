@@ -5,12 +5,16 @@
 
 #include "orb_wrapper.h"
 
+namespace messaging {
+
 /// Finds the object of that naming path through an ORB wrapper of its own, which is kept until the process ends: the
 /// object belongs to it. Throws what the lookup throws. Any thread.
-CORBA::Object_ptr FindObject(const std::vector<std::string>& path);
+CORBA::Object_ptr find_object(const std::vector<std::string>& path);
 
-/// Finds the service of that naming path. The caller owns the reference; nil where the object is of another type.
+/// Finds the service of that naming path. The caller owns the reference; nil if the object is of another type.
 template <typename Service>
-typename Service::_ptr_type FindService(const std::vector<std::string>& path) {
-  return Service::_narrow(FindObject(path));
+typename Service::_ptr_type find_service(const std::vector<std::string>& path) {
+  return Service::_narrow(find_object(path));
 }
+
+}  // namespace messaging

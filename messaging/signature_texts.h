@@ -11,8 +11,8 @@ struct DDS_Publisher_texts;
 
 template <>
 struct DDS_Publisher_texts<bool> {
-  static constexpr char constructor[] = "Varnok::DDS_Publisher<T>::DDS_Publisher(const char*) [with T = bool]";
-  static constexpr char send_data[] = "void Varnok::DDS_Publisher<T>::sendData(const T&) [with T = bool]";
+  static constexpr char CONSTRUCTOR[] = "Varnok::DDS_Publisher<T>::DDS_Publisher(const char*) [with T = bool]";
+  static constexpr char SEND_DATA[] = "void Varnok::DDS_Publisher<T>::sendData(const T&) [with T = bool]";
 };
 
 template <typename T>
@@ -20,10 +20,10 @@ struct DDS_Subscriber_texts;
 
 template <>
 struct DDS_Subscriber_texts<DDS_VoidMessage> {
-  static constexpr char init[] =
+  static constexpr char INIT[] =
       "void Varnok::DDS_SubscriberBase<T, U>::InitSubBase(Varnok::DDS_Subscriber<T>*, long int, long unsigned int, "
       "DDS::DurabilityQosPolicyKind) [with T = Varnok::DDS_VoidMessage, F = void(const char*)]";
-  static constexpr char data_available[] =
+  static constexpr char DATA_AVAILABLE[] =
       "void Varnok::DDS_DataReaderListener<T>::on_data_available(DDS::DataReader*) [with T = Varnok::DDS_VoidMessage]";
 };
 

@@ -18,8 +18,8 @@ enum class Reply : std::uint32_t {
   SOFTWARE_VERSION_NUMBER,           ///< decimal, 10203 for 1.02.03
   POWER_SUPPLY_TEMPERATURE,          ///< tenths of a degree Celsius
   BATTERY_TEMPERATURE,               ///< degrees Celsius
-  BATTERY_AVERAGE_TIME_TO_EMPTY,     ///< minutes
-  BATTERY_RUN_TIME_TO_EMPTY,         ///< minutes
+  BATTERY_AVERAGE_TIME_TO_EMPTY,     ///< in the controller's own unit
+  BATTERY_RUN_TIME_TO_EMPTY,         ///< in the controller's own unit
   COUNT
 };
 

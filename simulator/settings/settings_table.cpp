@@ -100,9 +100,9 @@ void add_power_supply(std::vector<Setting>& all) {
   add_reply(all, Reply::SOFTWARE_VERSION_NUMBER, "software_version", "", "controller software, 10203 for 1.02.03");
   add_reply(all, Reply::POWER_SUPPLY_TEMPERATURE, "temperature", "0.1 degC", "power-supply temperature");
   add_reply(all, Reply::BATTERY_TEMPERATURE, "battery_temperature", "degC", "battery temperature");
-  add_reply(all, Reply::BATTERY_AVERAGE_TIME_TO_EMPTY, "average_time_to_empty", "min",
+  add_reply(all, Reply::BATTERY_AVERAGE_TIME_TO_EMPTY, "average_time_to_empty", "",
             "time to empty at the average load");
-  add_reply(all, Reply::BATTERY_RUN_TIME_TO_EMPTY, "run_time_to_empty", "min", "time to empty at the present load");
+  add_reply(all, Reply::BATTERY_RUN_TIME_TO_EMPTY, "run_time_to_empty", "", "time to empty at the present load");
   Setting delay = number("power_supply.reply_delay", "us", 0, MINUTE_US, "from a request to its reply");
   delay.get = [](UnitModel& unit) -> json { return unit.power_supply().reply_delay().count(); };
   delay.set = [](UnitModel& unit, const json& value) {

@@ -9,10 +9,10 @@ namespace simulator::sysroot {
 
 /// The command that enters a unit's private root, and what it needs open.
 ///
-/// Two roots stand one in the other. The outer one holds the machine's programs, the build folder and nothing else of
-/// the machine, all of it read-only, and the unit's state folder; whoever is root leaves root behind there. The inner
-/// one is the unit: all of its mounts come from the outer one, whose read-only ones nobody inside can make writable,
-/// not even root inside with all its rights there.
+/// One root inside the other. The outer one holds the machine's programs, a few files of its /etc and the build folder,
+/// all of it read-only, its /proc and /dev, writable, and the unit's state folder; root becomes an ordinary user there.
+/// The inner one is the unit: all of its mounts come from the outer one, whose read-only ones nobody inside can make
+/// writable, not even root inside with all its rights there.
 class BwrapCommand {
 public:
   /// `build`: the build folder, /opt/unit inside. `state`: the unit's state folder.

@@ -7,7 +7,7 @@
 
 namespace simulator::sysroot {
 
-/// Where a child's standard output and error go, and what it does first.
+/// Where a child's standard output and error go.
 struct ChildStreams {
   std::string log;  ///< file that both are appended to; empty: as this process's
 };

@@ -23,6 +23,9 @@ std::vector<std::string> dynamic_symbols(const std::string& which) {
   return found;
 }
 
+const std::string ATTRIBUTE_TEXT = "BASE_HARDWARE::attrib_enum_str_helper(";
+const std::string TEXT = "std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >";
+
 TEST(Exports, ExactlyTheNamedSymbolsAreExported) {
   EXPECT_THAT(
       dynamic_symbols("--defined-only"),
@@ -31,10 +34,14 @@ TEST(Exports, ExactlyTheNamedSymbolsAreExported) {
           "semPowerSupplyVerIrq", "semPowerSupplyTempIrq", "semBatteryTempIrq", "cover_closed", "Attr_EventMessage",
           "BatteryRelativeStateOfChargeResponse(int)", "SoftwareVersionNumberResponse(int)",
           "PowerSupplyTemperatureValueResponse(int)", "BatteryTemperatureResponse(int)",
-          "BatteryAverageTimeToEmptyResponse(int)", "BatteryRunTimeToEmptyResponse(int)", "vtable for BASE_HARDWARE",
-          "vtable for Handheld_Hardware", "vtable for HARDWARE", "typeinfo for BASE_HARDWARE",
-          "typeinfo for Handheld_Hardware", "typeinfo for HARDWARE", "typeinfo name for BASE_HARDWARE",
-          "typeinfo name for Handheld_Hardware", "typeinfo name for HARDWARE"));
+          "BatteryAverageTimeToEmptyResponse(int)", "BatteryRunTimeToEmptyResponse(int)",
+          ATTRIBUTE_TEXT + TEXT + ", " + TEXT + ")", ATTRIBUTE_TEXT + TEXT + ", int)", ATTRIBUTE_TEXT + TEXT + ")",
+          // Destructors twice each: of a complete object, and of a base.
+          "BASE_HARDWARE::~BASE_HARDWARE()", "BASE_HARDWARE::~BASE_HARDWARE()",
+          "Handheld_Hardware::~Handheld_Hardware()", "Handheld_Hardware::~Handheld_Hardware()", "HARDWARE::~HARDWARE()",
+          "HARDWARE::~HARDWARE()", "vtable for BASE_HARDWARE", "vtable for Handheld_Hardware", "vtable for HARDWARE",
+          "typeinfo for BASE_HARDWARE", "typeinfo for Handheld_Hardware", "typeinfo for HARDWARE",
+          "typeinfo name for BASE_HARDWARE", "typeinfo name for Handheld_Hardware", "typeinfo name for HARDWARE"));
 }
 
 TEST(Exports, TheHostsPointerIsLeftToTheHost) {

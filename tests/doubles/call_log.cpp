@@ -2,13 +2,29 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace doubles {
 
 void CallLog::record(const std::string& call) {
+  std::function<void()> action;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    calls_.push_back(call);
+    recorded_.notify_all();
+    const auto found = actions_.find(call);
+    if (found != actions_.end()) {
+      action = found->second;
+    }
+  }
+  if (action) {
+    action();
+  }
+}
+
+void CallLog::runs_at(const std::string& call, std::function<void()> action) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  calls_.push_back(call);
-  recorded_.notify_all();
+  actions_[call] = std::move(action);
 }
 
 std::vector<std::string> CallLog::all() const {
@@ -34,6 +50,7 @@ unsigned int CallLog::count(const std::string& call) const {
 void CallLog::clear() {
   const std::lock_guard<std::mutex> lock(mutex_);
   calls_.clear();
+  actions_.clear();
 }
 
 bool CallLog::wait_for(const std::string& call, unsigned int times) const {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <condition_variable>
+#include <functional>
+#include <map>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -20,11 +22,14 @@ public:
   void clear();
   /// Waits until `call` has been recorded `times` times; false after ten seconds.
   bool wait_for(const std::string& call, unsigned int times = 1) const;
+  /// Runs `action` whenever `call` has been recorded, on the thread that records it, until the next clear().
+  void runs_at(const std::string& call, std::function<void()> action);
 
 private:
   mutable std::mutex mutex_;
   mutable std::condition_variable recorded_;
   std::vector<std::string> calls_;
+  std::map<std::string, std::function<void()>> actions_;
 };
 
 /// The log that all doubles write to. Usable during static initialisation and at exit.

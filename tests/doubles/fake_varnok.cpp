@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <map>
 #include <mutex>
+#include <set>
 #include <tuple>
 #include <utility>
 
@@ -21,6 +22,7 @@ struct Framework {
   std::function<void()> in_sends;
   std::map<std::string, CORBA::Object_var> services;
   std::map<std::string, std::function<void()>> in_lookups;
+  std::set<const ORB_wrapper_base*> wrappers;  // the library keeps them by no pointer of its own
   unsigned int wrappers_made = 0;
   unsigned int wrappers_destroyed = 0;
   std::uint64_t core_serial = 0;
@@ -206,6 +208,7 @@ public:
 ORB_wrapper_base::ORB_wrapper_base() : found_(new Found) {
   auto& one = framework();
   const std::lock_guard<std::mutex> lock(one.mutex);
+  one.wrappers.insert(this);
   ++one.wrappers_made;
 }
 
@@ -213,6 +216,7 @@ ORB_wrapper_base::~ORB_wrapper_base() {
   delete found_;
   auto& one = framework();
   const std::lock_guard<std::mutex> lock(one.mutex);
+  one.wrappers.erase(this);
   ++one.wrappers_destroyed;
 }
 

@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 
 #include <sstream>
+#include <type_traits>
 
+#include "tests/doubles/hexadecimal_streams.h"
 #include "tests/unit/base/plain_hardware.h"
 #include "varnok_readings.h"
 
@@ -14,6 +16,9 @@ namespace {
 
 using doubles::CapturedOutput;
 using testing::ElementsAre;
+
+static_assert(!std::is_copy_constructible_v<BASE_HARDWARE> && !std::is_copy_assignable_v<BASE_HARDWARE>);
+static_assert(!std::is_copy_constructible_v<PlainHardware> && !std::is_copy_assignable_v<PlainHardware>);
 
 class BaseHardwareTest : public testing::Test {
 protected:
@@ -85,6 +90,17 @@ TEST_F(BaseHardwareTest, AlarmAnnunciatorStateOnPrintsOneOnStandardOutput) {
 TEST_F(BaseHardwareTest, AlarmAnnunciatorStateOffPrintsZeroOnStandardOutput) {
   hardware_.AlarmAnnunciatorState(false);
   expect_output_line("BASE_HARDWARE::AlarmAnnunciatorState : 0");
+}
+
+TEST_F(BaseHardwareTest, NumbersAreDecimalWhateverTheHostHasLeftOnTheStreams) {
+  const doubles::HexadecimalStreams left;
+  hardware_.SetRefOscillator(-12);
+  hardware_.SetQM2760LoopBandwidth(255);
+  hardware_.AlarmAnnunciatorState(true);
+  EXPECT_EQ(output_.err(),
+            "BASE_HARDWARE::SetRefOscillator err -12\n"
+            "BASE_HARDWARE::SetQM2760LoopBandwidth err 255\n");
+  EXPECT_EQ(output_.out(), "BASE_HARDWARE::AlarmAnnunciatorState : 1\n");
 }
 
 TEST_F(BaseHardwareTest, ReadBusVoltagesEndsItsTextWithABlank) {

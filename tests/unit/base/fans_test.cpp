@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "tests/doubles/failing_allocation.h"
+#include "tests/doubles/hexadecimal_streams.h"
 #include "tests/unit/base/plain_hardware.h"
 
 namespace {
@@ -78,6 +79,14 @@ TEST(FansTest, TheIndexIsUnsignedAndPrintedSo) {
   EXPECT_EQ(static_cast<int>(unit.GetFanState(4294967295U)), 4);
   EXPECT_EQ(output.out(), "BASE_HARDWARE::GetFanState 4294967295\n");
   EXPECT_EQ(output.err(), "BASE_HARDWARE::GetFanState index err\n");
+}
+
+TEST(FansTest, TheIndexIsDecimalWhateverTheHostHasLeftOnTheStream) {
+  PlainHardware unit = quiet_unit(11);
+  const CapturedOutput output;
+  const doubles::HexadecimalStreams left;
+  unit.GetFanState(10);
+  EXPECT_EQ(output.out(), "BASE_HARDWARE::GetFanState 10\n");
 }
 
 TEST(FansTest, SetFanStateOnlyPrints) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <dlfcn.h>
+#include <semaphore.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -8,6 +9,7 @@
 #include <iostream>
 #include <new>
 
+#include <boost/interprocess/exceptions.hpp>
 #include <boost/thread/exceptions.hpp>
 
 #include "base/base_hardware.h"
@@ -24,10 +26,12 @@
 namespace {
 
 bool mutexes_fail = false;
+/// The semaphore that cannot be made, counted from 1; 0: all can.
+unsigned int failing_semaphore = 0;
 
 }  // namespace
 
-/// The C library's function, which can be told to fail.
+/// The C library's functions, which can be told to fail.
 extern "C" int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) noexcept {
   if (mutexes_fail) {
     return EAGAIN;
@@ -35,6 +39,17 @@ extern "C" int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexatt
   using Init = int (*)(pthread_mutex_t*, const pthread_mutexattr_t*);
   static const auto real = reinterpret_cast<Init>(dlsym(RTLD_NEXT, "pthread_mutex_init"));
   return real(mutex, attributes);
+}
+
+extern "C" int sem_init(sem_t* semaphore, int shared, unsigned int count) noexcept {
+  static unsigned int made = 0;
+  if (++made == failing_semaphore) {
+    errno = ENOSPC;
+    return -1;
+  }
+  using Init = int (*)(sem_t*, int, unsigned int);
+  static const auto real = reinterpret_cast<Init>(dlsym(RTLD_NEXT, "sem_init"));
+  return real(semaphore, shared, count);
 }
 
 namespace {
@@ -199,5 +214,26 @@ TEST_F(EntryDeathTest, AMutexThatCannotBeMadeLeavesTheLoadAsAThreadResourceError
       },
       ExitedWithCode(AS_EXPECTED), Eq(""));
 }
+
+class FailingSemaphoreTest : public EntryDeathTest, public testing::WithParamInterface<unsigned int> {};
+
+TEST_P(FailingSemaphoreTest, LeavesTheLoadAsAnInterprocessException) {
+  EXPECT_EXIT(
+      {
+        FakeRadalt board;
+        FakePsdriver driver;
+        bool thrown = false;
+        try {
+          failing_semaphore = GetParam();
+          load();
+        } catch (const boost::interprocess::interprocess_exception& error) {
+          thrown = error.get_native_error() == ENOSPC;
+        }
+        leave(thrown && !Hardware && calls().all().empty());
+      },
+      ExitedWithCode(AS_EXPECTED), Eq(""));
+}
+
+INSTANTIATE_TEST_SUITE_P(EachKind, FailingSemaphoreTest, testing::Range(1U, 8U));
 
 }  // namespace

@@ -1,3 +1,8 @@
+#include <atomic>
+#include <cstdlib>
+#include <future>
+#include <iostream>
+
 #include "tests/doubles/fake_dds.h"
 #include "tests/unit/board/unit_under_test.h"
 
@@ -114,6 +119,35 @@ TEST_F(HardwareDeathTest, ABoardThatCannotBeOpenedEndsTheProcessWithStatusOne) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   EXPECT_EXIT(
       {
+        board_.opens_with(-19);
+        const OpenHardware unit;
+      },
+      testing::ExitedWithCode(1), testing::Eq(" HARDWARE::Init  critical error opening device, errno=-19\n"));
+}
+
+TEST_F(HardwareDeathTest, TheErrorNumberIsDecimalWhateverTheHostHasLeftOnTheStream) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  EXPECT_EXIT(
+      {
+        board_.opens_with(-19);
+        std::cerr << std::hex;
+        const OpenHardware unit;
+      },
+      testing::ExitedWithCode(1), testing::Eq(" HARDWARE::Init  critical error opening device, errno=-19\n"));
+}
+
+TEST_F(HardwareDeathTest, TheProcessEndsOnlyWhenTheSubscriptionHasStarted) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  static std::atomic<bool> reader_made{false};
+  EXPECT_EXIT(
+      {
+        DdsStandIn dds;
+        const doubles::ParticipantInUse in_use(dds.participant());
+        std::promise<void> board_opened;
+        calls().runs_at("init", [&] { board_opened.set_value(); });
+        dds.runs_first("create_datareader", [&] { board_opened.get_future().wait(); });
+        dds.runs_last("create_datareader", [] { reader_made = true; });
+        std::atexit([] { std::_Exit(reader_made ? 1 : 42); });
         board_.opens_with(-19);
         const OpenHardware unit;
       },

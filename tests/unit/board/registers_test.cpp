@@ -1,3 +1,4 @@
+#include "tests/doubles/hexadecimal_streams.h"
 #include "tests/unit/board/unit_under_test.h"
 #include "varnok_errors.h"
 
@@ -69,6 +70,15 @@ TEST_F(BoardRegistersTest, AnUnLockThatFailsIsReportedOnStandardOutputOnce) {
   EXPECT_EQ(output.out(), "SysUnlockfail -1\n");
   EXPECT_EQ(output.err(), "");
   EXPECT_THAT(calls().all(), ElementsAre("unlock"));
+}
+
+TEST_F(BoardRegistersTest, LockErrorsAreDecimalWhateverTheHostHasLeftOnTheStream) {
+  board_.lock_fails(-35).unlock_fails(16);
+  const CapturedOutput output;
+  const doubles::HexadecimalStreams left;
+  unit_->Lock();
+  unit_->UnLock();
+  EXPECT_EQ(output.out(), "SysLockfail -35\nSysUnlockfail 16\n");
 }
 
 TEST_F(BoardRegistersTest, PeekOfOneNumberReadsSpaceOne) {

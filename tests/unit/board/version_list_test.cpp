@@ -210,6 +210,11 @@ TEST_F(VersionListTest, ABoardFileBeyondThirtyTwoBitsShowsTheLargestNumber) {
   EXPECT_EQ(version("Slot 1 Control Board Revision"), "4294967295");
 }
 
+TEST_F(VersionListTest, ABoardFileWithANegativeNumberShowsItWrappedInThirtyTwoBits) {
+  put_file(BOARD_FILE, "-5\n");
+  EXPECT_EQ(version("Slot 1 Control Board Revision"), "4294967291");
+}
+
 TEST_F(VersionListTest, ANumberFollowedByTextIsRead) {
   put_file(BOARD_FILE, "12b\n");
   EXPECT_EQ(version("Slot 1 Control Board Revision"), "12");

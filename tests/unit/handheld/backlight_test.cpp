@@ -160,7 +160,7 @@ TEST_F(BacklightTest, EachAllocationThatFailsInSetMaxBacklightIsReportedAndSwall
   EXPECT_EQ(file_text(BRIGHTNESS), "255");
 }
 
-TEST_F(BacklightTest, TheLineComesBeforeTheEvent) {
+TEST_F(BacklightTest, TheLineComesBeforeTheEventOfGetBacklight) {
   std::string line_at_send;
   doubles::run_first_in_sends([&] { line_at_send = output_.err(); });
   int level = 0;
@@ -169,6 +169,16 @@ TEST_F(BacklightTest, TheLineComesBeforeTheEvent) {
     unit_->GetBacklight(level);
   }
   EXPECT_EQ(line_at_send, "Handheld_Hardware::GetBacklight err\n");
+}
+
+TEST_F(BacklightTest, TheLineComesBeforeTheEventOfSetMaxBacklight) {
+  std::string line_at_send;
+  doubles::run_first_in_sends([&] { line_at_send = output_.err(); });
+  {
+    const FailingAllocation failing(1);
+    unit_->setMaxBacklight();
+  }
+  EXPECT_EQ(line_at_send, "Handheld_Hardware::setMaxBacklight err\n");
 }
 
 TEST_F(BacklightTest, AnEventThatCannotBeSentPassesThrough) {

@@ -3,10 +3,14 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <new>
 #include <string>
 
+#include "handheld/driver_arrival.h"
 #include "handheld/driver_link.h"
 #include "handheld/handheld_hardware.h"
+#include "handheld/power_switch.h"
+#include "handheld/remote_services.h"
 #include "tests/doubles/captured_output.h"
 #include "tests/doubles/fake_clock.h"
 #include "tests/doubles/fake_psdriver.h"
@@ -45,6 +49,7 @@ public:
   using BASE_HARDWARE::fan_states;
   using Handheld_Hardware::board_handle_;
   using Handheld_Hardware::kelvin_offset_;
+  using Handheld_Hardware::wait_for_subscription;
 };
 
 /// The moment at which the clock stands in these tests, and what events carry then: the unit's zone is two hours east.
@@ -65,6 +70,9 @@ inline void reset_driver_link() {
     while (semaphore->try_wait()) {
     }
   }
+  PSdriver = nullptr;
+  new (&handheld::driver_arrival) handheld::DriverArrival;
+  handheld::switch_owner = nullptr;
   ps_temp = battery_temp = charge_status = batteryRun_time = battery_time = battery_charge = 0;
   ps_ver.str("");
   cover_closed = false;

@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include "tests/doubles/hexadecimal_streams.h"
 #include "tests/unit/handheld/power_switch_under_test.h"
 
 namespace {
@@ -26,6 +27,33 @@ TEST_F(PowerSwitchTest, TheWholeShutdownRunsInItsOrder) {
   EXPECT_THAT(sent_events(), IsEmpty());
 }
 
+TEST_F(PowerSwitchTest, EachLineStandsBeforeItsStep) {
+  const OutputInLog lines;
+  Handheld_Hardware::PowerSwitch(0x100);
+  EXPECT_THAT(calls().all(), ElementsAre(TAKE_LOCK, "out PowerSwitch:Comm status interrupt value256", FIND_GUI_MANAGER,
+                                         FIND_EVERYBODY_ENGINE, FIND_HW_ENUMERATION, QUESTION, SCREEN, SCREEN_SIZE,
+                                         "out Shutting down everybody engine", GET_SHUTDOWN, MAKE_CORE, shutdown_all(),
+                                         "out Shutting down hardware enum", SHUTDOWN_HW_ENUMERATION,
+                                         "out Hardware shutdown", SCRIPT, USER_INTERFACE_GONE, GIVE_LOCK_BACK));
+}
+
+TEST_F(PowerSwitchTest, TheTraceComesBeforeTheBacklightIsRaised) {
+  const OutputInLog lines;
+  std::string brightness_at_trace;
+  calls().runs_at("out PowerSwitch:Comm status interrupt value32",
+                  [&] { brightness_at_trace = file_text(BRIGHTNESS_FILE); });
+  Handheld_Hardware::PowerSwitch(0x20);
+  EXPECT_EQ(brightness_at_trace, "before");
+  EXPECT_EQ(file_text(BRIGHTNESS_FILE), "255");
+}
+
+TEST_F(PowerSwitchTest, TheLockIsHeldUntilTheCoverStepIsDone) {
+  std::string power_at_the_end;
+  calls().runs_at(GIVE_LOCK_BACK, [&] { power_at_the_end = file_text(POWER_FILE); });
+  Handheld_Hardware::PowerSwitch(0x40);
+  EXPECT_EQ(power_at_the_end, "0");
+}
+
 TEST_F(PowerSwitchTest, TheDriversThreadRunsTheHandler) {
   std::thread::id asked_on;
   command_ = [&](const std::string&) {
@@ -41,6 +69,12 @@ TEST_F(PowerSwitchTest, TheValueIsKeptAndTraced) {
   Handheld_Hardware::PowerSwitch(-2147483647 - 1);
   EXPECT_EQ(CommunicationStatusInterruptValue, -2147483647 - 1);
   EXPECT_EQ(output_.out(), "PowerSwitch:Comm status interrupt value-2147483648\n");
+}
+
+TEST_F(PowerSwitchTest, TheTraceIsDecimalWhateverTheHostHasLeftOnTheStream) {
+  const doubles::HexadecimalStreams left;
+  Handheld_Hardware::PowerSwitch(0x80);
+  EXPECT_EQ(output_.out(), trace(128));
 }
 
 TEST_F(PowerSwitchTest, TheLockIsHeldFromBeforeTheTraceToTheEnd) {
@@ -167,23 +201,6 @@ TEST_F(PowerSwitchTest, ABacklightPowerFileThatCannotBeOpenedIsPassedOverInSilen
   Handheld_Hardware::PowerSwitch(0);
   EXPECT_FALSE(cover_closed);
   remove_file(POWER_FILE);
-}
-
-TEST_F(PowerSwitchTest, TheHardwareIsShutDownThroughTheVirtualInterface) {
-  struct OtherHardware : PlainHandheld {
-    void shutdown() override { calls().record("other shutdown"); }
-  } other;
-  Hardware = &other;
-  calls().clear();
-  Handheld_Hardware::PowerSwitch(0x100);
-  EXPECT_EQ(calls().count("other shutdown"), 1U);
-  EXPECT_EQ(calls().count(SCRIPT), 0U);
-}
-
-TEST_F(PowerSwitchTest, AnInterruptBeforeTheHostsPointerIsSetShutsTheRegisteredObjectDown) {
-  Hardware = nullptr;
-  Handheld_Hardware::PowerSwitch(0x100);
-  EXPECT_EQ(calls().all(), whole_shutdown());
 }
 
 TEST_F(PowerSwitchTest, EachShutdownMakesACoreOfItsOwn) {

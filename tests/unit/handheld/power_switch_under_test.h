@@ -1,5 +1,8 @@
 #pragma once
 
+#include <iostream>
+#include <streambuf>
+
 #include "tests/doubles/fake_services.h"
 #include "tests/doubles/fake_shell.h"
 #include "tests/doubles/fixed_files.h"
@@ -25,6 +28,29 @@ inline const char MAKE_CORE[] = "make locker core";
 inline const char SHUTDOWN_HW_ENUMERATION[] = "ShutdownEngine SYSTEM_ENGINE1";
 inline const char SCRIPT[] = "system /root/.shutdown";
 inline const char USER_INTERFACE_GONE[] = "SetUserInterface_CommunicationStatus 256 0";
+
+/// Standard output, line by line in the log as "out <line>" while it lives. One at a time.
+class OutputInLog : private std::streambuf {
+public:
+  OutputInLog() : kept_(std::cout.rdbuf(this)) {}
+  ~OutputInLog() override { std::cout.rdbuf(kept_); }
+  OutputInLog(const OutputInLog&) = delete;
+  OutputInLog& operator=(const OutputInLog&) = delete;
+
+private:
+  int_type overflow(int_type character) override {
+    if (character == '\n') {
+      doubles::calls().record("out " + line_);
+      line_.clear();
+    } else {
+      line_ += static_cast<char>(character);
+    }
+    return character;
+  }
+
+  std::streambuf* kept_;
+  std::string line_;
+};
 
 /// The everybody engine's shutdown with the core made last.
 inline std::string shutdown_all() {

@@ -3,31 +3,30 @@
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 
-#include <boost/date_time/posix_time/posix_time_types.hpp>
+#include <boost/thread/thread_time.hpp>
 
 namespace {
 
 using boost::get_system_time;
 using boost::posix_time::microseconds;
+using handheld::wait_for;
 
-TEST(PreciseWaitTest, TheDeadlineHasPassedWhenItReturns) {
+TEST(PreciseWaitTest, TheDurationHasPassedWhenItReturns) {
   for (const int wait : {0, 1, 39, 40, 41, 50, 200, 5000}) {
     const boost::system_time deadline = get_system_time() + microseconds(wait);
-    WaitUntil(deadline);
+    wait_for(microseconds(wait));
     EXPECT_GE(get_system_time(), deadline) << wait;
   }
 }
 
-TEST(PreciseWaitTest, ADeadlineThatHasPassedReturns) {
-  const boost::system_time deadline = get_system_time() - microseconds(1000000);
-  WaitUntil(deadline);
-  EXPECT_GE(get_system_time(), deadline);
+TEST(PreciseWaitTest, ANegativeDurationReturns) {
+  wait_for(microseconds(-1000000));
 }
 
 TEST(PreciseWaitTest, TheThreadsTimerSlackIsLeftAsItWas) {
   const int kept = prctl(PR_GET_TIMERSLACK);
   prctl(PR_SET_TIMERSLACK, 123456UL);
-  WaitUntil(get_system_time() + microseconds(200));
+  wait_for(microseconds(200));
   EXPECT_EQ(prctl(PR_GET_TIMERSLACK), 123456);
   prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(kept));
 }

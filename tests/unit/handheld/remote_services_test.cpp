@@ -8,6 +8,8 @@ namespace {
 using doubles::calls;
 using doubles::CapturedOutput;
 using doubles::FakeServices;
+using handheld::find_everybody_engine;
+using handheld::find_hw_enumeration_engine;
 using testing::ElementsAre;
 
 const char NO_GUI_MANAGER[] = "Handheld_Hardware::FindGuiManagerInstance Missing GuiManager err\n";
@@ -73,15 +75,15 @@ TEST_F(RemoteServicesTest, EachLookupMakesAWrapperThatIsNeverDestroyed) {
   const unsigned int made = doubles::wrappers_made();
   FindGuiManagerInstance();
   FindGuiManagerInstance();
-  FindEverybodyEngine();
-  FindHwEnumerationEngine();
+  find_everybody_engine();
+  find_hw_enumeration_engine();
   EXPECT_EQ(doubles::wrappers_made(), made + 4);
   EXPECT_EQ(doubles::wrappers_destroyed(), 0U);
 }
 
 TEST_F(RemoteServicesTest, TheEverybodyEngineIsFoundByItsPathOfFourNames) {
   services_.bind();
-  FindEverybodyEngine();
+  find_everybody_engine();
   EXPECT_THAT(calls().all(), ElementsAre("lookup Halcyra/local/EVERYBODYENG/1"));
   ASSERT_FALSE(CORBA::is_nil(EverBdyPtr));
   EXPECT_TRUE(EverBdyPtr->_is_equivalent(services_.everybody_engine()));
@@ -89,7 +91,7 @@ TEST_F(RemoteServicesTest, TheEverybodyEngineIsFoundByItsPathOfFourNames) {
 }
 
 TEST_F(RemoteServicesTest, WithoutAnEverybodyEngineItsLineIsPrinted) {
-  FindEverybodyEngine();
+  find_everybody_engine();
   EXPECT_EQ(EverBdyPtr, nullptr);
   EXPECT_EQ(output_.err(), NO_EVERYBODY);
   EXPECT_EQ(output_.out(), "");
@@ -97,18 +99,18 @@ TEST_F(RemoteServicesTest, WithoutAnEverybodyEngineItsLineIsPrinted) {
 
 TEST_F(RemoteServicesTest, AnEverybodyEngineOfAnotherTypeIsReportedAsNull) {
   services_.bind();
-  FindEverybodyEngine();
+  find_everybody_engine();
   doubles::bind_service(FakeServices::EVERYBODY_ENGINE, services_.gui_manager());
-  FindEverybodyEngine();
+  find_everybody_engine();
   EXPECT_TRUE(CORBA::is_nil(EverBdyPtr));
   EXPECT_EQ(output_.err(), "EveryBdyPtr is null\n");
 }
 
 TEST_F(RemoteServicesTest, ALaterLookupThatFailsKeepsTheEarlierEverybodyEngine) {
   services_.bind();
-  FindEverybodyEngine();
+  find_everybody_engine();
   doubles::run_first_in_lookups(FakeServices::EVERYBODY_ENGINE, [] { throw CORBA::TRANSIENT(); });
-  FindEverybodyEngine();
+  find_everybody_engine();
   ASSERT_FALSE(CORBA::is_nil(EverBdyPtr));
   EXPECT_TRUE(EverBdyPtr->_is_equivalent(services_.everybody_engine()));
   EXPECT_EQ(output_.err(), NO_EVERYBODY);
@@ -116,7 +118,7 @@ TEST_F(RemoteServicesTest, ALaterLookupThatFailsKeepsTheEarlierEverybodyEngine) 
 
 TEST_F(RemoteServicesTest, TheEnumerationEngineIsFoundByItsPathOfFourNames) {
   services_.bind();
-  FindHwEnumerationEngine();
+  find_hw_enumeration_engine();
   EXPECT_THAT(calls().all(), ElementsAre("lookup Halcyra/local/HWENUM_ABLE/1"));
   ASSERT_FALSE(CORBA::is_nil(EnumEngPtr.in()));
   EXPECT_TRUE(EnumEngPtr->_is_equivalent(services_.hw_enumeration()));
@@ -124,7 +126,7 @@ TEST_F(RemoteServicesTest, TheEnumerationEngineIsFoundByItsPathOfFourNames) {
 }
 
 TEST_F(RemoteServicesTest, WithoutAnEnumerationEngineItsLineIsPrinted) {
-  FindHwEnumerationEngine();
+  find_hw_enumeration_engine();
   EXPECT_TRUE(CORBA::is_nil(EnumEngPtr.in()));
   EXPECT_EQ(output_.err(), NO_ENUMERATION);
   EXPECT_EQ(output_.out(), "");
@@ -133,18 +135,62 @@ TEST_F(RemoteServicesTest, WithoutAnEnumerationEngineItsLineIsPrinted) {
 TEST_F(RemoteServicesTest, AnEnumerationEngineOfAnotherTypeIsReportedAsNull) {
   services_.bind();
   doubles::bind_service(FakeServices::HW_ENUMERATION, services_.gui_manager());
-  FindHwEnumerationEngine();
+  find_hw_enumeration_engine();
   EXPECT_TRUE(CORBA::is_nil(EnumEngPtr.in()));
   EXPECT_EQ(output_.err(), "HwEnumPtr is null\n");
 }
 
 TEST_F(RemoteServicesTest, ALaterLookupThatFailsKeepsTheEarlierEnumerationEngine) {
   services_.bind();
-  FindHwEnumerationEngine();
+  find_hw_enumeration_engine();
   doubles::unbind_service(FakeServices::HW_ENUMERATION);
-  FindHwEnumerationEngine();
+  find_hw_enumeration_engine();
   ASSERT_FALSE(CORBA::is_nil(EnumEngPtr.in()));
   EXPECT_EQ(output_.err(), NO_ENUMERATION);
+}
+
+TEST_F(RemoteServicesTest, AnyTypeOfExceptionOfAnEnginesLookupIsSwallowed) {
+  doubles::run_first_in_lookups(FakeServices::EVERYBODY_ENGINE, [] { throw 42; });
+  doubles::run_first_in_lookups(FakeServices::HW_ENUMERATION, [] { throw std::out_of_range("lookup"); });
+  EXPECT_NO_THROW(find_everybody_engine());
+  EXPECT_NO_THROW(find_hw_enumeration_engine());
+  EXPECT_EQ(output_.err(), std::string(NO_EVERYBODY) + NO_ENUMERATION);
+}
+
+/// Objects that cannot be asked for their type: nobody is at their address.
+class UnreachableServicesTest : public RemoteServicesTest {
+protected:
+  UnreachableServicesTest() {
+    services_.bind();
+    FindGuiManagerInstance();
+    find_everybody_engine();
+    find_hw_enumeration_engine();
+    int no_arguments = 0;
+    const CORBA::ORB_var orb = CORBA::ORB_init(no_arguments, nullptr);
+    const CORBA::Object_var nobody = orb->string_to_object("corbaloc::127.0.0.1:1/nobody");
+    for (const char* const path :
+         {FakeServices::GUI_MANAGER, FakeServices::EVERYBODY_ENGINE, FakeServices::HW_ENUMERATION}) {
+      doubles::bind_service(path, nobody.in());
+    }
+  }
+};
+
+TEST_F(UnreachableServicesTest, AGuiManagerThatCannotBeNarrowedIsALookupThatFails) {
+  EXPECT_NO_THROW(FindGuiManagerInstance());
+  EXPECT_EQ(output_.err(), NO_GUI_MANAGER);
+  EXPECT_TRUE(GuiManagerPtr->_is_equivalent(services_.gui_manager()));
+}
+
+TEST_F(UnreachableServicesTest, AnEverybodyEngineThatCannotBeNarrowedIsALookupThatFails) {
+  EXPECT_NO_THROW(find_everybody_engine());
+  EXPECT_EQ(output_.err(), NO_EVERYBODY);
+  EXPECT_TRUE(EverBdyPtr->_is_equivalent(services_.everybody_engine()));
+}
+
+TEST_F(UnreachableServicesTest, AnEnumerationEngineThatCannotBeNarrowedIsALookupThatFails) {
+  EXPECT_NO_THROW(find_hw_enumeration_engine());
+  EXPECT_EQ(output_.err(), NO_ENUMERATION);
+  EXPECT_TRUE(EnumEngPtr->_is_equivalent(services_.hw_enumeration()));
 }
 
 }  // namespace

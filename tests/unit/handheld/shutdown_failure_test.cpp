@@ -96,8 +96,61 @@ TEST_F(ShutdownFailureTest, LookupsThatFailLaterUseWhatAnEarlierRequestFound) {
   doubles::reset_framework();
   services_.user_answers(0);
   calls().clear();
+  const std::size_t written = output_.out().size();
   Handheld_Hardware::PowerSwitch(0x100);
   EXPECT_EQ(calls().all(), whole_shutdown());
+  EXPECT_EQ(output_.err(), std::string(NO_GUI_MANAGER) + NO_EVERYBODY + NO_ENUMERATION);
+  EXPECT_EQ(output_.out().substr(written), trace(256) + PROGRESS);
+}
+
+/// A text that is handed to a service and cannot be copied, and the call that is missing then.
+struct FailedCopy {
+  const char* name;
+  std::size_t size;
+  unsigned int nth;
+  const char* missing;
+};
+
+class FailedCopyTest : public ShutdownFailureTest, public testing::WithParamInterface<FailedCopy> {};
+
+TEST_P(FailedCopyTest, LeavesItsStepOutAndTheNextOneFollows) {
+  {
+    const doubles::FailingAllocation no_copy(GetParam().nth, GetParam().size);
+    EXPECT_NO_THROW(Handheld_Hardware::PowerSwitch(0x140));
+    EXPECT_TRUE(no_copy.has_failed());
+  }
+  EXPECT_EQ(calls().all(), without({GetParam().missing}));
+  EXPECT_EQ(output_.out(), trace(0x140) + PROGRESS);
+  EXPECT_EQ(file_text(POWER_FILE), "0");
+}
+
+const std::size_t SCREEN_TEXT_SIZE = sizeof SCREEN - sizeof "ShowDialog [Shutdown] [" - sizeof "] [] 0" + 2;
+
+INSTANTIATE_TEST_SUITE_P(Texts, FailedCopyTest,
+                         testing::Values(FailedCopy{"ScreenTitle", sizeof "Shutdown", 1, SCREEN},
+                                         FailedCopy{"ScreenText", SCREEN_TEXT_SIZE, 1, SCREEN},
+                                         FailedCopy{"NoButtons", sizeof "", 1, SCREEN},
+                                         FailedCopy{"TitleOfTheSize", sizeof "Shutdown", 2, SCREEN_SIZE},
+                                         FailedCopy{"Size", sizeof "Max", 1, SCREEN_SIZE},
+                                         FailedCopy{"Engine", sizeof "SYSTEM_ENGINE1", 1, SHUTDOWN_HW_ENUMERATION}),
+                         [](const auto& copy) { return copy.param.name; });
+
+TEST_F(ShutdownFailureTest, ACoverFileThatCannotBeWrittenForLackOfMemoryIsPassedOverWithTheCoverNoted) {
+  {
+    const doubles::FailingAllocation no_file_buffer(1, BUFSIZ);
+    EXPECT_NO_THROW(Handheld_Hardware::PowerSwitch(0x40));
+    EXPECT_TRUE(no_file_buffer.has_failed());
+  }
+  EXPECT_TRUE(cover_closed);
+  EXPECT_EQ(calls().all().back(), GIVE_LOCK_BACK);
+  {
+    const doubles::FailingAllocation no_file_buffer(1, BUFSIZ);
+    EXPECT_NO_THROW(Handheld_Hardware::PowerSwitch(0));
+    EXPECT_TRUE(no_file_buffer.has_failed());
+  }
+  EXPECT_FALSE(cover_closed);
+  EXPECT_EQ(output_.err(), "");
+  EXPECT_THAT(sent_events(), testing::IsEmpty());
 }
 
 /// A step that fails, the call in the log that belongs to it, and the calls that are missing then.

@@ -1,5 +1,5 @@
 #include "tests/unit/handheld/handheld_under_test.h"
-#include "varnok_attributes.h"
+#include "tests/unit/handheld/user_interface.h"
 
 namespace {
 
@@ -8,8 +8,6 @@ using doubles::CapturedOutput;
 using doubles::sent_events;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-using Void = Varnok::DDS_Attribute<Varnok::DDS_VoidMessage>;
 
 const char LED_CALL[] = "SetSystemLEDStatus 12 0";
 
@@ -53,58 +51,6 @@ TEST_F(UiDoneLoadingTest, AnEventThatCannotBeSentPassesThrough) {
   doubles::run_first_in_sends([] { throw std::runtime_error("log full"); });
   EXPECT_THROW(unit_->UIDoneLoadingDDS_SubCallback("Halcyra/local/UIDoneLoading"), std::runtime_error);
 }
-
-TEST_F(UiDoneLoadingTest, MessagesThatCameBeforeTheDriverSetTheLedOnceEachWhenItIsMade) {
-  AdoptDriver(nullptr);
-  unit_->UIDoneLoadingDDS_SubCallback("Halcyra/local/UIDoneLoading");
-  unit_->UIDoneLoadingDDS_SubCallback("Halcyra/local/UIDoneLoading");
-  EXPECT_THAT(calls().all(), IsEmpty());
-  const CapturedOutput unheard;
-  const PlainHandheld next;
-  EXPECT_THAT(calls().all(), ElementsAre("psdriver /dev/i2c-3", LED_CALL, LED_CALL));
-  const PlainHandheld one_after;
-  EXPECT_EQ(calls().count(LED_CALL), 2U) << "an early message counts once";
-}
-
-/// Publishes done-loading messages as the user interface does.
-class UserInterface {
-public:
-  UserInterface() {
-    DDS::DomainParticipant_ptr const participant = doubles::real_participant();
-    const Void::TypeSupport_var type = new Void::TypeSupportImpl;
-    type->register_type(participant, "");
-    const CORBA::String_var type_name = type->get_type_name();
-    topic_ = participant->create_topic("Halcyra/local/UIDoneLoading", type_name.in(), TOPIC_QOS_DEFAULT,
-                                       DDS::TopicListener::_nil(), 0);
-    publisher_ = participant->create_publisher(PUBLISHER_QOS_DEFAULT, DDS::PublisherListener::_nil(), 0);
-    const DDS::DataWriter_var writer =
-        publisher_->create_datawriter(topic_.in(), DATAWRITER_QOS_DEFAULT, DDS::DataWriterListener::_nil(), 0);
-    writer_ = Void::DataWriter::_narrow(writer.in());
-  }
-  ~UserInterface() {
-    DDS::DomainParticipant_ptr const participant = doubles::real_participant();
-    publisher_->delete_contained_entities();
-    participant->delete_publisher(publisher_.in());
-    participant->delete_topic(topic_.in());
-  }
-  UserInterface(const UserInterface&) = delete;
-  UserInterface& operator=(const UserInterface&) = delete;
-
-  /// Waits until somebody listens.
-  void wait_for_listener() {
-    DDS::PublicationMatchedStatus status{};
-    for (int tries = 0; tries < 10000 && status.current_count == 0; ++tries) {
-      writer_->get_publication_matched_status(status);
-      boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::milliseconds(1));
-    }
-  }
-  void done_loading() { EXPECT_EQ(writer_->write(Void::Sample(), DDS::HANDLE_NIL), DDS::RETCODE_OK); }
-
-private:
-  DDS::Topic_var topic_;
-  DDS::Publisher_var publisher_;
-  Void::DataWriter_var writer_;
-};
 
 TEST_F(UiDoneLoadingTest, EachMessageOnTheTopicSetsTheLedOnce) {
   UserInterface user_interface;

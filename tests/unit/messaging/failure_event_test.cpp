@@ -24,7 +24,7 @@ protected:
     doubles::calls().clear();
   }
   std::int64_t stamp() {
-    SendFailureEvent(channel_, "source", "text");
+    messaging::send_failure_event(channel_, "source", "text");
     return sent_events().back().timestamp;
   }
 
@@ -34,8 +34,8 @@ protected:
 TEST_F(FailureEventTest, CarriesTheSameNumbersEveryTime) {
   const StoppedClock clock(NOON, "UTC0");
   const doubles::CapturedOutput output;
-  SendFailureEvent(channel_, "Class::operation()", "Power Supply Driver Failure: Something");
-  SendFailureEvent(channel_, "", "");
+  messaging::send_failure_event(channel_, "Class::operation()", "Power Supply Driver Failure: Something");
+  messaging::send_failure_event(channel_, "", "");
   EXPECT_THAT(sent_events(), ElementsAre(SentEvent{"Class::operation()", 3, "Power Supply Driver Failure: Something", 3,
                                                    65536, 0, NOON, &channel_},
                                          SentEvent{"", 3, "", 3, 65536, 0, NOON, &channel_}));
@@ -44,7 +44,7 @@ TEST_F(FailureEventTest, CarriesTheSameNumbersEveryTime) {
 
 TEST_F(FailureEventTest, GoesThroughTheChannelGiven) {
   Varnok::EngineEventMessage_i other;
-  SendFailureEvent(other, "source", "text");
+  messaging::send_failure_event(other, "source", "text");
   ASSERT_EQ(sent_events().size(), 1U);
   EXPECT_EQ(sent_events()[0].channel, &other);
 }
@@ -89,7 +89,7 @@ TEST_F(FailureEventTest, TheStampIsCutToThirtyTwoBitsAndItsSignExtended) {
 
 TEST_F(FailureEventTest, AnExceptionOfTheChannelPassesThrough) {
   doubles::run_first_in_sends([] { throw std::runtime_error("log full"); });
-  EXPECT_THROW(SendFailureEvent(channel_, "source", "text"), std::runtime_error);
+  EXPECT_THROW(messaging::send_failure_event(channel_, "source", "text"), std::runtime_error);
   EXPECT_THAT(sent_events(), IsEmpty());
   EXPECT_EQ(doubles::calls().count("event source"), 1U) << "no second try";
 }

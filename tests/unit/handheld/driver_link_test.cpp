@@ -1,5 +1,10 @@
+#include <dlfcn.h>
 #include <semaphore.h>
+
 #include <climits>
+#include <functional>
+#include <iterator>
+#include <vector>
 
 #include <boost/interprocess/exceptions.hpp>
 
@@ -7,7 +12,93 @@
 
 namespace {
 
+/// Runs in every post, before the semaphore counts.
+std::function<void()> in_posts;
+
+/// The semaphores made while the program was loaded. Plain arrays: they are filled before this file's own initialiser.
+struct Made {
+  const void* semaphore;
+  int shared_between_processes;
+  unsigned int count;
+};
+Made made[16];
+unsigned int number_made;
+bool loading = true;
+
+template <typename Function>
+Function* real(const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+/// The C library's functions, watched.
+extern "C" int sem_post(sem_t* semaphore) noexcept {
+  if (in_posts) {
+    in_posts();
+  }
+  return real<int(sem_t*)>("sem_post")(semaphore);
+}
+
+extern "C" int sem_init(sem_t* semaphore, int shared, unsigned int count) noexcept {
+  if (loading && number_made < std::size(made)) {
+    made[number_made++] = {semaphore, shared, count};
+  }
+  return real<int(sem_t*, int, unsigned int)>("sem_init")(semaphore, shared, count);
+}
+
+namespace {
+
 using boost::interprocess::interprocess_semaphore;
+using testing::Each;
+using testing::ElementsAre;
+
+interprocess_semaphore* const ALL_SEMAPHORES[] = {&semBatteryStatusIrq, &semBatteryTimeIrq,    &semBatteryRunTimeIrq,
+                                                  &semExtVoltStatusIrq, &semPowerSupplyVerIrq, &semPowerSupplyTempIrq,
+                                                  &semBatteryTempIrq};
+
+/// What the link holds when the library has been loaded and nothing has happened.
+struct AfterLoading {
+  AfterLoading() {
+    loading = false;
+    for (interprocess_semaphore* const semaphore : ALL_SEMAPHORES) {
+      int count = -1;
+      sem_getvalue(reinterpret_cast<sem_t*>(semaphore), &count);
+      counts.push_back(count);
+    }
+    stores = {ps_temp, battery_temp, charge_status, batteryRun_time, battery_time, battery_charge};
+    version = ps_ver.str();
+    driver = PSdriver;
+  }
+
+  std::vector<int> counts;
+  std::vector<std::int32_t> stores;
+  std::string version;
+  const psdriver* driver;
+} const after_loading;
+
+TEST(DriverLinkTest, EverySemaphoreCountsFromZeroAndEveryStoreIsZero) {
+  EXPECT_THAT(after_loading.counts, ElementsAre(0, 0, 0, 0, 0, 0, 0));
+  EXPECT_THAT(after_loading.stores, Each(0));
+  EXPECT_EQ(after_loading.version, "");
+  EXPECT_EQ(after_loading.driver, nullptr);
+}
+
+TEST(DriverLinkTest, TheSemaphoresAreMadeInTheirOrderSharedBetweenProcesses) {
+  ASSERT_EQ(number_made, std::size(ALL_SEMAPHORES));
+  for (unsigned int kind = 0; kind < number_made; ++kind) {
+    EXPECT_EQ(made[kind].semaphore, ALL_SEMAPHORES[kind]) << kind;
+    EXPECT_EQ(made[kind].shared_between_processes, 1) << kind;
+    EXPECT_EQ(made[kind].count, 0U) << kind;
+  }
+}
+
+class ReportTest : public HandheldSurroundings {};
+
+TEST_F(ReportTest, AFailureGoesThroughTheLibrarysChannel) {
+  handheld::report_failure("Class::operation()", "something failed");
+  EXPECT_THAT(doubles::sent_events(), ElementsAre(failure_event("Class::operation()", "something failed")));
+}
 
 /// A reply function that stores its argument as it comes.
 struct PlainReply {
@@ -28,12 +119,18 @@ TEST_P(PlainReplyTest, StoresItsArgumentAndPostsItsSemaphoreOnce) {
   }
 }
 
+TEST_P(PlainReplyTest, StoresItsArgumentBeforeItPosts) {
+  std::vector<std::int32_t> at_post;
+  in_posts = [&] { at_post.push_back(*GetParam().store); };
+  GetParam().reply(4711);
+  in_posts = nullptr;
+  EXPECT_THAT(at_post, ElementsAre(4711));
+}
+
 TEST_P(PlainReplyTest, PostsNoOtherSemaphore) {
   GetParam().reply(1);
   EXPECT_TRUE(GetParam().semaphore->try_wait());
-  for (interprocess_semaphore* other :
-       {&semBatteryStatusIrq, &semBatteryTimeIrq, &semBatteryRunTimeIrq, &semExtVoltStatusIrq, &semPowerSupplyVerIrq,
-        &semPowerSupplyTempIrq, &semBatteryTempIrq}) {
+  for (interprocess_semaphore* const other : ALL_SEMAPHORES) {
     EXPECT_FALSE(other->try_wait());
   }
 }
@@ -73,7 +170,24 @@ INSTANTIATE_TEST_SUITE_P(Statuses, ChargeTest,
                                          Charge{0x0B, 57, 100}, Charge{0x6E, 57, 57}, Charge{-1, 57, 0},
                                          Charge{0x09, 0, 100}, Charge{0x00, -5, -5}));
 
+TEST_F(HandheldTest, AChargerReplyIsStoredBeforeItIsPosted) {
+  const psdriver::Callback reply = driver_.registered("SetCharger_BatteryStatusCallback");
+  std::vector<std::int32_t> at_post;
+  in_posts = [&] { at_post.push_back(charge_status); };
+  reply(0x19);
+  in_posts = nullptr;
+  EXPECT_THAT(at_post, ElementsAre(0x19));
+}
+
 class VersionReplyTest : public HandheldSurroundings {};
+
+TEST_F(VersionReplyTest, IsStoredBeforeItIsPosted) {
+  std::vector<std::string> at_post;
+  in_posts = [&] { at_post.push_back(ps_ver.str()); };
+  SoftwareVersionNumberResponse(10203);
+  in_posts = nullptr;
+  EXPECT_THAT(at_post, ElementsAre("10203"));
+}
 
 TEST_F(VersionReplyTest, LeavesTheDecimalText) {
   SoftwareVersionNumberResponse(10203);
