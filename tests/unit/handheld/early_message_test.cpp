@@ -3,7 +3,7 @@
 #include <mutex>
 #include <thread>
 
-#include "tests/doubles/dds_stand_ins.h"
+#include "tests/doubles/fake_dds.h"
 #include "tests/unit/handheld/handheld_under_test.h"
 #include "tests/unit/handheld/timed_waits.h"
 #include "tests/unit/handheld/user_interface.h"
