@@ -23,7 +23,8 @@ class DDS_Subscriber;
 template <typename T, typename U>
 class DDS_SubscriberBase : public DDS_BaseObj {
 public:
-  /// Waits without limit for start-up to end, then removes reader, subscriber and topic.
+  /// Waits without limit for start-up to end, removes reader, subscriber and topic, and waits without limit until the
+  /// engine has released the listener: a running call-back returns first. Not to be called from the call-back.
   virtual ~DDS_SubscriberBase();
 
   /// The start-up work, run once on the start-up thread: makes subscriber, topic and reader. The reader keeps all
@@ -56,6 +57,8 @@ private:
   void create_reader(DDS_Subscriber<T>* owner, const DDS::Duration_t& minimum_separation,
                      DDS::DurabilityQosPolicyKind durability);
   void disconnect();
+  void wait_for_listener() const;
+  static void pause();
 
   std::unique_ptr<Reader> reader_;
   DDS::Topic_var topic_;

@@ -85,18 +85,36 @@ void DDS_SubscriberBase<T, U>::FinishedInitSubBase() {
 template <typename T, typename U>
 void DDS_SubscriberBase<T, U>::waitForInitDone() const {
   while (!init_done_) {
-    boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::microseconds(1000));
+    pause();
   }
 }
 
 template <typename T, typename U>
 void DDS_SubscriberBase<T, U>::disconnect() {
-  subscriber_->delete_contained_entities();
+  const bool reader_deleted = subscriber_->delete_contained_entities() == DDS::RETCODE_OK;
   reader_->typed_reader = Attribute::DataReader::_nil();
   reader_->type_support = Attribute::TypeSupport::_nil();
   data_reader_ = DDS::DataReader::_nil();
   this->DdsBase().participant->delete_subscriber(subscriber_.in());
   this->DdsBase().participant->delete_topic(topic_.in());
+  // A reader that is not deleted keeps its listener for good.
+  if (reader_deleted) {
+    wait_for_listener();
+  }
+}
+
+template <typename T, typename U>
+void DDS_SubscriberBase<T, U>::wait_for_listener() const {
+  // Deleting a reader does not wait for its running call-back. That thread uses the record, and it releases its
+  // reference to the listener, a member here, after the call.
+  while (listener_.ref_count() > 1) {
+    pause();
+  }
+}
+
+template <typename T, typename U>
+void DDS_SubscriberBase<T, U>::pause() {
+  boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::microseconds(1000));
 }
 
 template <typename T>
