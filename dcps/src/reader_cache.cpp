@@ -1,7 +1,7 @@
 #include "dcps/src/reader_cache.h"
 
+#include <algorithm>
 #include <cstring>
-#include <utility>
 
 #include "dcps/src/statuses.h"
 
@@ -41,17 +41,13 @@ void ReaderCache::Instance::update(const dds_sample_info_t& sample) {
 }
 
 dds_instance_state_t ReaderCache::Instance::state_before(const dds_sample_info_t& sample) const {
-  if (!alive) {
-    return DDS_IST_ALIVE;
-  }
-  if (sample.disposed_generation_count != last.disposed_generation_count) {
+  if (alive && sample.disposed_generation_count != last.disposed_generation_count) {
     return DDS_IST_NOT_ALIVE_DISPOSED;
   }
-  if (sample.no_writers_generation_count != last.no_writers_generation_count) {
+  if (alive && sample.no_writers_generation_count != last.no_writers_generation_count) {
     return DDS_IST_NOT_ALIVE_NO_WRITERS;
   }
-  // Cyclone forgets an instance that has neither samples nor writers, and counts its generations anew.
-  return sample.instance_state == DDS_IST_ALIVE ? last.instance_state : DDS_IST_ALIVE;
+  return DDS_IST_ALIVE;
 }
 
 bool ReaderCache::Instance::ends_by(const dds_sample_info_t& change) const {
@@ -62,85 +58,90 @@ bool ReaderCache::Instance::ends_by(const dds_sample_info_t& change) const {
 ReaderCache::ReaderCache(std::size_t sample_size, DDS::InstanceHandle_t instance)
     : sample_size_(sample_size),
       instance_(instance),
-      sample_(std::make_unique<std::byte[]>(sample_size)),
-      held_sample_(std::make_unique<std::byte[]>(sample_size)) {}
+      fetched_sample_(std::make_unique<std::byte[]>(sample_size)),
+      read_sample_(std::make_unique<std::byte[]>(sample_size)) {}
 
 DDS::ReturnCode_t ReaderCache::take(dds_entity_t reader, void* sample, DDS::SampleInfo& info) {
   const std::lock_guard lock(mutex_);
-  if (held_) {
-    info = give_sample(*std::exchange(held_, std::nullopt), held_sample_, sample);
-    return DDS::RETCODE_OK;
-  }
-  void* place = sample_.get();
-  dds_sample_info_t entry;
-  dds_return_t count = 0;
-  while ((count = dds_take(reader, &place, &entry, 1, 1)) == 1) {
-    if (entry.valid_data) {
-      const bool follows_change = taken_.state_before(entry) != DDS_IST_ALIVE;
-      info = follows_change ? hold(entry) : give_sample(entry, sample_, sample);
-      return DDS::RETCODE_OK;
-    }
-    const bool is_told = taken_.ends_by(entry);
-    taken_.alive = false;
-    if (is_told) {
-      info = give_change(entry, entry.instance_state);
-      return DDS::RETCODE_OK;
-    }
-  }
-  if (count < 0) {
+  if (fetched_.empty() && fetch(reader) < 0) {
     return DDS::RETCODE_ALREADY_DELETED;
   }
-  if (!taken_.end_is_folded()) {
+  if (fetched_.empty()) {
     return DDS::RETCODE_NO_DATA;
   }
-  info = give_change(taken_.last, taken_.last.instance_state);
+  info = give_next(reader, sample);
   return DDS::RETCODE_OK;
 }
 
-DDS::SampleInfo ReaderCache::give_sample(const dds_sample_info_t& info, const Bytes& from, void* to) {
-  std::memcpy(to, from.get(), sample_size_);
-  const bool is_new = !taken_.alive;
-  taken_.update(info);
-  end_is_notified_ = false;
-  return to_dcps(info, is_new, instance_);
+/// Returns Cyclone's result of the last attempt to take.
+dds_return_t ReaderCache::fetch(dds_entity_t reader) {
+  void* place = fetched_sample_.get();
+  dds_sample_info_t entry;
+  dds_return_t count = 0;
+  while (fetched_.empty() && (count = dds_take(reader, &place, &entry, 1, 1)) == 1) {
+    if (entry.valid_data) {
+      add_change(taken_.state_before(entry));
+    } else if (!taken_.ends_by(entry)) {
+      taken_.alive = false;
+      continue;
+    }
+    fetched_.push_back(entry);
+    due_ += entry.sample_state == DDS_SST_NOT_READ ? 1 : 0;
+  }
+  return count;
 }
 
-DDS::SampleInfo ReaderCache::give_change(dds_sample_info_t info, dds_instance_state_t state) {
+void ReaderCache::add_change(dds_instance_state_t state) {
+  if (state == DDS_IST_ALIVE) {
+    return;
+  }
+  fetched_.push_back(taken_.last);
+  fetched_.back().valid_data = false;
+  fetched_.back().instance_state = state;
+  ++due_;
+}
+
+DDS::SampleInfo ReaderCache::give_next(dds_entity_t reader, void* sample) {
+  const dds_sample_info_t next = fetched_.front();
+  fetched_.erase(fetched_.begin());
+  const bool starts_life = next.valid_data && !taken_.alive;
   taken_.alive = false;
-  info.valid_data = false;
-  info.instance_state = state;
-  return to_dcps(info, false, instance_);
-}
-
-DDS::SampleInfo ReaderCache::hold(const dds_sample_info_t& info) {
-  const dds_instance_state_t state = taken_.state_before(info);
-  held_ = info;
-  held_is_notified_ = false;
-  sample_.swap(held_sample_);
-  return give_change(taken_.last, state);
+  if (next.valid_data) {
+    std::memcpy(sample, fetched_sample_.get(), sample_size_);
+    taken_.update(next);
+  }
+  if (next.valid_data && next.instance_state != DDS_IST_ALIVE) {
+    // The end is folded into the last sample of this life, which this is unless another one follows.
+    fetch(reader);
+    if (fetched_.empty() && taken_.alive) {
+      add_change(next.instance_state);
+    }
+  }
+  due_ = std::min(due_, fetched_.size());
+  return to_dcps(next, starts_life, instance_);
 }
 
 bool ReaderCache::next_notification(dds_entity_t reader) {
   const std::lock_guard lock(mutex_);
-  void* place = sample_.get();
-  dds_sample_info_t entry;
-  while (dds_read_mask(reader, &place, &entry, 1, 1, NOT_NOTIFIED) == 1) {
-    if (entry.valid_data) {
-      notified_.update(entry);
-      return true;
-    }
-    const bool is_told = notified_.ends_by(entry);
-    notified_.alive = false;
-    if (is_told) {
-      end_is_notified_ = true;
-      return true;
-    }
-    taken_.alive = taken_.alive && taken_.ends_by(entry);
-  }
-  if (!std::exchange(held_is_notified_, true)) {
+  if (due_ > 0) {
+    --due_;
     return true;
   }
-  return taken_.end_is_folded() && !std::exchange(end_is_notified_, true);
+  void* place = read_sample_.get();
+  dds_sample_info_t entry;
+  while (dds_read_mask(reader, &place, &entry, 1, 1, NOT_NOTIFIED) == 1) {
+    const bool is_told = entry.valid_data || notified_.ends_by(entry);
+    notified_.alive = false;
+    if (entry.valid_data) {
+      notified_.update(entry);
+    }
+    if (is_told) {
+      return true;
+    }
+    // A silent end of a life whose last sample has been taken: the next sample follows no change.
+    taken_.alive = taken_.alive && taken_.ends_by(entry);
+  }
+  return false;
 }
 
 }  // namespace dcps

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <mutex>
-#include <optional>
+#include <vector>
 
 #include <dds/dds.h>
 
@@ -41,26 +41,23 @@ private:
     void update(const dds_sample_info_t& sample);
     /// The instance's state between the last sample and this one.
     dds_instance_state_t state_before(const dds_sample_info_t& sample) const;
-    /// True if Cyclone has folded the end of this life into the last sample.
-    bool end_is_folded() const { return alive && last.instance_state != DDS_IST_ALIVE; }
     /// True for the end of this life if a message has brought it, not the writer's disappearance.
     bool ends_by(const dds_sample_info_t& change) const;
   };
 
-  DDS::SampleInfo give_sample(const dds_sample_info_t& info, const Bytes& from, void* to);
-  DDS::SampleInfo give_change(dds_sample_info_t info, dds_instance_state_t state);
-  DDS::SampleInfo hold(const dds_sample_info_t& info);
+  dds_return_t fetch(dds_entity_t reader);
+  void add_change(dds_instance_state_t state);
+  DDS::SampleInfo give_next(dds_entity_t reader, void* sample);
 
   const std::size_t sample_size_;
   const DDS::InstanceHandle_t instance_;
   std::mutex mutex_;  ///< guards what follows
   Instance taken_;
   Instance notified_;
-  Bytes sample_;
-  std::optional<dds_sample_info_t> held_;  ///< a sample that follows a change told apart from it
-  Bytes held_sample_;
-  bool held_is_notified_ = true;
-  bool end_is_notified_ = false;  ///< of the end that is folded into the last sample taken
+  std::vector<dds_sample_info_t> fetched_;  ///< entries taken from Cyclone, in order: a change, a sample, or both
+  Bytes fetched_sample_;
+  std::size_t due_ = 0;  ///< entries in fetched_ that have not been notified
+  Bytes read_sample_;
 };
 
 }  // namespace dcps

@@ -8,6 +8,8 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -84,6 +86,17 @@ std::unique_ptr<Peer> make_peer(DDS::DomainId_t domain, const std::string& topic
   return peer;
 }
 
+/// The threads that call listeners.
+int listener_threads() {
+  int count = 0;
+  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+    std::string name;
+    std::ifstream(thread.path() / "comm") >> name;
+    count += name == "dcps.listener" ? 1 : 0;
+  }
+  return count;
+}
+
 /// Returns once the sample of that number has been taken from the topic that is read.
 void take(Peer& peer, int number) {
   ATTR_BOOLEAN sample{};
@@ -114,6 +127,9 @@ std::string obey(Peer& peer, const std::string& command, int number) {
   if (command == "take") {
     take(peer, number);
     return "0";
+  }
+  if (command == "listener-threads") {
+    return std::to_string(listener_threads());
   }
   if (command == "calls") {
     return std::to_string(calls);

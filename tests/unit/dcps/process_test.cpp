@@ -40,6 +40,11 @@ TEST(Process, SurvivesAListenerThatThrowsAndCallsItNoMore) {
   ASSERT_EQ(writer->write(numbered(1), DDS::HANDLE_NIL), DDS::RETCODE_OK);
   EXPECT_EQ(peer.line(),
             "dcps: a listener threw an exception (thrown by the listener); no listener is called any more");
+  std::string threads = peer.ask("listener-threads");
+  for (int tries = 0; tries < 1000 && threads != "0"; ++tries) {
+    threads = peer.ask("listener-threads");
+  }
+  EXPECT_EQ(threads, "0");
   ASSERT_EQ(writer->write(numbered(2), DDS::HANDLE_NIL), DDS::RETCODE_OK);
   EXPECT_EQ(peer.ask("take 2"), "0");
   EXPECT_EQ(peer.ask("calls"), "1");

@@ -194,8 +194,13 @@ TEST_F(WriteTakeTest, AnInstanceThatTheReaderHasForgottenComesBack) {
     const Writer_var writer = entities_.writer(topic_);
     writer->write(numbered(i), NIL);
     ASSERT_EQ(entities_.publisher->delete_datawriter(writer), DDS::RETCODE_OK);
+    if (i > 1) {
+      expect_state(reader, DDS::NOT_ALIVE_DISPOSED_INSTANCE_STATE);
+    }
     expect_number(reader, i);
   }
+  expect_state(reader, DDS::NOT_ALIVE_DISPOSED_INSTANCE_STATE);
+  expect_nothing(reader);
 }
 
 TEST_F(WriteTakeTest, UnregisteringDisposesByDefault) {
