@@ -7,7 +7,7 @@ namespace {
 
 /// Where delivery stays on the loopback interface, every participant has to be named a peer; thirty-two of them find
 /// each other.
-constexpr const char* cyclone_configuration =
+constexpr const char* CYCLONE_CONFIGURATION =
     "<CycloneDDS><Domain id=\"any\"><General>"
     "<Interfaces><NetworkInterface name=\"lo\" multicast=\"false\"/></Interfaces>"
     "<AllowMulticast>false</AllowMulticast></General>"
@@ -16,7 +16,7 @@ constexpr const char* cyclone_configuration =
 
 /// OpenDDS finds the other processes by multicast on the loopback interface and sends to them directly. With its own
 /// heartbeat and repair times a value that was published before its reader came would take seconds.
-constexpr const char* opendds_configuration =
+constexpr const char* OPENDDS_CONFIGURATION =
     "[common]\n"
     "DCPSGlobalTransportConfig=$file\n"
     "DCPSDefaultDiscovery=unit_discovery\n"
@@ -38,7 +38,7 @@ constexpr const char* opendds_configuration =
 }  // namespace
 
 std::vector<std::pair<std::string, std::string>> unit_environment(const StateFolder& state, int naming_port) {
-  std::ofstream(state.run() / "rtps.ini") << opendds_configuration;
+  std::ofstream(state.run() / "rtps.ini") << OPENDDS_CONFIGURATION;
   return {
       {"PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"},
       {"HOME", "/root"},
@@ -48,7 +48,7 @@ std::vector<std::pair<std::string, std::string>> unit_environment(const StateFol
       {"UNIT_RUN", "/run/unit"},
       {"UNIT_NAMING_PORT", std::to_string(naming_port)},
       {"OMNIORB_CONFIG", "/dev/null"},
-      {"CYCLONEDDS_URI", cyclone_configuration},
+      {"CYCLONEDDS_URI", CYCLONE_CONFIGURATION},
       {"DCPSConfigFile", "/run/unit/rtps.ini"},
   };
 }
