@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <system_error>
@@ -64,7 +65,7 @@ public:
     words_.push_back(nullptr);
   }
 
-  [[noreturn]] void become() const {
+  [[noreturn]] void become() {
     if (options_.own_session) {
       ::setsid();
     }
@@ -74,12 +75,7 @@ public:
       ::sigprocmask(SIG_SETMASK, &none, nullptr);
       ::signal(SIGPIPE, SIG_DFL);
     }
-    for (const auto& [ours, theirs] : descriptors_) {
-      // A descriptor that has its place already only has to be passed on.
-      if (ours == theirs ? ::fcntl(ours, F_SETFD, 0) == -1 : ::dup2(ours, theirs) == -1) {
-        ::_exit(NOT_STARTED);
-      }
-    }
+    place_descriptors();
     ::execvp(words_[0], words_.data());
     const char* const reason = ::strerrordesc_np(errno);
     for (const char* part : {complaint_.c_str(), reason, "\n"}) {
@@ -89,6 +85,26 @@ public:
   }
 
 private:
+  /// Out of the way first, then to their places: the place of one may be where another comes from.
+  void place_descriptors() {
+    for (auto& [ours, theirs] : descriptors_) {
+      ours = ::fcntl(ours, F_DUPFD_CLOEXEC, highest_place() + 1);
+    }
+    for (const auto& [ours, theirs] : descriptors_) {
+      if (::dup2(ours, theirs) == -1) {
+        ::_exit(NOT_STARTED);
+      }
+    }
+  }
+
+  int highest_place() const {
+    int highest = -1;
+    for (const auto& [ours, theirs] : descriptors_) {
+      highest = std::max(highest, theirs);
+    }
+    return highest;
+  }
+
   const ChildOptions& options_;
   std::vector<std::pair<int, int>> descriptors_;
   Descriptor log_;
@@ -100,7 +116,7 @@ private:
 }  // namespace
 
 pid_t start_program(const std::vector<std::string>& line, const ChildOptions& options) {
-  const Start program(line, options);
+  Start program(line, options);
   const pid_t starter = ::getpid();
   const pid_t child = require(::fork(), "fork");
   if (child == 0) {

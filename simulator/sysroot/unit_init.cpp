@@ -10,16 +10,14 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "simulator/process/child_process.h"
+#include "simulator/sysroot/init_orders.h"
 #include "simulator/sysroot/naming.h"
 #include "simulator/sysroot/network.h"
 
@@ -27,45 +25,14 @@ namespace {
 
 using simulator::process::shell_status;
 using simulator::process::start_program;
+using simulator::sysroot::Orders;
+using simulator::sysroot::read_orders;
 
 constexpr int STATUS_OF_ENDED_UNIT = 1;
 constexpr int STATUS_OF_BAD_USAGE = 2;
 constexpr const char* USAGE =
     "usage: unit-init --lifeline DESCRIPTOR [--services PORT] [--network] [--dhcp-server] -- COMMAND…\n"
     "First process of a unit's private root; started by \"unit\".\n";
-
-struct Orders {
-  int lifeline = -1;    ///< readable when everything is to end
-  int naming_port = 0;  ///< 0: neither naming service nor services
-  bool network = false;
-  bool dhcp_server = false;
-  std::vector<std::string> command;
-};
-
-/// What the command line orders; none where it is not as USAGE says.
-std::optional<Orders> read_orders(int argc, char** argv) {
-  Orders orders;
-  int next = 1;
-  for (; next < argc && std::strcmp(argv[next], "--") != 0; ++next) {
-    const std::string option = argv[next];
-    if (option == "--network") {
-      orders.network = true;
-    } else if (option == "--dhcp-server") {
-      orders.dhcp_server = true;
-    } else if (option == "--lifeline" && next + 1 < argc) {
-      orders.lifeline = std::atoi(argv[++next]);
-    } else if (option == "--services" && next + 1 < argc) {
-      orders.naming_port = std::atoi(argv[++next]);
-    } else {
-      return std::nullopt;
-    }
-  }
-  if (next + 1 >= argc || orders.lifeline < 0) {
-    return std::nullopt;
-  }
-  orders.command.assign(argv + next + 1, argv + argc);
-  return orders;
-}
 
 /// Makes this process's surroundings the unit's. Throws std::runtime_error.
 void prepare(const Orders& orders) {
@@ -118,7 +85,7 @@ int look_after(pid_t command, int lifeline, int children) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::optional<Orders> read = read_orders(argc, argv);
+  const std::optional<Orders> read = read_orders({argv + 1, argv + argc});
   if (!read) {
     std::fputs(USAGE, stderr);
     return STATUS_OF_BAD_USAGE;
