@@ -41,7 +41,7 @@ struct Setting {
 /// A value or name that the unit does not take; what() is "name: reason".
 class SettingError : public std::runtime_error {
 public:
-  SettingError(const std::string& name, const std::string& reason);
+  SettingError(const std::string& setting, const std::string& why);
 
   std::string name;
   std::string reason;

@@ -9,8 +9,6 @@
 #include <cerrno>
 #include <system_error>
 
-extern char** environ;
-
 namespace doubles {
 namespace {
 

@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace tool_test {
 
@@ -60,7 +60,7 @@ private:
     ::close(connection);
   }
 
-  simulator_test::TemporaryFolder folder_;
+  doubles::TemporaryFolder folder_;
   const std::string path_ = folder_ / "host.sock";
   std::vector<std::string> answers_;
   std::string requests_;

@@ -72,7 +72,7 @@ TEST(HostClientTest, EachWaitIsTheCallers) {
 }
 
 TEST(HostClientTest, WhereNobodyListensThereIsNoHost) {
-  const simulator_test::TemporaryFolder folder;
+  const doubles::TemporaryFolder folder;
   const std::string path = folder / "none";
   EXPECT_FALSE(tool::host_listens(path));
   EXPECT_FALSE(tool::host_listens(std::string(200, 'x')));

@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace {
 
-using simulator_test::text_of;
-using simulator_test::write_text;
+using doubles::text_of;
+using doubles::write_text;
 using testing::ElementsAre;
 using tool::OutputTee;
 
@@ -28,7 +28,7 @@ protected:
     tee.finish();
   }
 
-  simulator_test::TemporaryFolder folder_;
+  doubles::TemporaryFolder folder_;
   const std::string log_ = folder_ / "log";
   const int target_ = ::open((folder_ / "target").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
 };

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "simulator/sysroot/state_folder.h"
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 #include "tool/errors.h"
 
 namespace {
@@ -13,7 +13,7 @@ using tool::CommandError;
 using tool::RunningUnit;
 
 TEST(RunningUnitTest, AChosenUnitIsTakenWhileItRuns) {
-  const simulator_test::TemporaryFolder folder;
+  const doubles::TemporaryFolder folder;
   RunningUnit unit;
   unit.chosen = folder / "state";
   {

@@ -11,7 +11,7 @@
 #include <orbsvcs/CosNamingC.h>
 
 #include "tests/doubles/child_process.h"
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace simulator_test {
 
@@ -50,7 +50,7 @@ private:
     throw std::runtime_error("omniNames does not answer");
   }
 
-  TemporaryFolder folder_;
+  doubles::TemporaryFolder folder_;
   int port_;
   std::unique_ptr<doubles::ChildProcess> process_;
 };

@@ -9,17 +9,17 @@
 #include <system_error>
 #include <thread>
 
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace {
 
+using doubles::text_of;
+using doubles::write_text;
 using simulator::process::ChildOptions;
 using simulator::process::reap;
 using simulator::process::run_program;
 using simulator::process::shell_status;
 using simulator::process::start_program;
-using simulator_test::text_of;
-using simulator_test::write_text;
 
 class ChildProcessTest : public ::testing::Test {
 protected:
@@ -29,7 +29,7 @@ protected:
     return shell_status(reap(start_program({"sh", "-c", command}, options), true).value());
   }
 
-  simulator_test::TemporaryFolder folder_;
+  doubles::TemporaryFolder folder_;
   const std::string log_ = folder_ / "log";
 };
 

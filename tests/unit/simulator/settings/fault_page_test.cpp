@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "simulator/model/points.h"
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace {
 
@@ -52,10 +52,10 @@ std::string with_table(const std::string& page, const std::string& table) {
 }
 
 TEST(FaultPageTest, HoldsTheTablesOfKindsAndPoints) {
-  const std::string page = simulator_test::text_of(FAULTS_PAGE);
+  const std::string page = doubles::text_of(FAULTS_PAGE);
   const std::string expected = with_table(with_table(page, kind_table()), point_table());
   if (std::getenv("UPDATE_PAGES") != nullptr) {
-    simulator_test::write_text(FAULTS_PAGE, expected);
+    doubles::write_text(FAULTS_PAGE, expected);
   } else {
     EXPECT_EQ(page, expected) << "UPDATE_PAGES=1 makes this test write the page";
   }

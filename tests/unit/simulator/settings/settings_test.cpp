@@ -99,7 +99,7 @@ TEST_F(SettingsTest, EverySettingHasANameAndADocumentation) {
 
 TEST_F(SettingsTest, TheDocumentationHasARowForEverySettingAndNoOther) {
   std::vector<std::string> rows;
-  for (const std::string& line : simulator_test::lines_of(UNIT_FILE_PAGE)) {
+  for (const std::string& line : doubles::lines_of(UNIT_FILE_PAGE)) {
     if (line.rfind("| `", 0) == 0) {
       rows.push_back(line);
     }

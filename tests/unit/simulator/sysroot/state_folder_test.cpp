@@ -6,18 +6,18 @@
 
 #include <algorithm>
 
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using doubles::text_of;
+using doubles::write_text;
 using simulator::model::UnitModel;
 using simulator::sysroot::is_running;
 using simulator::sysroot::running_units;
 using simulator::sysroot::StateFolder;
 using simulator::sysroot::StateFolderError;
-using simulator_test::text_of;
-using simulator_test::write_text;
 
 std::string refusal_of(const fs::path& path) {
   try {
@@ -35,7 +35,7 @@ bool is_listed(const fs::path& path) {
 
 class StateFolderTest : public ::testing::Test {
 protected:
-  simulator_test::TemporaryFolder folder_;
+  doubles::TemporaryFolder folder_;
   const std::string path_ = folder_ / "state";
 };
 

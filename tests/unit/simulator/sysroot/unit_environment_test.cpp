@@ -4,7 +4,7 @@
 
 #include <map>
 
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ TEST_F(UnitEnvironmentTest, KeepsBothEnginesOnTheLoopbackInterface) {
   const std::map<std::string, std::string> variables(rows.begin(), rows.end());
   EXPECT_NE(variables.at("CYCLONEDDS_URI").find("<NetworkInterface name=\"lo\""), std::string::npos);
   EXPECT_EQ(variables.at("DCPSConfigFile"), "/run/unit/rtps.ini");
-  const std::string ini = simulator_test::text_of(state_.run() / "rtps.ini");
+  const std::string ini = doubles::text_of(state_.run() / "rtps.ini");
   EXPECT_NE(ini.find("\nMulticastInterface=lo\n"), std::string::npos);
   EXPECT_NE(ini.find("\nlocal_address=127.0.0.1:0\n"), std::string::npos);
 }
