@@ -20,9 +20,9 @@ bool fits(const json& value) {
          value.get<std::int64_t>() <= std::numeric_limits<T>::max();
 }
 
-constexpr const char* version_rows = "an array of {\"name\": text, \"version\": text}";
-constexpr const char* temperature_rows = "an array of {\"name\": text, \"celsius\": number}";
-constexpr const char* fan_rows = "an array of {\"name\": text, \"word1\": number, \"word2\": number}";
+constexpr const char* VERSION_ROWS = "an array of {\"name\": text, \"version\": text}";
+constexpr const char* TEMPERATURE_ROWS = "an array of {\"name\": text, \"celsius\": number}";
+constexpr const char* FAN_ROWS = "an array of {\"name\": text, \"word1\": number, \"word2\": number}";
 
 }  // namespace
 
@@ -46,54 +46,54 @@ void Arguments::at_most(std::size_t most) const {
 }
 
 int Arguments::number(std::size_t index, const char* name) const {
-  constexpr const char* expected = "a whole number of 32 bits with sign";
-  const json& value = at(index, name, expected);
+  constexpr const char* EXPECTED = "a whole number of 32 bits with sign";
+  const json& value = at(index, name, EXPECTED);
   if (!fits<std::int32_t>(value)) {
-    refuse(index, name, expected);
+    refuse(index, name, EXPECTED);
   }
   return value.get<int>();
 }
 
 unsigned int Arguments::word(std::size_t index, const char* name) const {
-  constexpr const char* expected = "a whole number of 32 bits without sign";
-  const json& value = at(index, name, expected);
+  constexpr const char* EXPECTED = "a whole number of 32 bits without sign";
+  const json& value = at(index, name, EXPECTED);
   if (!fits<std::uint32_t>(value)) {
-    refuse(index, name, expected);
+    refuse(index, name, EXPECTED);
   }
   return value.get<unsigned int>();
 }
 
 double Arguments::real(std::size_t index, const char* name) const {
-  constexpr const char* expected = "a number";
-  const json& value = at(index, name, expected);
+  constexpr const char* EXPECTED = "a number";
+  const json& value = at(index, name, EXPECTED);
   if (!value.is_number()) {
-    refuse(index, name, expected);
+    refuse(index, name, EXPECTED);
   }
   return value.get<double>();
 }
 
 bool Arguments::flag(std::size_t index, const char* name) const {
-  constexpr const char* expected = "true or false";
-  const json& value = at(index, name, expected);
+  constexpr const char* EXPECTED = "true or false";
+  const json& value = at(index, name, EXPECTED);
   if (!value.is_boolean()) {
-    refuse(index, name, expected);
+    refuse(index, name, EXPECTED);
   }
   return value.get<bool>();
 }
 
 std::string Arguments::text(std::size_t index, const char* name) const {
-  constexpr const char* expected = "a text";
-  const json& value = at(index, name, expected);
+  constexpr const char* EXPECTED = "a text";
+  const json& value = at(index, name, EXPECTED);
   if (!value.is_string()) {
-    refuse(index, name, expected);
+    refuse(index, name, EXPECTED);
   }
   return value.get<std::string>();
 }
 
 void Arguments::null(std::size_t index, const char* name) const {
-  constexpr const char* expected = "null: objects of the engine framework cannot be named in a request";
-  if (!at(index, name, expected).is_null()) {
-    refuse(index, name, expected);
+  constexpr const char* EXPECTED = "null: objects of the engine framework cannot be named in a request";
+  if (!at(index, name, EXPECTED).is_null()) {
+    refuse(index, name, EXPECTED);
   }
 }
 
@@ -113,13 +113,13 @@ const json* Arguments::rows(std::size_t index, const char* expected) const {
 
 std::vector<VERSIONSDATA> Arguments::versions_before(std::size_t index) const {
   std::vector<VERSIONSDATA> list;
-  if (const json* given = rows(index, version_rows)) {
+  if (const json* given = rows(index, VERSION_ROWS)) {
     try {
       for (const json& row : *given) {
         list.push_back({row.at("version").get<std::string>(), row.at("name").get<std::string>()});
       }
     } catch (const json::exception&) {
-      refuse(index, "list", version_rows);
+      refuse(index, "list", VERSION_ROWS);
     }
   }
   return list;
@@ -127,13 +127,13 @@ std::vector<VERSIONSDATA> Arguments::versions_before(std::size_t index) const {
 
 std::vector<TEMPERATUREDATA> Arguments::temperatures_before(std::size_t index) const {
   std::vector<TEMPERATUREDATA> list;
-  if (const json* given = rows(index, temperature_rows)) {
+  if (const json* given = rows(index, TEMPERATURE_ROWS)) {
     try {
       for (const json& row : *given) {
         list.push_back({row.at("celsius").get<float>(), row.at("name").get<std::string>()});
       }
     } catch (const json::exception&) {
-      refuse(index, "list", temperature_rows);
+      refuse(index, "list", TEMPERATURE_ROWS);
     }
   }
   return list;
@@ -141,14 +141,14 @@ std::vector<TEMPERATUREDATA> Arguments::temperatures_before(std::size_t index) c
 
 std::vector<FANDATA> Arguments::fans_before(std::size_t index) const {
   std::vector<FANDATA> list;
-  if (const json* given = rows(index, fan_rows)) {
+  if (const json* given = rows(index, FAN_ROWS)) {
     try {
       for (const json& row : *given) {
         list.push_back({row.at("word1").get<std::uint32_t>(), row.at("word2").get<std::uint32_t>(),
                         row.at("name").get<std::string>()});
       }
     } catch (const json::exception&) {
-      refuse(index, "list", fan_rows);
+      refuse(index, "list", FAN_ROWS);
     }
   }
   return list;

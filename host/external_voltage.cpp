@@ -9,8 +9,8 @@
 namespace host {
 namespace {
 
-constexpr const char* topic_name = "Halcyra/local/ExternalVoltage";
-constexpr std::chrono::milliseconds poll_interval{1};
+constexpr const char* TOPIC_NAME = "Halcyra/local/ExternalVoltage";
+constexpr std::chrono::milliseconds POLL_INTERVAL{1};
 
 [[noreturn]] void fail(const char* what) {
   throw std::runtime_error(std::string("external voltage: ") + what);
@@ -31,7 +31,7 @@ public:
       fail("its type cannot be registered");
     }
     const CORBA::String_var type = support->get_type_name();
-    topic_ = participant->create_topic(topic_name, type.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
+    topic_ = participant->create_topic(TOPIC_NAME, type.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
                                        OpenDDS::DCPS::NO_STATUS_MASK);
     subscriber_ = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(),
                                                  OpenDDS::DCPS::NO_STATUS_MASK);
@@ -89,7 +89,7 @@ bool ExternalVoltage::value(std::chrono::milliseconds patience) {
     if (reader_->known() || std::chrono::steady_clock::now() >= deadline) {
       return reader_->value();
     }
-    std::this_thread::sleep_for(poll_interval);
+    std::this_thread::sleep_for(POLL_INTERVAL);
   }
 }
 

@@ -7,7 +7,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr const char* optional_list = "[list before the call: array]";
+constexpr const char* OPTIONAL_LIST = "[list before the call: array]";
 
 json get_version_list(BASE_HARDWARE& hardware, const Arguments& arguments) {
   arguments.at_most(1);
@@ -69,15 +69,15 @@ json set_fan_state(BASE_HARDWARE& hardware, const Arguments& arguments) {
 
 const std::vector<Operation>& list_operations() {
   static const std::vector<Operation> operations = {
-      {"GetVersionList", optional_list, get_version_list},
+      {"GetVersionList", OPTIONAL_LIST, get_version_list},
       {"GetBacklight", "[level before the call: number]", get_backlight},
-      {"GetTemperature", optional_list, get_temperature},
+      {"GetTemperature", OPTIONAL_LIST, get_temperature},
       {"Get_PowerDown_HomeButton", "[power_down: text] [home_button: text]", get_power_down_home_button},
-      {"GetFanStatesList", optional_list, fan_list<&BASE_HARDWARE::GetFanStatesList>},
+      {"GetFanStatesList", OPTIONAL_LIST, fan_list<&BASE_HARDWARE::GetFanStatesList>},
       {"GetFanState", "index: number", get_fan_state},
       {"SetFanState", "index: number, state: number", set_fan_state},
-      {"AdjustFanSpeeds", optional_list, adjust_fan_speeds},
-      {"GetFansList", optional_list, fan_list<&BASE_HARDWARE::GetFansList>},
+      {"AdjustFanSpeeds", OPTIONAL_LIST, adjust_fan_speeds},
+      {"GetFansList", OPTIONAL_LIST, fan_list<&BASE_HARDWARE::GetFansList>},
   };
   return operations;
 }

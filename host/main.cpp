@@ -18,8 +18,8 @@
 
 namespace {
 
-constexpr int status_not_loaded = 1;
-constexpr int status_bad_usage = 2;
+constexpr int STATUS_NOT_LOADED = 1;
+constexpr int STATUS_BAD_USAGE = 2;
 
 struct Options {
   std::vector<std::string> libraries{"/opt/unit/lib/libradalt_hardware.so"};
@@ -66,7 +66,7 @@ int run(const Options& options) {
     }
   } catch (const host::LoadError& error) {
     std::fprintf(stderr, "%s\n", error.what());
-    return status_not_loaded;
+    return STATUS_NOT_LOADED;
   }
   if (!options.load_only) {
     serve(options);
@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : status_bad_usage;
+    return app.exit(error) == 0 ? 0 : STATUS_BAD_USAGE;
   }
   try {
     return run(options);
@@ -96,5 +96,5 @@ int main(int argc, char** argv) {
   } catch (...) {
     std::fprintf(stderr, "unit-host: an exception of type %s\n", host::current_exception_name().c_str());
   }
-  return status_not_loaded;
+  return STATUS_NOT_LOADED;
 }

@@ -14,7 +14,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr int longest_wait_ms = 60'000;
+constexpr int LONGEST_WAIT_MS = 60'000;
 
 std::array<const std::vector<Operation>*, 4> all_operations() {
   return {&list_operations(), &power_operations(), &setting_operations(), &board_operations()};
@@ -121,7 +121,7 @@ Answer Requests::serve(const std::string& line) {
     } else if (request.call == "external_voltage") {
       arguments.at_most(1);
       const int wait_ms = arguments.count() > 0 ? arguments.number(0, "longest wait in ms") : 0;
-      answer = {{"result", external_voltage_.value(std::chrono::milliseconds(std::min(wait_ms, longest_wait_ms)))}};
+      answer = {{"result", external_voltage_.value(std::chrono::milliseconds(std::min(wait_ms, LONGEST_WAIT_MS)))}};
     } else if (request.call == "leave") {
       leave = true;
       answer = json::object();

@@ -78,7 +78,7 @@ std::string HostClient::read_line() {
   for (;;) {
     const std::size_t end = received_.find('\n');
     if (end != std::string::npos) {
-      const std::string line = received_.substr(0, end);
+      std::string line = received_.substr(0, end);
       received_.erase(0, end + 1);
       return line;
     }

@@ -16,9 +16,9 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr std::chrono::milliseconds refresh_interval{1000};
+constexpr std::chrono::milliseconds REFRESH_INTERVAL{1000};
 /// How long the first published value of the external voltage may take to arrive.
-constexpr std::chrono::milliseconds first_patience{200};
+constexpr std::chrono::milliseconds FIRST_PATIENCE{200};
 
 /// The terminal while a unit is shown on it: a screen of its own, given back at the end.
 class Screen {
@@ -59,14 +59,14 @@ std::string screen_text(const StartedUnit& unit, const ordered_json& state) {
 
 /// Shows the state once a second until something ends.
 [[noreturn]] void show_forever(StartedUnit& unit, bool json, const Screen* screen) {
-  for (std::chrono::milliseconds patience = first_patience;; patience = std::chrono::milliseconds(0)) {
+  for (std::chrono::milliseconds patience = FIRST_PATIENCE;; patience = std::chrono::milliseconds(0)) {
     const ordered_json state = read_unit_state(unit.host(), patience);
     if (screen != nullptr) {
       screen->show(screen_text(unit, state));
     } else {
       print_state(state, json);
     }
-    unit.pause(refresh_interval);
+    unit.pause(REFRESH_INTERVAL);
   }
 }
 
@@ -92,7 +92,7 @@ void run(const RunOptions& options) {
   const Signals signals;
   StartedUnit unit(options.unit, {options.json ? STDERR_FILENO : STDOUT_FILENO, STDERR_FILENO}, signals);
   if (options.once) {
-    print_state(read_unit_state(unit.host(), first_patience), options.json);
+    print_state(read_unit_state(unit.host(), FIRST_PATIENCE), options.json);
     return;
   }
   try {

@@ -29,6 +29,8 @@ const char* name_of(SettingType type) {
       return "choice";
     case SettingType::OPTIONAL_TEXT:
       return "text";
+    case SettingType::FAULT:
+      return "fault";
   }
   return "";
 }

@@ -21,10 +21,10 @@ using nlohmann::ordered_json;
 using simulator::model::Dialog;
 using simulator::model::UnitModel;
 
-constexpr std::int32_t power_switch = 0x100;
-constexpr const char* question = "System Prompt";
-constexpr std::chrono::milliseconds step{5};
-constexpr std::chrono::seconds patience{30};
+constexpr std::int32_t POWER_SWITCH = 0x100;
+constexpr const char* QUESTION = "System Prompt";
+constexpr std::chrono::milliseconds STEP{5};
+constexpr std::chrono::seconds PATIENCE{30};
 
 /// How this command waits: in a way that notices the end of what it has started.
 struct Waiting {
@@ -75,11 +75,11 @@ bool is_handled(UnitModel& model, std::uint64_t interrupt) {
 std::optional<Dialog> wait_for_question(UnitModel& model, std::uint64_t interrupt, const Waiting& waiting) {
   while (!is_handled(model, interrupt)) {
     for (const Dialog& dialog : model.gui().dialogs()) {
-      if (dialog.title == question && dialog.waits && !dialog.answer) {
+      if (dialog.title == QUESTION && dialog.waits && !dialog.answer) {
         return dialog;
       }
     }
-    waiting.pause(step);
+    waiting.pause(STEP);
   }
   return std::nullopt;
 }
@@ -123,12 +123,12 @@ void press_switch(UnitModel& model, const std::filesystem::path& state, const Wa
     model.record().start();
   }
   const std::size_t before = calls_since(state, 0).size();
-  const std::uint64_t interrupt = model.power_supply().raise_interrupt(power_switch);
+  const std::uint64_t interrupt = model.power_supply().raise_interrupt(POWER_SWITCH);
   if (const std::optional<Dialog> dialog = wait_for_question(model, interrupt, waiting)) {
-    model.gui().answer(question, ask(*dialog, waiting, screen));
+    model.gui().answer(QUESTION, ask(*dialog, waiting, screen));
   }
-  for (const auto end = std::chrono::steady_clock::now() + patience; !is_handled(model, interrupt);
-       waiting.pause(step)) {
+  for (const auto end = std::chrono::steady_clock::now() + PATIENCE; !is_handled(model, interrupt);
+       waiting.pause(STEP)) {
     if (std::chrono::steady_clock::now() > end) {
       throw CommandError(STATUS_FAILED, "the unit does not come to the end of its shutdown");
     }

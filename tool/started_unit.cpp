@@ -36,14 +36,14 @@ std::string seen_inside(const std::string& path) {
 }
 
 std::vector<std::pair<std::string, std::string>> passed_environment() {
-  constexpr const char* names[] = {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "TZ", "TERM"};
-  constexpr const char* prefixes[] = {"GTEST_", "BENCHMARK_", "UNIT_"};
+  constexpr const char* NAMES[] = {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "TZ", "TERM"};
+  constexpr const char* PREFIXES[] = {"GTEST_", "BENCHMARK_", "UNIT_"};
   std::vector<std::pair<std::string, std::string>> passed;
   for (char** entry = environ; *entry != nullptr; ++entry) {
     const std::string whole = *entry;
     const std::string name = whole.substr(0, whole.find('='));
-    const bool by_name = std::find(std::begin(names), std::end(names), name) != std::end(names);
-    const bool by_prefix = std::any_of(std::begin(prefixes), std::end(prefixes),
+    const bool by_name = std::find(std::begin(NAMES), std::end(NAMES), name) != std::end(NAMES);
+    const bool by_prefix = std::any_of(std::begin(PREFIXES), std::end(PREFIXES),
                                        [&name](const char* prefix) { return name.rfind(prefix, 0) == 0; });
     // The unit's own folder and port are not the caller's to choose.
     if ((by_name || by_prefix) && name != "UNIT_RUN" && name != "UNIT_NAMING_PORT") {
@@ -129,7 +129,7 @@ RootOptions StartedUnit::root_options(const UnitChoice& choice) const {
 }
 
 std::string StartedUnit::bring_inside(const std::string& library) const {
-  const std::string inside = seen_inside(library);
+  std::string inside = seen_inside(library);
   if (inside != library || !fs::is_regular_file(library)) {
     return inside;
   }

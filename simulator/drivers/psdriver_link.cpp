@@ -5,13 +5,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 
+#include "simulator/drivers/psdriver_points.h"
 #include "simulator/model/json_text.h"
 
 namespace {
 
+using simulator::drivers::points_of;
 using simulator::model::Fault;
 using simulator::model::FaultKind;
 using simulator::model::Point;
@@ -23,12 +26,20 @@ constexpr std::chrono::hours IDLE{1};
 /// How long the exiting process lets a running call-back finish.
 constexpr std::chrono::milliseconds LAST_CALL{100};
 
-Point point_of(Point first, Reply kind) {
-  return static_cast<Point>(static_cast<std::uint32_t>(first) + static_cast<std::uint32_t>(kind));
-}
+/// Whether the process exits, and how many call-backs run: of all links, which nobody has to delete.
+std::atomic<bool> exiting{false};
+std::atomic<int> calls_running{0};
+thread_local int calls_on_this_thread = 0;
 
-Point request_point(Reply kind) {
-  return point_of(Point::GET_BATTERY_RELATIVE_STATE_OF_CHARGE, kind);
+/// Runs at exit, before the file-scope objects made earlier are destroyed: no call-back begins any more, one that runs
+/// may go on for a moment.
+void fall_silent() noexcept {
+  using Clock = std::chrono::steady_clock;
+  exiting.store(true);
+  const auto deadline = Clock::now() + LAST_CALL;
+  while (calls_running.load() > calls_on_this_thread && Clock::now() < deadline) {
+    std::this_thread::yield();
+  }
 }
 
 [[noreturn]] void refuse(Point point, int error) {
@@ -81,19 +92,19 @@ std::string value_args(int value) {
 
 psdriver::Link::Link(const std::string& device)
     : unit_(opened_unit(device)), next_interrupt_(unit_.power_supply().interrupts_raised() + 1) {
+  static const int registered = std::atexit(fall_silent);
+  static_cast<void>(registered);
   thread_ = std::thread([this] { run(); });
-  simulator::drivers::silence_at_exit(*this);
 }
 
 psdriver::Link::~Link() {
-  simulator::drivers::forget_at_exit(*this);
   stopping_.store(true);
   unit_.power_supply().wake_up().raise();
   thread_.join();
 }
 
 void psdriver::Link::register_reply(Reply kind, Callback reply) {
-  cross(unit_, point_of(Point::SET_BATTERY_RELATIVE_STATE_OF_CHARGE_CALLBACK, kind), "{}");
+  cross(unit_, points_of(kind).registration, "{}");
   replies_[static_cast<std::size_t>(kind)].store(reply);
 }
 
@@ -103,7 +114,7 @@ void psdriver::Link::register_interrupt(Callback handler) {
 }
 
 void psdriver::Link::request(Reply kind) {
-  const Fault fault = cross(unit_, request_point(kind), "{}");
+  const Fault fault = cross(unit_, points_of(kind).request, "{}");
   if (fault.kind == FaultKind::NO_REPLY) {
     return;
   }
@@ -162,7 +173,7 @@ bool psdriver::Link::deliver_reply() {
   const int value = due.garbage.value_or(unit_.power_supply().reply(due.kind));
   if (unit_.watched()) {
     record(unit_, Point::PSDRIVER_REPLY,
-           "{\"to\":" + simulator::model::json_text(name_of(request_point(due.kind))) +
+           "{\"to\":" + simulator::model::json_text(name_of(points_of(due.kind).request)) +
                ",\"value\":" + std::to_string(value) + "}");
   }
   call(replies_[static_cast<std::size_t>(due.kind)].load(), value);
@@ -188,17 +199,11 @@ bool psdriver::Link::deliver_interrupt() {
 }
 
 void psdriver::Link::call(Callback callback, int value) {
-  calling_.store(true);
-  if (callback != nullptr && !silent_.load()) {
+  ++calls_running;
+  ++calls_on_this_thread;
+  if (callback != nullptr && !exiting.load()) {
     callback(value);
   }
-  calling_.store(false);
-}
-
-void psdriver::Link::fall_silent() noexcept {
-  silent_.store(true);
-  const auto deadline = Clock::now() + LAST_CALL;
-  while (calling_.load() && std::this_thread::get_id() != thread_.get_id() && Clock::now() < deadline) {
-    std::this_thread::yield();
-  }
+  --calls_on_this_thread;
+  --calls_running;
 }

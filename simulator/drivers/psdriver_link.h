@@ -12,12 +12,11 @@
 #include <string>
 #include <thread>
 
-#include "simulator/drivers/psdriver_exit.h"
 #include "simulator/model/unit_model.h"
 
 /// The stand-in's link to the unit's controller: the queue of outstanding replies and the thread that delivers them and
 /// the switch interrupts. Any thread may use it, also from within a call-back; only its destruction may not.
-class psdriver::Link final : public simulator::drivers::Caller {
+class psdriver::Link {
 public:
   /// Throws psdriverError where the device does not exist or refuses.
   explicit Link(const std::string& device);
@@ -32,8 +31,6 @@ public:
   void set_led_status(int status);
   void set_communication_status(int status);
 
-  void fall_silent() noexcept override;
-
 private:
   using Clock = std::chrono::steady_clock;
 
@@ -47,7 +44,7 @@ private:
   void run();
   bool deliver_reply();
   bool deliver_interrupt();
-  void call(Callback callback, int value);
+  static void call(Callback callback, int value);
   std::chrono::nanoseconds until_next_reply();
 
   simulator::model::UnitModel& unit_;
@@ -58,7 +55,5 @@ private:
   std::multimap<Clock::time_point, Delivery> outstanding_;
   Clock::time_point last_due_{};
   std::atomic<bool> stopping_{false};
-  std::atomic<bool> silent_{false};
-  std::atomic<bool> calling_{false};
   std::thread thread_;
 };

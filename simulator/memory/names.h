@@ -7,26 +7,43 @@
 
 namespace simulator::memory {
 
-/// The names of an enumeration's values, in their order; the enumeration ends with COUNT.
+/// The name of one value of an enumeration. Tables may have rows of their own, with `key` and `name` and more.
 template <typename Enum>
-using Names = std::array<std::string_view, static_cast<std::size_t>(Enum::COUNT)>;
+struct Named {
+  Enum key;
+  std::string_view name;
+};
 
-/// The value's name; empty for a value out of range.
-template <typename Enum>
-std::string_view name_in(const Names<Enum>& names, Enum value) noexcept {
-  const auto index = static_cast<std::size_t>(value);
-  return index < names.size() ? names[index] : std::string_view{};
-}
+/// A table with one row per value of an enumeration that ends with COUNT.
+template <typename Enum, typename Row = Named<Enum>>
+using Table = std::array<Row, static_cast<std::size_t>(Enum::COUNT)>;
 
-/// The value of that name; none where no value has it.
-template <typename Enum>
-std::optional<Enum> named_in(const Names<Enum>& names, std::string_view name) noexcept {
-  for (std::size_t index = 0; index < names.size(); ++index) {
-    if (names[index] == name) {
-      return static_cast<Enum>(index);
+/// Whether each value has its row, with a name, in the order of the enumerators; to be asserted of every table.
+template <typename Row, std::size_t Size>
+constexpr bool is_complete(const std::array<Row, Size>& table) noexcept {
+  for (std::size_t at = 0; at < Size; ++at) {
+    if (static_cast<std::size_t>(table[at].key) != at || table[at].name.empty()) {
+      return false;
     }
   }
-  return std::nullopt;
+  return true;
+}
+
+template <typename Enum, typename Row, std::size_t Size>
+constexpr const Row& row_of(const std::array<Row, Size>& table, Enum key) noexcept {
+  return table[static_cast<std::size_t>(key)];
+}
+
+/// The value of that name; none if no row has it.
+template <typename Row, std::size_t Size>
+constexpr auto named_in(const std::array<Row, Size>& table, std::string_view name) noexcept {
+  std::optional<decltype(Row::key)> found;
+  for (const Row& row : table) {
+    if (row.name == name) {
+      found = row.key;
+    }
+  }
+  return found;
 }
 
 }  // namespace simulator::memory

@@ -3,100 +3,29 @@
 #include <algorithm>
 #include <mutex>
 #include <stdexcept>
-
-#include "simulator/memory/names.h"
+#include <string>
 
 namespace simulator::model {
 namespace {
 
-constexpr memory::Names<Point> POINT_NAMES{"radalt.init",
-                                           "radalt.read",
-                                           "radalt.write",
-                                           "radalt.lock_get",
-                                           "radalt.lock_put",
-                                           "psdriver.open",
-                                           "psdriver.SetBatteryRelativeStateOfChargeCallback",
-                                           "psdriver.SetCharger_BatteryStatusCallback",
-                                           "psdriver.SetSoftwareVersionNumberCallback",
-                                           "psdriver.SetPowerSupplyTemperatureValueCallback",
-                                           "psdriver.SetBatteryTemperatureCallback",
-                                           "psdriver.SetBatteryAverageTimeToEmptyCallback",
-                                           "psdriver.SetBatteryRunTimeToEmptyCallback",
-                                           "psdriver.SetSwitchInterruptCallback",
-                                           "psdriver.GetBatteryRelativeStateOfCharge",
-                                           "psdriver.GetCharger_BatteryStatus",
-                                           "psdriver.GetSoftwareVersionNumber",
-                                           "psdriver.GetPowerSupplyTemperatureValue",
-                                           "psdriver.GetBatteryTemperature",
-                                           "psdriver.GetBatteryAverageTimeToEmpty",
-                                           "psdriver.GetBatteryRunTimeToEmpty",
-                                           "psdriver.SetSystemLEDStatus",
-                                           "psdriver.SetUserInterface_CommunicationStatus",
-                                           "psdriver.reply",
-                                           "psdriver.interrupt",
-                                           "dds.participant",
-                                           "events.send",
-                                           "orb.lookup",
-                                           "locker.take",
-                                           "locker.Init_core",
-                                           "gui.ShowDialog",
-                                           "gui.SetDialogSize",
-                                           "everybody_engine.GetShutdown",
-                                           "everybody_engine.ShutdownAll",
-                                           "hw_enumerate.ShutdownEngine",
-                                           "i2c_read"};
-constexpr memory::Names<FaultKind> KIND_NAMES{"none", "fail", "no_reply", "late", "twice", "slow", "garbage"};
-
-bool is_request(Point point) noexcept {
-  return point >= Point::GET_BATTERY_RELATIVE_STATE_OF_CHARGE && point <= Point::GET_BATTERY_RUN_TIME_TO_EMPTY;
-}
-
-bool is_remote(Point point) noexcept {
-  return point >= Point::GUI_SHOW_DIALOG && point <= Point::HW_ENUMERATE_SHUTDOWN_ENGINE;
-}
-
-bool only_recorded(Point point) noexcept {
-  return point == Point::PSDRIVER_REPLY || point == Point::PSDRIVER_INTERRUPT;
+/// "none, fail, slow"
+std::string listed(FaultKinds kinds) {
+  std::string names;
+  for (const KindRow& each : fault_kinds()) {
+    if (kinds.has(each.key)) {
+      names += (names.empty() ? "" : ", ") + std::string(each.name);
+    }
+  }
+  return names;
 }
 
 }  // namespace
 
-std::string_view name_of(Point point) noexcept {
-  return memory::name_in(POINT_NAMES, point);
-}
-
-std::optional<Point> point_named(std::string_view name) noexcept {
-  return memory::named_in<Point>(POINT_NAMES, name);
-}
-
-std::string_view name_of(FaultKind kind) noexcept {
-  return memory::name_in(KIND_NAMES, kind);
-}
-
-std::optional<FaultKind> fault_kind_named(std::string_view name) noexcept {
-  return memory::named_in<FaultKind>(KIND_NAMES, name);
-}
-
-bool admits(Point point, FaultKind kind) noexcept {
-  switch (kind) {
-    case FaultKind::NONE:
-      return true;
-    case FaultKind::FAIL:
-    case FaultKind::SLOW:
-      return !only_recorded(point);
-    case FaultKind::GARBAGE:
-      return is_request(point) || point == Point::RADALT_READ || point == Point::I2C_READ ||
-             point == Point::GUI_SHOW_DIALOG || point == Point::EVERYBODY_GET_SHUTDOWN;
-    case FaultKind::NO_REPLY:
-      return is_request(point) || is_remote(point);
-    default:
-      return is_request(point);
-  }
-}
-
 void Faults::arm(Point point, const Fault& fault) {
-  if (!admits(point, fault.kind)) {
-    throw std::invalid_argument(std::string(name_of(point)) + ": no fault of kind " + std::string(name_of(fault.kind)));
+  const PointRow& row = row_of(point);
+  if (!row.kinds.has(fault.kind)) {
+    throw std::invalid_argument(std::string(row.name) + ": admits " + listed(row.kinds) + ", not " +
+                                std::string(name_of(fault.kind)));
   }
   const std::lock_guard guard(mutex_);
   slot(point).fault = fault;

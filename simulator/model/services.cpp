@@ -1,26 +1,45 @@
 #include "simulator/model/services.h"
 
-#include "simulator/memory/names.h"
-
 namespace simulator::model {
 namespace {
 
-constexpr memory::Names<Service> SERVICE_NAMES{"gui_manager", "everybody_engine", "hw_enumerate"};
-constexpr memory::Names<ServiceBehaviour> BEHAVIOUR_NAMES{"present", "absent",       "wrong_type",
-                                                          "slow",    "dies_in_call", "throws"};
+constexpr memory::Table<Service> SERVICES{{
+    {Service::GUI_MANAGER, "gui_manager"},
+    {Service::EVERYBODY_ENGINE, "everybody_engine"},
+    {Service::HW_ENUMERATE, "hw_enumerate"},
+}};
+static_assert(memory::is_complete(SERVICES));
+
+constexpr memory::Table<ServiceBehaviour> BEHAVIOURS{{
+    {ServiceBehaviour::PRESENT, "present"},
+    {ServiceBehaviour::ABSENT, "absent"},
+    {ServiceBehaviour::WRONG_TYPE, "wrong_type"},
+    {ServiceBehaviour::SLOW, "slow"},
+    {ServiceBehaviour::DIES_IN_CALL, "dies_in_call"},
+    {ServiceBehaviour::THROWS, "throws"},
+}};
+static_assert(memory::is_complete(BEHAVIOURS));
 
 }  // namespace
 
 std::string_view name_of(Service service) noexcept {
-  return memory::name_in(SERVICE_NAMES, service);
+  return memory::row_of(SERVICES, service).name;
+}
+
+std::optional<Service> service_named(std::string_view name) noexcept {
+  return memory::named_in(SERVICES, name);
 }
 
 std::string_view name_of(ServiceBehaviour behaviour) noexcept {
-  return memory::name_in(BEHAVIOUR_NAMES, behaviour);
+  return memory::row_of(BEHAVIOURS, behaviour).name;
+}
+
+const memory::Table<ServiceBehaviour>& service_behaviours() noexcept {
+  return BEHAVIOURS;
 }
 
 std::optional<ServiceBehaviour> behaviour_named(std::string_view name) noexcept {
-  return memory::named_in<ServiceBehaviour>(BEHAVIOUR_NAMES, name);
+  return memory::named_in(BEHAVIOURS, name);
 }
 
 void Services::set_behaviour(Service service, ServiceBehaviour behaviour) noexcept {

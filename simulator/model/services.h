@@ -7,6 +7,7 @@
 #include <optional>
 #include <string_view>
 
+#include "simulator/memory/names.h"
 #include "simulator/memory/signal.h"
 
 namespace simulator::model {
@@ -25,8 +26,11 @@ enum class ServiceBehaviour : std::uint32_t {
   COUNT
 };
 
-std::string_view name_of(Service service) noexcept;             ///< "gui_manager", "everybody_engine", "hw_enumerate"
+std::string_view name_of(Service service) noexcept;  ///< "gui_manager", "everybody_engine", "hw_enumerate"
+std::optional<Service> service_named(std::string_view name) noexcept;
 std::string_view name_of(ServiceBehaviour behaviour) noexcept;  ///< "present", "absent", "wrong_type", …
+/// Every behaviour, in the order of the enumerators.
+const memory::Table<ServiceBehaviour>& service_behaviours() noexcept;
 std::optional<ServiceBehaviour> behaviour_named(std::string_view name) noexcept;
 
 /// The behaviour of the unit's services, settable while they run. Lives in the unit's model; any thread of any process.

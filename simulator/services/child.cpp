@@ -1,17 +1,16 @@
 #include "simulator/services/child.h"
 
-#include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <cerrno>
 #include <string>
 #include <system_error>
 
-extern char** environ;
+#include "simulator/process/child_process.h"
 
 namespace simulator::services {
 namespace {
@@ -19,34 +18,26 @@ namespace {
 /// The descriptor on which the process of a service reports.
 constexpr int REPORT_DESCRIPTOR = 3;
 
-void check(int error, const char* what) {
-  if (error != 0) {
-    throw std::system_error(error, std::generic_category(), what);
-  }
-}
-
 }  // namespace
 
 void Child::start() {
   int ends[2];
-  check(::pipe2(ends, O_CLOEXEC | O_NONBLOCK) == 0 ? 0 : errno, "pipe2");
-
-  std::string name(model::name_of(service_));
-  std::string program = "unit-services", only = "--only", report = "--report",
-              descriptor = std::to_string(REPORT_DESCRIPTOR);
-  char* arguments[] = {program.data(), only.data(), name.data(), report.data(), descriptor.data(), nullptr};
-
-  posix_spawn_file_actions_t actions;
-  ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawn_file_actions_adddup2(&actions, ends[1], REPORT_DESCRIPTOR);
-  const int error = ::posix_spawn(&process_, "/proc/self/exe", &actions, nullptr, arguments, environ);
-  ::posix_spawn_file_actions_destroy(&actions);
-  ::close(ends[1]);
-  if (error != 0) {
-    ::close(ends[0]);
-    process_ = 0;
+  if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) {
+    throw std::system_error(errno, std::generic_category(), "pipe2");
   }
-  check(error, "/proc/self/exe");
+  process::ChildOptions options;
+  options.descriptors = {{ends[1], REPORT_DESCRIPTOR}};
+  options.keeps_signal_mask = true;
+  try {
+    process_ = process::start_program({"/proc/self/exe", "--only", std::string(model::name_of(service_)), "--report",
+                                       std::to_string(REPORT_DESCRIPTOR)},
+                                      options);
+  } catch (const std::system_error&) {
+    ::close(ends[0]);
+    ::close(ends[1]);
+    throw;
+  }
+  ::close(ends[1]);
   report_ = ends[0];
   applied_.reset();
   started_ = true;
@@ -71,9 +62,7 @@ bool Child::was_killed(int status) {
 }
 
 int Child::reap() {
-  int status = 0;
-  while (::waitpid(process_, &status, 0) < 0 && errno == EINTR) {
-  }
+  const int status = process::reap(process_, true).value_or(0);
   ::close(report_);
   report_ = -1;
   process_ = 0;

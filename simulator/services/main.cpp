@@ -26,16 +26,6 @@ namespace {
 using simulator::model::Service;
 using simulator::model::UnitModel;
 
-std::optional<Service> service_named(const std::string& name) {
-  for (std::uint32_t i = 0; i < static_cast<std::uint32_t>(Service::COUNT); ++i) {
-    const auto service = static_cast<Service>(i);
-    if (simulator::model::name_of(service) == name) {
-      return service;
-    }
-  }
-  return std::nullopt;
-}
-
 std::optional<unsigned> naming_port() {
   const char* text = std::getenv("UNIT_NAMING_PORT");
   unsigned port = 0;
@@ -52,7 +42,7 @@ int run(const std::string& only, unsigned port, int report) {
   if (report >= 0) {
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
   }
-  simulator::services::run_service(model, *service_named(only), port, report);
+  simulator::services::run_service(model, *simulator::model::service_named(only), port, report);
   return 0;
 }
 
@@ -63,7 +53,7 @@ int main(int argc, char** argv) {
   std::string only;
   int report = -1;
   app.add_option("--only", only, "Run this service alone, in this process")->check([](const std::string& name) {
-    return service_named(name) ? "" : "there is no service " + name;
+    return simulator::model::service_named(name) ? "" : "there is no service " + name;
   });
   app.add_option("--report", report, "Descriptor on which a service reports to its parent")->group("");
   try {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "simulator/settings/fault_text.h"
 #include "simulator/settings/settings_table.h"
 
 namespace simulator::settings {
@@ -50,6 +51,8 @@ bool takes(const Setting& setting, const json& value) {
       return value.is_boolean();
     case SettingType::CHOICE:
       return is_choice(setting, value);
+    case SettingType::FAULT:
+      return value.is_string() && is_choice(setting, kind_in(value.get<std::string>()));
     case SettingType::OPTIONAL_TEXT:
       return value.is_null() ||
              (value.is_string() && value.get<std::string>().size() <= static_cast<std::size_t>(setting.maximum));
@@ -78,11 +81,21 @@ std::string demand_of(const Setting& setting) {
     case SettingType::FLAG:
       return "true or false";
     case SettingType::CHOICE:
+    case SettingType::FAULT:
       return "one of " + choice_list(setting);
     case SettingType::OPTIONAL_TEXT:
       return "text of at most " + std::to_string(setting.maximum) + " bytes or null";
   }
   return "";
+}
+
+/// Throws SettingError if a parameter of the fault is wrong.
+void check_fault(const std::string& name, const std::string& text) {
+  try {
+    fault_of(text);
+  } catch (const std::invalid_argument& error) {
+    throw SettingError(name, error.what());
+  }
 }
 
 std::optional<std::uint32_t> number_in(std::string_view text) {
@@ -146,6 +159,9 @@ void check(const Setting& setting, const json& value) {
     const std::string given = value.dump(-1, ' ', false, json::error_handler_t::replace);
     throw SettingError(setting.name, "must be " + demand_of(setting) + ", not " + given);
   }
+  if (setting.type == SettingType::FAULT) {
+    check_fault(setting.name, value.get<std::string>());
+  }
 }
 
 json get_setting(UnitModel& unit, const std::string& name) {
@@ -161,7 +177,8 @@ void set_setting(UnitModel& unit, const std::string& name, const json& value) {
 void set_setting_from_text(UnitModel& unit, const std::string& name, const std::string& text) {
   const Setting setting = found(name);
   json value = json::parse(text, nullptr, false);
-  const bool wants_text = setting.type == SettingType::OPTIONAL_TEXT || setting.type == SettingType::CHOICE;
+  const bool wants_text = setting.type == SettingType::OPTIONAL_TEXT || setting.type == SettingType::CHOICE ||
+                          setting.type == SettingType::FAULT;
   if (value.is_discarded() || (wants_text && !value.is_string() && !value.is_null())) {
     value = text;
   }

@@ -16,12 +16,13 @@ namespace simulator::settings {
 
 /// How a setting's value is written.
 enum class SettingType {
-  NUMBER,        ///< whole number within the range
-  WORD,          ///< unsigned 32-bit number, as a number or as hexadecimal text ("0x01020300"); shown as a number
-  DURATION,      ///< whole number within the range, or "never" where the setting allows it
-  FLAG,          ///< true or false
-  CHOICE,        ///< one of the choices
-  OPTIONAL_TEXT  ///< text of at most `maximum` bytes, or null: absent
+  NUMBER,         ///< whole number within the range
+  WORD,           ///< unsigned 32-bit number, as a number or as hexadecimal text ("0x01020300"); shown as a number
+  DURATION,       ///< whole number within the range, or "never" where the setting allows it
+  FLAG,           ///< true or false
+  CHOICE,         ///< one of the choices
+  OPTIONAL_TEXT,  ///< text of at most `maximum` bytes, or null: absent
+  FAULT           ///< a fault as text, "fail value=5 nth=2"; its kind is one of the choices
 };
 
 /// One value of the simulated unit that can be set and read while it runs.
@@ -31,7 +32,7 @@ struct Setting {
   std::string unit;  ///< "", "us", "ms", "0.1 degC", …
   std::int64_t minimum;
   std::int64_t maximum;
-  std::vector<std::string> choices;  ///< CHOICE: its names; DURATION: {"never"} where allowed
+  std::vector<std::string> choices;  ///< CHOICE and FAULT: their names; DURATION: {"never"} if allowed
   std::string doc;                   ///< one line
   std::function<nlohmann::json(model::UnitModel&)> get;
   std::function<void(model::UnitModel&, const nlohmann::json&)> set;  ///< takes what check() has passed
@@ -40,7 +41,7 @@ struct Setting {
 /// A value or name that the unit does not take; what() is "name: reason".
 class SettingError : public std::runtime_error {
 public:
-  SettingError(const std::string& name, const std::string& reason);
+  SettingError(const std::string& setting, const std::string& why);
 
   std::string name;
   std::string reason;

@@ -14,7 +14,7 @@ namespace simulator::settings {
 /// A unit file that is refused; what() is "file: key: reason" ("file: reason" where no key is to blame).
 class UnitFileError : public std::runtime_error {
 public:
-  UnitFileError(const std::string& file, const std::string& key, const std::string& reason);
+  UnitFileError(const std::string& path, const std::string& name, const std::string& why);
 
   std::string file;
   std::string key;     ///< dotted name of the offending key, empty where none is

@@ -80,7 +80,7 @@ Words BwrapCommand::outer() const {
     append(words, {"--bind", state_ / name, std::string("/state/") + name});
   }
   if (geteuid() == 0) {
-    const std::string user = std::to_string(unit_user_of_root);
+    const std::string user = std::to_string(UNIT_USER_OF_ROOT);
     append(words,
            {"--", "/usr/bin/setpriv", "--reuid", user, "--regid", user, "--clear-groups", "--pdeathsig", "KILL", "--"});
   } else {

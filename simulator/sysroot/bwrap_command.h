@@ -9,10 +9,10 @@ namespace simulator::sysroot {
 
 /// The command that enters a unit's private root, and what it needs open.
 ///
-/// One root inside the other. The outer one holds the machine's programs, a few files of its /etc and the build folder,
-/// all of it read-only, its /proc and /dev, writable, and the unit's state folder; root becomes an ordinary user there.
-/// The inner one is the unit: all of its mounts come from the outer one, whose read-only ones nobody inside can make
-/// writable, not even root inside with all its rights there.
+/// Two nested roots. The outer one holds the machine's programs, a few files of its /etc and the build folder, all
+/// read-only, its /proc and /dev, both writable, and the unit's state folder; root gives up its rights there. The inner
+/// one is the unit: its mounts come from the outer one, and nobody inside can make the read-only ones writable, not
+/// even root inside.
 class BwrapCommand {
 public:
   /// `build`: the build folder, /opt/unit inside. `state`: the unit's state folder.

@@ -13,15 +13,15 @@
 #include <thread>
 
 #include "simulator/model/unit_model.h"
-#include "simulator/sysroot/child_process.h"
+#include "simulator/process/child_process.h"
 
 namespace simulator::sysroot {
 namespace {
 
-constexpr std::chrono::seconds patience{10};
-constexpr const char* naming_data = "/run/unit/names";
-constexpr const char* naming_log = "/run/unit/log/names.log";
-constexpr const char* services_log = "/run/unit/log/services.log";
+constexpr std::chrono::seconds PATIENCE{10};
+constexpr const char* NAMING_DATA = "/run/unit/names";
+constexpr const char* NAMING_LOG = "/run/unit/log/names.log";
+constexpr const char* SERVICES_LOG = "/run/unit/log/services.log";
 
 bool listens(int port) {
   const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -42,7 +42,7 @@ bool has_ended(pid_t process) {
 /// Waits until `ready` says so; throws where the process ends before, or does not get ready in time.
 template <typename Ready>
 void wait_until(Ready ready, pid_t process, const std::string& what, const char* log) {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
   while (!ready()) {
     if (has_ended(process)) {
       throw std::runtime_error(what + " has ended before it was ready; see " + log);
@@ -57,10 +57,11 @@ void wait_until(Ready ready, pid_t process, const std::string& what, const char*
 
 void start_naming(int port) {
   const std::string number = std::to_string(port);
-  std::filesystem::create_directories(naming_data);
-  const pid_t process = start_program({"omniNames", "-start", number, "-always", "-datadir", naming_data, "-nohostname",
-                                       "-errlog", naming_log, "-ORBendPoint", "giop:tcp:127.0.0.1:" + number},
-                                      {naming_log});
+  std::filesystem::create_directories(NAMING_DATA);
+  const pid_t process =
+      process::start_program({"omniNames", "-start", number, "-always", "-datadir", NAMING_DATA, "-nohostname",
+                              "-errlog", NAMING_LOG, "-ORBendPoint", "giop:tcp:127.0.0.1:" + number},
+                             {{}, NAMING_LOG});
   const auto answers = [port] {
     if (listens(port)) {
       return true;
@@ -68,14 +69,14 @@ void start_naming(int port) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
     return false;
   };
-  wait_until(answers, process, "the naming service", naming_log);
+  wait_until(answers, process, "the naming service", NAMING_LOG);
 }
 
 void start_services() {
-  const pid_t process = start_program({"/opt/unit/bin/unit-services"}, {services_log});
+  const pid_t process = process::start_program({"/opt/unit/bin/unit-services"}, {{}, SERVICES_LOG});
   const model::Services& services = model::UnitModel::of_this_unit().services();
   const auto applied = [&services] { return services.wait_applied(std::chrono::milliseconds(50)); };
-  wait_until(applied, process, "the process of the unit's services", services_log);
+  wait_until(applied, process, "the process of the unit's services", SERVICES_LOG);
 }
 
 }  // namespace simulator::sysroot

@@ -14,13 +14,13 @@
 #include <string>
 #include <thread>
 
-#include "simulator/sysroot/child_process.h"
+#include "simulator/process/child_process.h"
 
 namespace simulator::sysroot {
 namespace {
 
-constexpr std::chrono::seconds patience{5};
-constexpr const char* far_end_log = "/run/unit/log/network.log";
+constexpr std::chrono::seconds PATIENCE{5};
+constexpr const char* FAR_END_LOG = "/run/unit/log/network.log";
 
 /// Two processes that wait for each other: one byte each way.
 class Handshake {
@@ -67,8 +67,8 @@ private:
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   handshake.in_child();
   if (unshare(CLONE_NEWNET) != 0 || !handshake.child_says_ready() || !handshake.child_waits() ||
-      run_program({"ip", "-batch", "-"}, "link set lo up\naddress add 10.77.0.1/24 dev srv0\nlink set srv0 up\n") !=
-          0) {
+      process::run_program({"ip", "-batch", "-"},
+                           "link set lo up\naddress add 10.77.0.1/24 dev srv0\nlink set srv0 up\n") != 0) {
     _exit(1);
   }
   if (!dhcp_server) {
@@ -76,11 +76,12 @@ private:
       pause();
     }
   }
-  become_program({"dnsmasq", "--keep-in-foreground", "--conf-file=/dev/null",
-                  "--user=", "--group=", "--pid-file=", "--port=0", "--interface=srv0", "--bind-interfaces",
-                  "--dhcp-authoritative", "--no-ping", "--dhcp-range=10.77.0.10,10.77.0.50,255.255.255.0,1h",
-                  "--dhcp-option=option:dns-server,10.77.0.1", "--dhcp-leasefile=/run/unit/leases", "--log-facility=-"},
-                 {far_end_log});
+  process::become_program(
+      {"dnsmasq", "--keep-in-foreground", "--conf-file=/dev/null", "--user=", "--group=", "--pid-file=", "--port=0",
+       "--interface=srv0", "--bind-interfaces", "--dhcp-authoritative", "--no-ping",
+       "--dhcp-range=10.77.0.10,10.77.0.50,255.255.255.0,1h", "--dhcp-option=option:dns-server,10.77.0.1",
+       "--dhcp-leasefile=/run/unit/leases", "--log-facility=-"},
+      {{}, FAR_END_LOG});
 }
 
 /// Whether some socket of that process's network namespace is bound to the DHCP server's port.
@@ -95,10 +96,10 @@ bool serves_dhcp(pid_t process) {
 }
 
 void wait_for_server(pid_t process) {
-  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
   while (!serves_dhcp(process)) {
     if (std::chrono::steady_clock::now() > deadline || !std::filesystem::exists("/proc/" + std::to_string(process))) {
-      throw std::runtime_error(std::string("the DHCP server does not start; see ") + far_end_log);
+      throw std::runtime_error(std::string("the DHCP server does not start; see ") + FAR_END_LOG);
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
@@ -107,7 +108,7 @@ void wait_for_server(pid_t process) {
 }  // namespace
 
 void prepare_loopback() {
-  run_program({"ip", "-batch", "-"}, "link set lo multicast on\nroute add 224.0.0.0/4 dev lo\n");
+  process::run_program({"ip", "-batch", "-"}, "link set lo multicast on\nroute add 224.0.0.0/4 dev lo\n");
 }
 
 void make_eth0(bool dhcp_server) {
@@ -122,7 +123,7 @@ void make_eth0(bool dhcp_server) {
   }
   const std::string commands =
       "link add eth0 type veth peer name srv0\nlink set srv0 netns " + std::to_string(keeper) + "\nlink set eth0 up\n";
-  if (run_program({"ip", "-batch", "-"}, commands) != 0) {
+  if (process::run_program({"ip", "-batch", "-"}, commands) != 0) {
     throw std::runtime_error("no interface eth0: this machine's kernel gives no pair of virtual interfaces (veth)");
   }
   handshake.parent_says_go();

@@ -2,8 +2,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,20 +9,21 @@
 #include <system_error>
 #include <thread>
 
+#include "simulator/process/child_process.h"
 #include "simulator/sysroot/bwrap_command.h"
 #include "simulator/sysroot/unit_environment.h"
 
 namespace simulator::sysroot {
 namespace {
 
-constexpr std::chrono::seconds patience_at_end{5};
+constexpr std::chrono::seconds PATIENCE_AT_END{5};
 
 using Words = std::vector<std::string>;
 
 Words init_line(const RootOptions& options, int lifeline) {
   Words words{"/opt/unit/bin/unit-init", "--lifeline", std::to_string(lifeline)};
   if (options.services) {
-    words.insert(words.end(), {"--services", std::to_string(naming_port)});
+    words.insert(words.end(), {"--services", std::to_string(NAMING_PORT)});
   }
   if (options.network || options.dhcp_server) {
     words.push_back("--network");
@@ -37,25 +36,6 @@ Words init_line(const RootOptions& options, int lifeline) {
   return words;
 }
 
-/// The child's part between fork and exec; no memory is taken here.
-[[noreturn]] void become(char* const* line, const RootOptions& options, pid_t parent) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
-  if (getppid() != parent) {
-    _exit(127);
-  }
-  // A session of its own: the terminal's signals reach only the starter, which then ends the unit in good order.
-  setsid();
-  sigset_t none;
-  sigemptyset(&none);
-  sigprocmask(SIG_SETMASK, &none, nullptr);
-  signal(SIGPIPE, SIG_DFL);
-  if (dup2(options.input, 0) == -1 || dup2(options.output, 1) == -1 || dup2(options.error, 2) == -1) {
-    _exit(127);
-  }
-  execv(line[0], line);
-  _exit(127);
-}
-
 }  // namespace
 
 PrivateRoot::PrivateRoot(const StateFolder& state, const RootOptions& options) {
@@ -66,54 +46,43 @@ PrivateRoot::PrivateRoot(const StateFolder& state, const RootOptions& options) {
   lifeline_ = ends[1];
   fcntl(ends[0], F_SETFD, 0);
 
-  std::vector<std::pair<std::string, std::string>> environment = unit_environment(state, naming_port);
+  std::vector<std::pair<std::string, std::string>> environment = unit_environment(state, NAMING_PORT);
   environment.insert(environment.end(), options.environment.begin(), options.environment.end());
   const BwrapCommand bwrap(options.build, state.path());
-  const Words words = bwrap.line(environment, init_line(options, ends[0]));
-  std::vector<char*> line;
-  for (const std::string& word : words) {
-    line.push_back(const_cast<char*>(word.c_str()));
-  }
-  line.push_back(nullptr);
-
-  const pid_t parent = getpid();
-  process_ = fork();
-  if (process_ == 0) {
-    become(line.data(), options, parent);
-  }
-  const int failure = errno;
-  close(ends[0]);
-  if (process_ == -1) {
+  process::ChildOptions child;
+  child.descriptors = {{options.input, 0}, {options.output, 1}, {options.error, 2}};
+  child.dies_with_starter = true;
+  // The terminal's signals reach only the starter, which then ends the unit in good order.
+  child.own_session = true;
+  try {
+    process_ = process::start_program(bwrap.line(environment, init_line(options, ends[0])), child);
+  } catch (const std::system_error&) {
+    close(ends[0]);
     close(lifeline_);
-    throw std::system_error(failure, std::generic_category(), "fork");
+    throw;
   }
+  close(ends[0]);
 }
 
 PrivateRoot::~PrivateRoot() {
   stop();
 }
 
-std::optional<int> PrivateRoot::reap(int options) {
-  if (status_) {
-    return status_;
-  }
-  int status = 0;
-  pid_t reaped = -1;
-  do {
-    reaped = waitpid(process_, &status, options);
-  } while (reaped == -1 && errno == EINTR);
-  if (reaped == process_) {
-    status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+std::optional<int> PrivateRoot::reap(bool wait) {
+  if (!status_) {
+    if (const std::optional<int> status = process::reap(process_, wait)) {
+      status_ = process::shell_status(*status);
+    }
   }
   return status_;
 }
 
 std::optional<int> PrivateRoot::poll() {
-  return reap(WNOHANG);
+  return reap(false);
 }
 
 int PrivateRoot::wait() {
-  return reap(0).value_or(1);
+  return reap(true).value_or(1);
 }
 
 void PrivateRoot::stop() {
@@ -121,7 +90,7 @@ void PrivateRoot::stop() {
     close(lifeline_);
     lifeline_ = -1;
   }
-  const auto deadline = std::chrono::steady_clock::now() + patience_at_end;
+  const auto deadline = std::chrono::steady_clock::now() + PATIENCE_AT_END;
   while (!poll() && std::chrono::steady_clock::now() < deadline) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }

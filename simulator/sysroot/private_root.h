@@ -47,7 +47,7 @@ public:
   void stop();
 
 private:
-  std::optional<int> reap(int options);
+  std::optional<int> reap(bool wait);
 
   pid_t process_ = -1;
   int lifeline_ = -1;  ///< everything inside ends when this end is closed
@@ -55,6 +55,6 @@ private:
 };
 
 /// The port of the naming service inside every private root.
-constexpr int naming_port = 2809;
+constexpr int NAMING_PORT = 2809;
 
 }  // namespace simulator::sysroot

@@ -17,13 +17,13 @@ namespace simulator::sysroot {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr const char* lock_name = "lock";
-constexpr const char* units_folder = "/tmp";
-constexpr const char* unit_prefix = "unit-";
-constexpr const char* seen_inside[] = {"sys", "tmp", "run", "root"};
+constexpr const char* LOCK_NAME = "lock";
+constexpr const char* UNITS_FOLDER = "/tmp";
+constexpr const char* UNIT_PREFIX = "unit-";
+constexpr const char* SEEN_INSIDE[] = {"sys", "tmp", "run", "root"};
 
 /// Runs last of all in a shutdown; leaves its line in the record of calls, and a mark for whoever waits for it.
-constexpr const char* shutdown_script =
+constexpr const char* SHUTDOWN_SCRIPT =
     "#!/bin/sh\n"
     "/opt/unit/bin/unit-record /root/.shutdown\n"
     "touch /run/unit/shutdown\n";
@@ -44,7 +44,7 @@ void hand_over(const fs::path& folder) {
     return;
   }
   const auto hand_over_one = [](const fs::path& path) {
-    if (lchown(path.c_str(), unit_user_of_root, unit_user_of_root) != 0) {
+    if (lchown(path.c_str(), UNIT_USER_OF_ROOT, UNIT_USER_OF_ROOT) != 0) {
       throw StateFolderError(path.string() + ": cannot be handed to the unit: " + std::strerror(errno));
     }
   };
@@ -58,13 +58,13 @@ void hand_over(const fs::path& folder) {
 
 StateFolder StateFolder::make() {
   // The lock is taken before the folder has the name by which it is found.
-  std::string hidden = std::string(units_folder) + "/.unit-XXXXXX";
+  std::string hidden = std::string(UNITS_FOLDER) + "/.unit-XXXXXX";
   if (mkdtemp(hidden.data()) == nullptr) {
-    throw StateFolderError(std::string("no state folder can be made in ") + units_folder + ": " + std::strerror(errno));
+    throw StateFolderError(std::string("no state folder can be made in ") + UNITS_FOLDER + ": " + std::strerror(errno));
   }
   StateFolder folder(hidden, true);
   folder.lock();
-  const fs::path path = fs::path(units_folder) / (unit_prefix + hidden.substr(hidden.size() - 6));
+  const fs::path path = fs::path(UNITS_FOLDER) / (UNIT_PREFIX + hidden.substr(hidden.size() - 6));
   fs::rename(hidden, path);
   folder.path_ = path;
   folder.make_folders();
@@ -82,12 +82,12 @@ StateFolder StateFolder::at(const fs::path& path) {
   if (error) {
     throw StateFolderError(whole.string() + ": cannot be made: " + error.message());
   }
-  if (!fs::is_empty(whole) && !fs::exists(whole / lock_name)) {
+  if (!fs::is_empty(whole) && !fs::exists(whole / LOCK_NAME)) {
     throw StateFolderError(whole.string() + ": neither empty nor a unit's state folder");
   }
   StateFolder folder(whole, false);
   folder.lock();
-  for (const char* name : seen_inside) {
+  for (const char* name : SEEN_INSIDE) {
     fs::remove_all(whole / name);
   }
   folder.make_folders();
@@ -114,7 +114,7 @@ StateFolder::~StateFolder() {
 }
 
 void StateFolder::lock() {
-  lock_ = open((path_ / lock_name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  lock_ = open((path_ / LOCK_NAME).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   if (lock_ == -1) {
     throw StateFolderError(path_.string() + ": cannot be written: " + std::strerror(errno));
   }
@@ -124,7 +124,7 @@ void StateFolder::lock() {
 }
 
 void StateFolder::make_folders() const {
-  for (const char* name : seen_inside) {
+  for (const char* name : SEEN_INSIDE) {
     fs::create_directory(path_ / name);
   }
   // As on the unit: anybody may write, and files belong to who made them.
@@ -134,19 +134,19 @@ void StateFolder::make_folders() const {
 void StateFolder::fill(const model::UnitModel::Fill& values) const {
   fs::create_directories(run() / "log");
   model::UnitModel::create((run() / "model").string(), values);
-  constexpr fs::perms readable =
+  constexpr fs::perms READABLE =
       fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read | fs::perms::others_read;
   for (const char* name : {"events.jsonl", "calls.jsonl", "log/host.out", "log/host.err"}) {
-    write_file(run() / name, "", readable);
+    write_file(run() / name, "", READABLE);
   }
-  write_file(path_ / "root/.shutdown", shutdown_script, readable | fs::perms::owner_exec);
-  for (const char* name : seen_inside) {
+  write_file(path_ / "root/.shutdown", SHUTDOWN_SCRIPT, READABLE | fs::perms::owner_exec);
+  for (const char* name : SEEN_INSIDE) {
     hand_over(path_ / name);
   }
 }
 
 bool is_running(const fs::path& state) {
-  const int lock = open((state / lock_name).c_str(), O_RDONLY | O_CLOEXEC);
+  const int lock = open((state / LOCK_NAME).c_str(), O_RDONLY | O_CLOEXEC);
   if (lock == -1) {
     return false;
   }
@@ -157,9 +157,9 @@ bool is_running(const fs::path& state) {
 
 std::vector<fs::path> running_units() {
   std::vector<fs::path> units;
-  for (const fs::directory_entry& entry : fs::directory_iterator(units_folder)) {
+  for (const fs::directory_entry& entry : fs::directory_iterator(UNITS_FOLDER)) {
     struct stat status {};
-    if (entry.path().filename().string().rfind(unit_prefix, 0) == 0 && lstat(entry.path().c_str(), &status) == 0 &&
+    if (entry.path().filename().string().rfind(UNIT_PREFIX, 0) == 0 && lstat(entry.path().c_str(), &status) == 0 &&
         status.st_uid == geteuid() && S_ISDIR(status.st_mode) && is_running(entry.path())) {
       units.push_back(entry.path());
     }

@@ -8,7 +8,7 @@ namespace {
 /// Participants announce themselves by multicast on the loopback interface, so that engines with ports of their own
 /// choice (OpenDDS) are found; everything else goes to its receiver directly. An announcement is answered by multicast
 /// too: an engine may read no announcements at the port that it names for the rest of discovery.
-constexpr const char* cyclone_configuration =
+constexpr const char* CYCLONE_CONFIGURATION =
     "<CycloneDDS><Domain id=\"any\"><General>"
     "<Interfaces><NetworkInterface name=\"lo\" multicast=\"true\"/></Interfaces>"
     "<AllowMulticast>spdp</AllowMulticast></General>"
@@ -19,7 +19,7 @@ constexpr const char* cyclone_configuration =
 
 /// OpenDDS finds the other processes by multicast on the loopback interface and sends to them directly. With its own
 /// heartbeat and repair times a value that was published before its reader came would take seconds.
-constexpr const char* opendds_configuration =
+constexpr const char* OPENDDS_CONFIGURATION =
     "[common]\n"
     "DCPSGlobalTransportConfig=$file\n"
     "DCPSDefaultDiscovery=unit_discovery\n"
@@ -41,7 +41,7 @@ constexpr const char* opendds_configuration =
 }  // namespace
 
 std::vector<std::pair<std::string, std::string>> unit_environment(const StateFolder& state, int naming_port) {
-  std::ofstream(state.run() / "rtps.ini") << opendds_configuration;
+  std::ofstream(state.run() / "rtps.ini") << OPENDDS_CONFIGURATION;
   return {
       {"PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"},
       {"HOME", "/root"},
@@ -51,7 +51,7 @@ std::vector<std::pair<std::string, std::string>> unit_environment(const StateFol
       {"UNIT_RUN", "/run/unit"},
       {"UNIT_NAMING_PORT", std::to_string(naming_port)},
       {"OMNIORB_CONFIG", "/dev/null"},
-      {"CYCLONEDDS_URI", cyclone_configuration},
+      {"CYCLONEDDS_URI", CYCLONE_CONFIGURATION},
       {"DCPSConfigFile", "/run/unit/rtps.ini"},
   };
 }

@@ -10,63 +10,29 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
-#include "simulator/sysroot/child_process.h"
+#include "simulator/process/child_process.h"
+#include "simulator/sysroot/init_orders.h"
 #include "simulator/sysroot/naming.h"
 #include "simulator/sysroot/network.h"
 
 namespace {
 
-using simulator::sysroot::become_program;
-using simulator::sysroot::shell_status;
-using simulator::sysroot::start_program;
+using simulator::process::shell_status;
+using simulator::process::start_program;
+using simulator::sysroot::Orders;
+using simulator::sysroot::read_orders;
 
-constexpr int status_of_ended_unit = 1;
-constexpr int status_of_bad_usage = 2;
-constexpr const char* usage =
+constexpr int STATUS_OF_ENDED_UNIT = 1;
+constexpr int STATUS_OF_BAD_USAGE = 2;
+constexpr const char* USAGE =
     "usage: unit-init --lifeline DESCRIPTOR [--services PORT] [--network] [--dhcp-server] -- COMMAND…\n"
     "First process of a unit's private root; started by \"unit\".\n";
-
-struct Orders {
-  int lifeline = -1;    ///< readable when everything is to end
-  int naming_port = 0;  ///< 0: neither naming service nor services
-  bool network = false;
-  bool dhcp_server = false;
-  std::vector<std::string> command;
-};
-
-/// What the command line orders; none where it is not as `usage` says.
-std::optional<Orders> read_orders(int argc, char** argv) {
-  Orders orders;
-  int next = 1;
-  for (; next < argc && std::strcmp(argv[next], "--") != 0; ++next) {
-    const std::string option = argv[next];
-    if (option == "--network") {
-      orders.network = true;
-    } else if (option == "--dhcp-server") {
-      orders.dhcp_server = true;
-    } else if (option == "--lifeline" && next + 1 < argc) {
-      orders.lifeline = std::atoi(argv[++next]);
-    } else if (option == "--services" && next + 1 < argc) {
-      orders.naming_port = std::atoi(argv[++next]);
-    } else {
-      return std::nullopt;
-    }
-  }
-  if (next + 1 >= argc || orders.lifeline < 0) {
-    return std::nullopt;
-  }
-  orders.command.assign(argv + next + 1, argv + argc);
-  return orders;
-}
 
 /// Makes this process's surroundings the unit's. Throws std::runtime_error.
 void prepare(const Orders& orders) {
@@ -101,7 +67,7 @@ int look_after(pid_t command, int lifeline, int children) {
   pollfd events[] = {{children, POLLIN, 0}, {lifeline, POLLIN, 0}};
   for (;;) {
     if (poll(events, 2, -1) == -1 && errno != EINTR) {
-      return status_of_ended_unit;
+      return STATUS_OF_ENDED_UNIT;
     }
     if ((events[0].revents & POLLIN) != 0) {
       signalfd_siginfo signal{};
@@ -111,7 +77,7 @@ int look_after(pid_t command, int lifeline, int children) {
       }
     }
     if (events[1].revents != 0) {
-      return status_of_ended_unit;
+      return STATUS_OF_ENDED_UNIT;
     }
   }
 }
@@ -119,10 +85,10 @@ int look_after(pid_t command, int lifeline, int children) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::optional<Orders> read = read_orders(argc, argv);
+  const std::optional<Orders> read = read_orders({argv + 1, argv + argc});
   if (!read) {
-    std::fputs(usage, stderr);
-    return status_of_bad_usage;
+    std::fputs(USAGE, stderr);
+    return STATUS_OF_BAD_USAGE;
   }
   const Orders& orders = *read;
   fcntl(orders.lifeline, F_SETFD, FD_CLOEXEC);
@@ -133,7 +99,7 @@ int main(int argc, char** argv) {
   sigprocmask(SIG_BLOCK, &watched, nullptr);
   const int children = signalfd(-1, &watched, SFD_CLOEXEC);
 
-  int status = status_of_ended_unit;
+  int status = STATUS_OF_ENDED_UNIT;
   try {
     prepare(orders);
     status = look_after(start_program(orders.command), orders.lifeline, children);

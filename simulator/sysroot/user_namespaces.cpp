@@ -26,9 +26,9 @@ enum Step : int { NOTHING, NAMESPACES, RIGHTS, PROC };
 
 /// The child's part: enters namespaces as the unit's programs will.
 [[noreturn]] void try_namespaces(int pipe) {
-  constexpr unsigned user = unit_user_of_root;
+  constexpr unsigned USER = UNIT_USER_OF_ROOT;
   if (geteuid() == 0 &&
-      (setgroups(0, nullptr) != 0 || setresgid(user, user, user) != 0 || setresuid(user, user, user) != 0)) {
+      (setgroups(0, nullptr) != 0 || setresgid(USER, USER, USER) != 0 || setresuid(USER, USER, USER) != 0)) {
     report(pipe, NAMESPACES);
   }
   if (unshare(CLONE_NEWUSER | CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWIPC | CLONE_NEWUTS | CLONE_NEWNET) != 0) {

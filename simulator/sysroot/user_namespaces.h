@@ -12,6 +12,6 @@ std::optional<std::string> missing_for_private_root();
 
 /// The user that the unit's programs are outside, where whoever starts them is root: one that owns nothing of this
 /// machine, so that root inside is nobody outside.
-constexpr unsigned unit_user_of_root = 65534;
+constexpr unsigned UNIT_USER_OF_ROOT = 65534;
 
 }  // namespace simulator::sysroot

@@ -10,7 +10,7 @@ constexpr unsigned RF_REQUEST = 252;
 
 class RadaltContract : public ::testing::Test {
 protected:
-  unsigned read(unsigned space, unsigned address) {
+  unsigned read(unsigned space, unsigned address) const {
     unsigned value = 0;
     EXPECT_EQ(Radalt_Read(handle_, space, address, &value), 0);
     return value;

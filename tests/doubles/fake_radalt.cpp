@@ -93,7 +93,7 @@ std::vector<std::chrono::system_clock::time_point> FakeRadalt::access_times() co
   return access_times_;
 }
 
-int FakeRadalt::init() {
+int FakeRadalt::init() const {
   calls().record("init");
   return init_result_;
 }

@@ -50,7 +50,7 @@ public:
 
   /// @name What the driver's functions do
   /// @{
-  int init();
+  int init() const;
   int read(int handle, unsigned int space, unsigned int address, unsigned int* value);
   int write(int handle, unsigned int space, unsigned int address, unsigned int value);
   int lock(int handle);

@@ -11,7 +11,6 @@ namespace host {
 namespace {
 
 using nlohmann::json;
-using testing::Message;
 
 /// What the accessor says of arguments that it refuses; empty where it takes them.
 template <typename Accessor>

@@ -33,12 +33,12 @@ inline DDS::DomainParticipantFactory_ptr configured_factory() {
   return TheParticipantFactoryWithArgs(argc, argv);
 }
 
-/// Starts the process's DDS unless it is started, and returns its factory; the caller owns the reference. The file named
-/// by the environment variable DCPSConfigFile configures transport and discovery; without it, the engine's defaults
-/// apply. Nil if start-up fails. Any thread.
+/// Starts the process's DDS unless it is started, and returns its factory; the caller owns the reference. The file
+/// named by the environment variable DCPSConfigFile configures transport and discovery; without it, the engine's
+/// defaults apply. Nil if start-up fails. Any thread.
 ///
-/// From then on exit() runs the functions registered after this call and then ends the process: objects made earlier are
-/// not destroyed.
+/// From then on exit() runs the functions registered after this call and then ends the process: objects made earlier
+/// are not destroyed.
 inline DDS::DomainParticipantFactory_ptr start_dds() {
   const DDS::DomainParticipantFactory_ptr factory = configured_factory();
   [[maybe_unused]] static const int registered = on_exit(&leave_without_teardown, nullptr);

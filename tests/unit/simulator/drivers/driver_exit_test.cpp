@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "tests/unit/simulator/this_unit.h"
+#include "tests/unit/simulator/model/this_unit.h"
 
 // How processes end that never delete their driver. Each runs in a child process of its own.
 namespace {

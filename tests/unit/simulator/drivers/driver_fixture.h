@@ -4,7 +4,7 @@
 #include <psdriver.h>
 
 #include "tests/doubles/heard.h"
-#include "tests/unit/simulator/this_unit.h"
+#include "tests/unit/simulator/model/this_unit.h"
 
 namespace simulator_test {
 

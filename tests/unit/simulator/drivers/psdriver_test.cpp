@@ -168,7 +168,7 @@ TEST_F(PsdriverTest, EveryCrossingIsRecordedWithItsReply) {
   driver_.GetBatteryTemperature();
   heard.at_least(1);
   std::vector<std::string> crossings;
-  for (const std::string& line : simulator_test::lines_of(ThisUnit::get().file("calls.jsonl"))) {
+  for (const std::string& line : doubles::lines_of(ThisUnit::get().file("calls.jsonl"))) {
     crossings.push_back(line.substr(line.find("\"at\"")));
   }
   EXPECT_EQ(crossings, (std::vector<std::string>{

@@ -7,15 +7,15 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/unit/simulator/this_unit.h"
+#include "tests/unit/simulator/model/this_unit.h"
 
 namespace {
 
+using doubles::lines_of;
 using nlohmann::json;
 using simulator::model::Fault;
 using simulator::model::FaultKind;
 using simulator::model::Point;
-using simulator_test::lines_of;
 using simulator_test::ThisUnit;
 
 class RadaltTest : public ::testing::Test {

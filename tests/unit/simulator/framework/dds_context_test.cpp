@@ -5,7 +5,7 @@
 #include <cstring>
 #include <thread>
 
-#include "tests/unit/simulator/this_unit.h"
+#include "tests/unit/simulator/model/this_unit.h"
 
 namespace {
 

@@ -4,13 +4,13 @@
 #include <cerrno>
 #include <thread>
 
-#include "tests/unit/simulator/this_unit.h"
+#include "tests/unit/simulator/model/this_unit.h"
 
 namespace {
 
+using doubles::lines_of;
 using simulator::model::FaultKind;
 using simulator::model::Point;
-using simulator_test::lines_of;
 using simulator_test::ThisUnit;
 using Varnok::EngineEventMessage_i;
 

@@ -6,11 +6,11 @@
 #include <optional>
 #include <thread>
 
-#include "tests/unit/simulator/this_unit.h"
+#include "tests/unit/simulator/model/this_unit.h"
 
 namespace {
 
-using simulator_test::lines_of;
+using doubles::lines_of;
 using simulator_test::ThisUnit;
 using Varnok::Locker;
 

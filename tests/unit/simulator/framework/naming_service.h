@@ -1,11 +1,8 @@
 #pragma once
 
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <stdlib.h>
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -13,9 +10,8 @@
 #include <dcps/orb_start.h>
 #include <orbsvcs/CosNamingC.h>
 
-#include "tests/unit/simulator/temporary_folder.h"
-
-extern char** environ;
+#include "tests/doubles/child_process.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace simulator_test {
 
@@ -25,25 +21,12 @@ public:
   explicit NamingService(int port) : port_(port) {
     const std::string number = std::to_string(port);
     const std::string endpoint = "giop:tcp:127.0.0.1:" + number;
-    const std::string log = folder_ / "log";
-    const char* arguments[] = {"omniNames", "-start",       number.c_str(),   "-always",
-                               "-datadir",  data_.c_str(),  "-nohostname",    "-errlog",
-                               log.c_str(), "-ORBendPoint", endpoint.c_str(), nullptr};
     ::setenv("OMNIORB_CONFIG", "/dev/null", 1);
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    const int error =
-        ::posix_spawnp(&process_, arguments[0], &actions, nullptr, const_cast<char**>(arguments), environ);
-    ::posix_spawn_file_actions_destroy(&actions);
-    if (error != 0) {
-      throw std::runtime_error("omniNames cannot be started");
-    }
+    process_ = std::make_unique<doubles::ChildProcess>(
+        std::vector<std::string>{"omniNames", "-start", number, "-always", "-datadir", folder_ / "", "-nohostname",
+                                 "-errlog", folder_ / "log", "-ORBendPoint", "giop:tcp:127.0.0.1:" + number},
+        std::vector<std::string>{}, folder_ / "output");
     await();
-  }
-  ~NamingService() {
-    ::kill(process_, SIGTERM);
-    ::waitpid(process_, nullptr, 0);
   }
   NamingService(const NamingService&) = delete;
   NamingService& operator=(const NamingService&) = delete;
@@ -67,10 +50,9 @@ private:
     throw std::runtime_error("omniNames does not answer");
   }
 
-  TemporaryFolder folder_;
-  const std::string data_ = folder_ / "";
+  doubles::TemporaryFolder folder_;
   int port_;
-  pid_t process_ = 0;
+  std::unique_ptr<doubles::ChildProcess> process_;
 };
 
 }  // namespace simulator_test

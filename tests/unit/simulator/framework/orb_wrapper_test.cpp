@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 #include "tests/unit/simulator/framework/naming_service.h"
-#include "tests/unit/simulator/this_unit.h"
+#include "tests/unit/simulator/model/this_unit.h"
 
 namespace {
 
@@ -38,15 +38,15 @@ protected:
     ThisUnit::get();
     const int port = free_port();
     ::setenv("UNIT_NAMING_PORT", std::to_string(port).c_str(), 1);
-    naming_ = new NamingService(port);
-    const CosNaming::NamingContext_var root = naming_->root();
+    naming = new NamingService(port);
+    const CosNaming::NamingContext_var root = naming->root();
     const CosNaming::NamingContext_var halcyra = root->bind_new_context(name("Halcyra"));
     const CosNaming::NamingContext_var local = halcyra->bind_new_context(name("local"));
     local->bind(name("GUIManager"), root.in());
   }
   static void TearDownTestSuite() {
-    delete naming_;
-    naming_ = nullptr;
+    delete naming;
+    naming = nullptr;
   }
 
   OrbWrapperTest() { ThisUnit::get().reset(); }
@@ -59,16 +59,16 @@ protected:
     return name;
   }
 
-  static NamingService* naming_;
+  static NamingService* naming;
 };
 
-NamingService* OrbWrapperTest::naming_ = nullptr;
+NamingService* OrbWrapperTest::naming = nullptr;
 
 TEST_F(OrbWrapperTest, FindsTheObjectBehindAPath) {
   std::vector<ClientInfo> clients{ClientInfo({"Halcyra", "local", "GUIManager"})};
   ORB_wrapper_base wrapper;
   wrapper.LookupClient(clients);
-  const CosNaming::NamingContext_var root = naming_->root();
+  const CosNaming::NamingContext_var root = naming->root();
   EXPECT_TRUE(root->_is_equivalent(clients[0].object));
   EXPECT_FALSE(clients[0].object->_non_existent());
 }
@@ -123,7 +123,7 @@ TEST_F(OrbWrapperTest, LookupsAreRecordedWithTheirPath) {
   ThisUnit::get().model().record().start();
   std::vector<ClientInfo> clients{ClientInfo({"Halcyra", "local", "GUIManager"})};
   ORB_wrapper_base().LookupClient(clients);
-  const auto lines = simulator_test::lines_of(ThisUnit::get().file("calls.jsonl"));
+  const auto lines = doubles::lines_of(ThisUnit::get().file("calls.jsonl"));
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_NE(lines[0].find(R"("at":"orb.lookup","args":{"path":["Halcyra","local","GUIManager"]})"), std::string::npos);
 }

@@ -12,11 +12,11 @@
 
 namespace {
 
+using doubles::lines_of;
 using nlohmann::json;
 using simulator::model::Fault;
 using simulator::model::FaultKind;
 using simulator::model::Point;
-using simulator_test::lines_of;
 
 class CallRecordTest : public simulator_test::ModelTest {
 protected:

@@ -4,14 +4,14 @@
 
 #include "simulator/model/unit_model.h"
 
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace simulator_test {
 
 /// A fresh unit for each test.
 class ModelTest : public ::testing::Test {
 protected:
-  TemporaryFolder folder_;
+  doubles::TemporaryFolder folder_;
   std::string path_ = folder_ / "run/unit/model";
   simulator::model::UnitModel unit_ = simulator::model::UnitModel::create(path_);
 };

@@ -2,14 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace {
 
+using doubles::text_of;
 using simulator::model::sysfs_files;
 using simulator::model::SysfsFile;
 using simulator::model::SysfsFiles;
-using simulator_test::text_of;
 
 class SysfsFilesTest : public ::testing::Test {
 protected:
@@ -22,7 +22,7 @@ protected:
     throw std::out_of_range(std::string(name));
   }
 
-  simulator_test::TemporaryFolder folder_;
+  doubles::TemporaryFolder folder_;
   SysfsFiles files_{folder_ / "sys"};
 };
 
@@ -46,7 +46,7 @@ TEST_F(SysfsFilesTest, ATextIsTheFileNothingMore) {
 
 TEST_F(SysfsFilesTest, WhatAProgramWritesShows) {
   files_.set_text(named("bl_power"), "1\n");
-  simulator_test::write_text(folder_ / "sys/class/backlight/omap-bl/bl_power", "0");
+  doubles::write_text(folder_ / "sys/class/backlight/omap-bl/bl_power", "0");
   EXPECT_EQ(files_.text(named("bl_power")), "0");
 }
 

@@ -63,7 +63,7 @@ TEST_F(UnitModelTest, AMissingFileIsRefused) {
 
 TEST_F(UnitModelTest, AFileThatIsNoModelIsRefused) {
   const std::string other = folder_ / "other";
-  simulator_test::write_text(other, "short");
+  doubles::write_text(other, "short");
   try {
     UnitModel::open(other);
     FAIL() << "opened";
@@ -75,14 +75,14 @@ TEST_F(UnitModelTest, AFileThatIsNoModelIsRefused) {
 }
 
 TEST_F(UnitModelTest, AModelOfAnotherVersionIsRefused) {
-  const std::string whole = simulator_test::text_of(path_);
+  const std::string whole = doubles::text_of(path_);
   for (const std::size_t place : {0U, 8U, 12U}) {
     std::string other = whole;
     other[place] = static_cast<char>(other[place] ^ 1);
-    simulator_test::write_text(folder_ / "other", other);
+    doubles::write_text(folder_ / "other", other);
     EXPECT_THROW(UnitModel::open(folder_ / "other"), std::runtime_error) << place;
   }
-  simulator_test::write_text(folder_ / "other", whole);
+  doubles::write_text(folder_ / "other", whole);
   EXPECT_NO_THROW(UnitModel::open(folder_ / "other"));
 }
 

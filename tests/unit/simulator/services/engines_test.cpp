@@ -53,7 +53,7 @@ TEST_F(Engines, NothingIsRecordedWhileTheRecordIsOff) {
 TEST_F(Engines, TheRecordTellsTheServicesApartAndIsInOrder) {
   model().record().start();
   gui_manager()->SetDialogSize("Shutdown", "Max");
-  Varnok::EverybodyEng::Shutdown_var(everybody_engine()->GetShutdown());
+  const Varnok::EverybodyEng::Shutdown_var shutdown(everybody_engine()->GetShutdown());
   hw_enumerate()->ShutdownEngine("SYSTEM_ENGINE1");
   const std::vector<nlohmann::json> record = calls();
   ASSERT_EQ(record.size(), 3U);

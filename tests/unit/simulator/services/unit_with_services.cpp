@@ -27,7 +27,7 @@ unsigned free_port() {
   const int probe = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address = loopback(0);
   socklen_t size = sizeof address;
-  ::bind(probe, reinterpret_cast<sockaddr*>(&address), size);
+  EXPECT_EQ(::bind(probe, reinterpret_cast<sockaddr*>(&address), size), 0);
   ::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size);
   ::close(probe);
   return ntohs(address.sin_port);

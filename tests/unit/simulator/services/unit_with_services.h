@@ -15,9 +15,11 @@
 #include "gui_managerC.h"
 #include "hw_enumerateC.h"
 #include "simulator/model/unit_model.h"
-#include "tests/unit/simulator/services/child_process.h"
+#include "tests/doubles/child_process.h"
 
 namespace services_test {
+
+using doubles::ChildProcess;
 
 using simulator::model::Fault;
 using simulator::model::FaultKind;

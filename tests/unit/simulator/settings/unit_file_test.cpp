@@ -29,7 +29,7 @@ protected:
     return UnitModel::create(folder_ / "run/unit/model", UnitFile::parse(text, "unit.json"));
   }
 
-  simulator_test::TemporaryFolder folder_;
+  doubles::TemporaryFolder folder_;
 };
 
 TEST_F(UnitFileTest, SetsTheValuesThatItHolds) {
@@ -75,7 +75,7 @@ TEST_F(UnitFileTest, AFolderIsRefused) {
 }
 
 TEST_F(UnitFileTest, AFileIsReadFromDisk) {
-  simulator_test::write_text(folder_ / "unit.json", R"({"sensors": {"mic284": "0x1a"}})");
+  doubles::write_text(folder_ / "unit.json", R"({"sensors": {"mic284": "0x1a"}})");
   UnitModel unit = UnitModel::create(folder_ / "run/unit/model", UnitFile::load(folder_ / "unit.json"));
   EXPECT_EQ(unit.sensors().mic284(), 0x1AU);
 }

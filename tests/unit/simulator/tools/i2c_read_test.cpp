@@ -3,13 +3,13 @@
 
 #include <cstdlib>
 
-#include "tests/unit/simulator/this_unit.h"
+#include "tests/unit/simulator/model/this_unit.h"
 
 namespace {
 
+using doubles::text_of;
 using simulator::model::FaultKind;
 using simulator::model::Point;
-using simulator_test::text_of;
 using simulator_test::ThisUnit;
 
 class I2cReadTest : public ::testing::Test {

@@ -2,7 +2,7 @@
 
 #include "simulator/model/unit_model.h"
 
-#include "tests/unit/simulator/temporary_folder.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace simulator_test {
 
@@ -34,7 +34,7 @@ private:
     ::setenv("UNIT_RUN", run_folder().c_str(), 1);
   }
 
-  TemporaryFolder folder_;
+  doubles::TemporaryFolder folder_;
 };
 
 }  // namespace simulator_test

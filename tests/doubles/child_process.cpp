@@ -1,4 +1,4 @@
-#include "tests/unit/simulator/services/child_process.h"
+#include "tests/doubles/child_process.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -9,9 +9,7 @@
 #include <cerrno>
 #include <system_error>
 
-extern char** environ;
-
-namespace services_test {
+namespace doubles {
 namespace {
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
@@ -86,4 +84,4 @@ bool ChildProcess::running() {
   return id_ != 0;
 }
 
-}  // namespace services_test
+}  // namespace doubles

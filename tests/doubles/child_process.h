@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace services_test {
+namespace doubles {
 
 /// A program run as a child, killed at the latest by the destructor or with the thread that has started it.
 class ChildProcess {
@@ -30,4 +30,4 @@ private:
   int status_ = 0;
 };
 
-}  // namespace services_test
+}  // namespace doubles

@@ -9,7 +9,7 @@
 
 #include <stdlib.h>
 
-namespace simulator_test {
+namespace doubles {
 
 /// A folder of a test's own, removed with everything in it.
 class TemporaryFolder {
@@ -52,4 +52,4 @@ inline void write_text(const std::string& file, const std::string& text) {
   std::ofstream(file, std::ios::binary) << text;
 }
 
-}  // namespace simulator_test
+}  // namespace doubles

@@ -1,0 +1,159 @@
+#include "simulator/process/child_process.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+namespace simulator::process {
+namespace {
+
+constexpr int NOT_STARTED = 127;
+
+int require(int result, const char* what) {
+  if (result == -1) {
+    throw std::system_error(errno, std::generic_category(), what);
+  }
+  return result;
+}
+
+int open_log(const std::string& path) {
+  return require(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644), path.c_str());
+}
+
+/// A descriptor that closes itself.
+class Descriptor {
+public:
+  explicit Descriptor(int number = -1) : number_(number) {}
+  ~Descriptor() {
+    if (number_ != -1) {
+      ::close(number_);
+    }
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  operator int() const { return number_; }
+
+private:
+  int number_;
+};
+
+/// What a start needs, ready before the fork: a child of a process with threads must not allocate memory.
+class Start {
+public:
+  Start(const std::vector<std::string>& line, const ChildOptions& options)
+      : options_(options),
+        descriptors_(options.descriptors),
+        log_(options.log.empty() ? -1 : open_log(options.log)),
+        nothing_(options.log.empty() ? -1 : require(::open("/dev/null", O_RDONLY | O_CLOEXEC), "/dev/null")),
+        complaint_(std::string(program_invocation_short_name) + ": " + line[0] + " cannot be started: ") {
+    if (!options.log.empty()) {
+      descriptors_.insert(descriptors_.end(), {{nothing_, STDIN_FILENO}, {log_, STDOUT_FILENO}, {log_, STDERR_FILENO}});
+    }
+    words_.reserve(line.size() + 1);
+    for (const std::string& word : line) {
+      words_.push_back(const_cast<char*>(word.c_str()));
+    }
+    words_.push_back(nullptr);
+  }
+
+  [[noreturn]] void become() {
+    if (options_.own_session) {
+      ::setsid();
+    }
+    if (!options_.keeps_signal_mask) {
+      sigset_t none;
+      ::sigemptyset(&none);
+      ::sigprocmask(SIG_SETMASK, &none, nullptr);
+      ::signal(SIGPIPE, SIG_DFL);
+    }
+    place_descriptors();
+    ::execvp(words_[0], words_.data());
+    const char* const reason = ::strerrordesc_np(errno);
+    for (const char* part : {complaint_.c_str(), reason, "\n"}) {
+      [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, part, std::strlen(part));
+    }
+    ::_exit(NOT_STARTED);
+  }
+
+private:
+  /// Out of the way first, then to their places: the place of one may be where another comes from.
+  void place_descriptors() {
+    for (auto& [ours, theirs] : descriptors_) {
+      ours = ::fcntl(ours, F_DUPFD_CLOEXEC, highest_place() + 1);
+    }
+    for (const auto& [ours, theirs] : descriptors_) {
+      if (::dup2(ours, theirs) == -1) {
+        ::_exit(NOT_STARTED);
+      }
+    }
+  }
+
+  int highest_place() const {
+    int highest = -1;
+    for (const auto& [ours, theirs] : descriptors_) {
+      highest = std::max(highest, theirs);
+    }
+    return highest;
+  }
+
+  const ChildOptions& options_;
+  std::vector<std::pair<int, int>> descriptors_;
+  Descriptor log_;
+  Descriptor nothing_;
+  std::string complaint_;
+  std::vector<char*> words_;
+};
+
+}  // namespace
+
+pid_t start_program(const std::vector<std::string>& line, const ChildOptions& options) {
+  Start program(line, options);
+  const pid_t starter = ::getpid();
+  const pid_t child = require(::fork(), "fork");
+  if (child == 0) {
+    if (options.dies_with_starter && (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::getppid() != starter)) {
+      ::_exit(NOT_STARTED);
+    }
+    program.become();
+  }
+  return child;
+}
+
+void become_program(const std::vector<std::string>& line, const ChildOptions& options) {
+  Start(line, options).become();
+}
+
+int run_program(const std::vector<std::string>& line, const std::string& input) {
+  const Descriptor text(require(::memfd_create("input", MFD_CLOEXEC), "a file in memory"));
+  if (::write(text, input.data(), input.size()) != static_cast<ssize_t>(input.size())) {
+    throw std::system_error(errno, std::generic_category(), "a file in memory");
+  }
+  require(static_cast<int>(::lseek(text, 0, SEEK_SET)), "a file in memory");
+  ChildOptions options;
+  options.descriptors = {{text, STDIN_FILENO}};
+  return shell_status(reap(start_program(line, options), true).value());
+}
+
+std::optional<int> reap(pid_t child, bool wait) {
+  int status = 0;
+  pid_t reaped = -1;
+  do {
+    reaped = ::waitpid(child, &status, wait ? 0 : WNOHANG);
+  } while (reaped == -1 && errno == EINTR);
+  return reaped == child ? std::optional(status) : std::nullopt;
+}
+
+int shell_status(int wait_status) {
+  return WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : 128 + WTERMSIG(wait_status);
+}
+
+}  // namespace simulator::process

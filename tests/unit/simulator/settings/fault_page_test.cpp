@@ -1,0 +1,64 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "simulator/model/points.h"
+#include "tests/doubles/temporary_folder.h"
+
+namespace {
+
+using simulator::model::fault_kinds;
+using simulator::model::FaultKind;
+using simulator::model::KindRow;
+using simulator::model::PointRow;
+using simulator::model::points;
+
+std::string kind_table() {
+  std::string table = "| Kind | Effect | `value` |\n|---|---|---|\n";
+  for (const KindRow& row : fault_kinds()) {
+    std::string value(row.value);
+    if (!value.empty()) {
+      value += ", " + std::to_string(row.minimum) + " to " + std::to_string(row.maximum);
+    }
+    table += "| `" + std::string(row.name) + "` | " + std::string(row.doc) + " | " + value + " |\n";
+  }
+  return table;
+}
+
+std::string point_table() {
+  std::string table = "| Setting | Kinds | Crossing |\n|---|---|---|\n";
+  for (const PointRow& row : points()) {
+    std::string kinds;
+    for (const KindRow& kind : fault_kinds()) {
+      if (kind.key != FaultKind::NONE && row.kinds.has(kind.key)) {
+        kinds += (kinds.empty() ? "`" : ", `") + std::string(kind.name) + "`";
+      }
+    }
+    if (!kinds.empty()) {
+      table += "| `faults." + std::string(row.name) + "` | " + kinds + " | " + std::string(row.doc) + " |\n";
+    }
+  }
+  return table;
+}
+
+/// The page with the tables in the place of those that it has, each found by its header's first word.
+std::string with_table(const std::string& page, const std::string& table) {
+  const std::size_t begin = page.find(table.substr(0, table.find('|', 1)));
+  if (begin == std::string::npos) {
+    return page + "\n" + table;
+  }
+  const std::size_t end = page.find("\n\n", begin);
+  return page.substr(0, begin) + table + (end == std::string::npos ? "" : page.substr(end + 1));
+}
+
+TEST(FaultPageTest, HoldsTheTablesOfKindsAndPoints) {
+  const std::string page = doubles::text_of(FAULTS_PAGE);
+  const std::string expected = with_table(with_table(page, kind_table()), point_table());
+  if (std::getenv("UPDATE_PAGES") != nullptr) {
+    doubles::write_text(FAULTS_PAGE, expected);
+  } else {
+    EXPECT_EQ(page, expected) << "UPDATE_PAGES=1 makes this test write the page";
+  }
+}
+
+}  // namespace

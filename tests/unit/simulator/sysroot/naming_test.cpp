@@ -1,0 +1,33 @@
+#include "simulator/sysroot/naming.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <stdexcept>
+
+#include "simulator/model/unit_model.h"
+
+namespace {
+
+/// Comes first: services that run would say that they are ready.
+TEST(NamingTest, ServicesWhosePortIsNoNumberAreNotWaitedFor) {
+  const std::string port = ::getenv("UNIT_NAMING_PORT");
+  ::setenv("UNIT_NAMING_PORT", "none", 1);
+  try {
+    simulator::sysroot::start_services();
+    FAIL() << "started";
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(),
+                 "the process of the unit's services has ended before it was ready; see /run/unit/log/services.log");
+  }
+  ::setenv("UNIT_NAMING_PORT", port.c_str(), 1);
+}
+
+TEST(NamingTest, ServicesAreReadyOnceTheyAreStarted) {
+  simulator::sysroot::start_naming(2809);
+  simulator::sysroot::start_services();
+  auto& services = simulator::model::UnitModel::of_this_unit().services();
+  EXPECT_TRUE(services.wait_applied(std::chrono::milliseconds(0)));
+}
+
+}  // namespace
