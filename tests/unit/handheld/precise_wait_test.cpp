@@ -1,14 +1,18 @@
 #include "handheld/precise_wait.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/prctl.h>
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
+
+#include "tests/doubles/fake_time.h"
 
 namespace {
 
 using boost::get_system_time;
 using boost::posix_time::microseconds;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 TEST(PreciseWaitTest, TheDeadlineHasPassedWhenItReturns) {
   for (const int wait : {0, 1, 39, 40, 41, 50, 200, 5000}) {
@@ -22,6 +26,19 @@ TEST(PreciseWaitTest, ADeadlineThatHasPassedReturns) {
   const boost::system_time deadline = get_system_time() - microseconds(1000000);
   WaitUntil(deadline);
   EXPECT_GE(get_system_time(), deadline);
+}
+
+TEST(PreciseWaitTest, TheSleepEndsFortyMicrosecondsBeforeTheDeadline) {
+  const doubles::PlayedTime time;
+  WaitUntil(get_system_time() + microseconds(5000));
+  WaitUntil(get_system_time() + microseconds(50));
+  EXPECT_THAT(time.sleeps(), ElementsAre(std::chrono::microseconds(4960), std::chrono::microseconds(10)));
+}
+
+TEST(PreciseWaitTest, AWaitOfFortyMicrosecondsIsSpentAwake) {
+  const doubles::PlayedTime time;
+  WaitUntil(get_system_time() + microseconds(40));
+  EXPECT_THAT(time.sleeps(), IsEmpty());
 }
 
 TEST(PreciseWaitTest, TheThreadsTimerSlackIsLeftAsItWas) {
