@@ -141,6 +141,15 @@ TEST_F(RfTempTest, ChannelTwoIsAskedThroughTheVirtualOperation) {
   EXPECT_EQ(adc_unit_->asked_channel, 2U);
 }
 
+TEST_F(RfTempTest, TheLockIsLeftToTheConversion) {
+  calls().clear();
+  row_of(8191);
+  EXPECT_EQ(calls().all(), Calls());
+  unit_->rftemp();
+  EXPECT_EQ(calls().count("lock"), 1U);
+  EXPECT_EQ(calls().count("unlock"), 1U);
+}
+
 TEST_F(RfTempTest, RawZeroIsFiftyBelowAndInvalid) {
   expect_invalid(0);
 }

@@ -343,6 +343,27 @@ TEST_F(TemperatureListTest, WithoutMic284RowAndBatteryAnEmptyMonitorFileRepeatsT
   EXPECT_EQ(row("Slot 1 OMAP Temperature"), "0");
 }
 
+TEST_F(TemperatureListTest, AfterASupplyFailureAnEmptyMonitorFileRepeatsTheBatterysValue) {
+  tool_writes_ = false;
+  driver_.fails("GetPowerSupplyTemperatureValue");
+  put_file(OMAP_FILE, "");
+  EXPECT_EQ(row("Slot 1 OMAP Temperature"), "31");
+}
+
+TEST_F(TemperatureListTest, AfterABatteryFailureAnEmptyMonitorFileRepeatsTheSupplysValue) {
+  tool_writes_ = false;
+  driver_.fails("GetBatteryTemperature");
+  put_file(OMAP_FILE, "");
+  EXPECT_EQ(row("Slot 1 OMAP Temperature"), "25.3");
+}
+
+TEST_F(TemperatureListTest, AfterBothFailuresAnEmptyMonitorFileRepeatsTheRfBoardsValue) {
+  tool_writes_ = false;
+  driver_.fails("GetPowerSupplyTemperatureValue").fails("GetBatteryTemperature");
+  put_file(OMAP_FILE, "");
+  EXPECT_EQ(row("Slot 1 OMAP Temperature"), "41.5");
+}
+
 TEST_F(TemperatureListTest, WithFourRowsTheListIsAsShortAsItGets) {
   tool_writes_ = false;
   remove_file(OMAP_FILE);
