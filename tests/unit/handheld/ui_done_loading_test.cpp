@@ -90,13 +90,17 @@ public:
   UserInterface(const UserInterface&) = delete;
   UserInterface& operator=(const UserInterface&) = delete;
 
-  /// Waits until somebody listens.
+  /// Waits until somebody listens. Throws std::runtime_error when nobody does within ten seconds.
   void wait_for_listener() {
     DDS::PublicationMatchedStatus status{};
-    for (int tries = 0; tries < 10000 && status.current_count == 0; ++tries) {
+    for (int tries = 0; tries < 10000; ++tries) {
       writer_->get_publication_matched_status(status);
+      if (status.current_count > 0) {
+        return;
+      }
       boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::milliseconds(1));
     }
+    throw std::runtime_error("nobody listens to the user interface");
   }
   void done_loading() { EXPECT_EQ(writer_->write(Void::Sample(), DDS::HANDLE_NIL), DDS::RETCODE_OK); }
 
