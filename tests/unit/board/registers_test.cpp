@@ -127,6 +127,10 @@ struct PendingBit {
   unsigned int bit;
 };
 
+void PrintTo(const PendingBit& pending_bit, std::ostream* stream) {
+  *stream << "address " << pending_bit.address << " is bit " << pending_bit.bit;
+}
+
 class PendingBitTest : public BoardRegistersTest, public testing::WithParamInterface<PendingBit> {};
 
 TEST_P(PendingBitTest, TheTransferIsOverAsSoonAsItsOwnBitIsClear) {

@@ -112,6 +112,10 @@ struct Selection {
   const char* write;
 };
 
+void PrintTo(const Selection& selection, std::ostream* stream) {
+  *stream << "channel " << selection.channel << " is \"" << selection.write << '"';
+}
+
 class SelectionTest : public BoardTemperaturesTest, public testing::WithParamInterface<Selection> {};
 
 TEST_P(SelectionTest, OnlyTheLowThreeBitsOfTheChannelCount) {

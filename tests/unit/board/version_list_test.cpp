@@ -138,6 +138,10 @@ struct Card {
   const char* shown;
 };
 
+void PrintTo(const Card& card, std::ostream* stream) {
+  *stream << card.identifier << " shows \"" << card.shown << '"';
+}
+
 class RfCardTest : public VersionListTest, public testing::WithParamInterface<Card> {};
 
 TEST_P(RfCardTest, TheIdentifierCarriesItsModel) {
@@ -169,6 +173,10 @@ struct Firmware {
   unsigned int word;
   const char* text;
 };
+
+void PrintTo(const Firmware& firmware, std::ostream* stream) {
+  *stream << "word " << firmware.word << " reads \"" << firmware.text << '"';
+}
 
 class FirmwareTest : public VersionListTest, public testing::WithParamInterface<Firmware> {};
 

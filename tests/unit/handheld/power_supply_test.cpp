@@ -160,6 +160,10 @@ struct ChargeFailure {
   std::size_t requests;
 };
 
+void PrintTo(const ChargeFailure& charge_failure, std::ostream* stream) {
+  *stream << charge_failure.request << " leaves " << charge_failure.charge;
+}
+
 class ChargeFailureTest : public PowerSupplyTest, public testing::WithParamInterface<ChargeFailure> {};
 
 TEST_P(ChargeFailureTest, IsOneEventAndFalse) {
@@ -191,6 +195,10 @@ struct Version {
   int reply;
   const char* text;
 };
+
+void PrintTo(const Version& version, std::ostream* stream) {
+  *stream << version.reply << " reads \"" << version.text << '"';
+}
 
 class VersionTest : public PowerSupplyTest, public testing::WithParamInterface<Version> {};
 

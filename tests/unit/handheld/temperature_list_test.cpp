@@ -180,6 +180,10 @@ struct Reading {
   int degrees;
 };
 
+void PrintTo(const Reading& reading, std::ostream* stream) {
+  *stream << testing::PrintToString(reading.text) << " is " << reading.degrees;
+}
+
 class Mic284Test : public TemperatureListTest, public testing::WithParamInterface<Reading> {};
 
 TEST_P(Mic284Test, IsReadAsHexadecimalWithItsLowByteSigned) {
