@@ -115,6 +115,7 @@ TEST_F(ScreenTest, FollowsTheUnit) {
   EXPECT_TRUE(terminal_.shows("  Power Supply Temperature            -1.5 °C\x1b[K\n"));
   EXPECT_THAT(command("interrupt", {"0x40"}), ExitedWith(0));
   EXPECT_TRUE(terminal_.shows("  PowerSwitch:Comm status interrupt value64\x1b[K\n"));
+  EXPECT_THAT(terminal_.written(), Not(HasSubstr("value64\n"))) << "outside the picture";
   EXPECT_THAT(end(), ExitedWith(0));
 }
 
@@ -124,6 +125,7 @@ TEST_F(ScreenTest, ErrorsStayOffTheScreenAndAreShownWhenTheHostHasEndedByItself)
   const Ending ending = run_.wait();
   EXPECT_THAT(ending.status, testing::Optional(Not(0)));
   EXPECT_THAT(ending.err, HasSubstr("last words\n"));
+  EXPECT_EQ(ending.err.find("last words"), ending.err.rfind("last words")) << "shown once";
   EXPECT_THAT(terminal_.written(), Not(HasSubstr("last words")));
   EXPECT_THAT(terminal_.written(), EndsWith(GIVE_SCREEN_BACK));
 }
