@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <memory>
@@ -130,6 +131,30 @@ void add_dialogs(CLI::App& app) {
   answer->callback([options] { tool::answer_dialog(*options); });
 }
 
+/// Stands before words that begin with a bracket while they are parsed: the parser splits a word in brackets at its
+/// commas.
+constexpr char TAKEN_AS_IT_IS = '\x01';
+
+/// The command line as the parser wants it, last word first.
+std::vector<std::string> marked_words(int argc, char** argv) {
+  std::vector<std::string> words(argv + 1, argv + argc);
+  for (std::string& word : words) {
+    if (!word.empty() && word.front() == '[') {
+      word.insert(word.begin(), TAKEN_AS_IT_IS);
+    }
+  }
+  std::reverse(words.begin(), words.end());
+  return words;
+}
+
+void unmark_words(CLI::App& app) {
+  for (CLI::App* command : app.get_subcommands({})) {
+    for (CLI::Option* option : command->get_options()) {
+      option->transform([](const std::string& word) { return word[0] == TAKEN_AS_IT_IS ? word.substr(1) : word; });
+    }
+  }
+}
+
 int complain(int status, const char* what) {
   std::fprintf(stderr, "unit: %s\n", what);
   return status;
@@ -148,8 +173,9 @@ int main(int argc, char** argv) {
   add_settings(app);
   add_requests(app);
   add_dialogs(app);
+  unmark_words(app);
   try {
-    app.parse(argc, argv);
+    app.parse(marked_words(argc, argv));
     return tool::STATUS_FINE;
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? tool::STATUS_FINE : tool::STATUS_BAD_USAGE;

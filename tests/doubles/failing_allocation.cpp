@@ -13,6 +13,10 @@ thread_local std::size_t counted_size = 0;
 thread_local bool failed = false;
 std::atomic<long> living{0};
 
+thread_local std::size_t watched_size = 0;
+std::atomic<void*> watched{nullptr};
+std::atomic<bool> watched_released{false};
+
 void* allocate(std::size_t size) {
   const bool counts = allocations_left > 0 && (counted_size == 0 || size == counted_size);
   if (counts && --allocations_left == 0) {
@@ -24,12 +28,19 @@ void* allocate(std::size_t size) {
     throw std::bad_alloc();
   }
   ++living;
+  if (watched_size != 0 && size == watched_size) {
+    watched_size = 0;
+    watched = memory;
+  }
   return memory;
 }
 
 void release(void* memory) {
   if (memory) {
     --living;
+    if (memory == watched) {
+      watched_released = true;
+    }
   }
   std::free(memory);
 }
@@ -48,6 +59,25 @@ FailingAllocation::~FailingAllocation() {
 
 bool FailingAllocation::has_failed() const {
   return failed;
+}
+
+ReleaseWatch::ReleaseWatch(std::size_t size) {
+  watched = nullptr;
+  watched_released = false;
+  watched_size = size;
+}
+
+ReleaseWatch::~ReleaseWatch() {
+  watched_size = 0;
+  watched = nullptr;
+}
+
+bool ReleaseWatch::has_begun() const {
+  return watched != nullptr;
+}
+
+bool ReleaseWatch::has_ended() const {
+  return watched_released;
 }
 
 long living_allocations() {

@@ -19,6 +19,21 @@ public:
   bool has_failed() const;
 };
 
+/// Watches one allocation of the whole program until it is released. One at a time.
+class ReleaseWatch {
+public:
+  /// The next allocation of that many bytes that this thread makes.
+  explicit ReleaseWatch(std::size_t size);
+  ~ReleaseWatch();
+  ReleaseWatch(const ReleaseWatch&) = delete;
+  ReleaseWatch& operator=(const ReleaseWatch&) = delete;
+
+  /// Whether the allocation has been made.
+  bool has_begun() const;
+  /// Whether it has been released since; by any thread.
+  bool has_ended() const;
+};
+
 /// Allocations by operator new that are alive in the whole program.
 long living_allocations();
 

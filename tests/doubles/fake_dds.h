@@ -32,12 +32,16 @@ public:
   DdsStandIn(const DdsStandIn&) = delete;
   DdsStandIn& operator=(const DdsStandIn&) = delete;
 
-  /// The step gives nil or RETCODE_ERROR from now on; "narrow_writer": writers are made that have no type.
+  /// The step gives nil or RETCODE_ERROR from now on; "narrow_writer": writers are made that have no type. Deletions
+  /// that are refused are made all the same.
   DdsStandIn& refuses(const std::string& step);
   /// Every such step from now on runs `action` first.
   DdsStandIn& runs_first(const std::string& step, std::function<void()> action);
   /// The real entity is made, and `action` runs before the step returns.
   DdsStandIn& runs_last(const std::string& step, std::function<void()> action);
+
+  /// The next reader is made, and this one is returned in its stead. Takes over the reference.
+  DdsStandIn& hands_out(DDS::DataReader_ptr reader);
 
   DDS::DomainParticipant_ptr participant() const;
 
@@ -48,6 +52,8 @@ public:
   DDS::DataReaderListener_ptr reader_listener() const;
   /// The status masks of all that was made, and whether any of it but the reader was given a listener.
   std::set<DDS::StatusMask> masks() const;
+  /// Writers made here that somebody still refers to.
+  unsigned int living_writers() const;
   bool listeners_given() const;
 
   /// What the stand-ins share.

@@ -22,6 +22,11 @@ public:
   }
   void end(const std::string& step) { run(last, step); }
 
+  /// What a deletion returns that has given `result`.
+  DDS::ReturnCode_t unless_refused(const std::string& step, DDS::ReturnCode_t result) {
+    return is_refused(step) ? DDS::RETCODE_ERROR : result;
+  }
+
   bool is_refused(const std::string& step) {
     const std::lock_guard<std::mutex> lock(mutex);
     return refused.count(step) != 0;
@@ -44,6 +49,8 @@ public:
   DDS::DataReaderQos reader_qos{};
   DDS::DataReaderListener_var reader_listener;
   std::set<DDS::StatusMask> masks;
+  DDS::DataReader_var handed_out;
+  std::atomic<unsigned int> living_writers{0};
   bool listeners_given = false;
 
 private:

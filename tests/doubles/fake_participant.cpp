@@ -21,7 +21,7 @@ public:
   }
   DDS::ReturnCode_t delete_publisher(DDS::Publisher_ptr publisher) override {
     state_->begin("delete_publisher");
-    return real_->delete_publisher(behind(publisher));
+    return state_->unless_refused("delete_publisher", real_->delete_publisher(behind(publisher)));
   }
   DDS::Subscriber_ptr create_subscriber(const DDS::SubscriberQos& qos, DDS::SubscriberListener_ptr listener,
                                         DDS::StatusMask mask) override {
@@ -33,7 +33,7 @@ public:
   }
   DDS::ReturnCode_t delete_subscriber(DDS::Subscriber_ptr subscriber) override {
     state_->begin("delete_subscriber");
-    return real_->delete_subscriber(behind(subscriber));
+    return state_->unless_refused("delete_subscriber", real_->delete_subscriber(behind(subscriber)));
   }
   DDS::Topic_ptr create_topic(const char* name, const char* type, const DDS::TopicQos& qos,
                               DDS::TopicListener_ptr listener, DDS::StatusMask mask) override {
@@ -46,7 +46,7 @@ public:
   DDS::ReturnCode_t delete_topic(DDS::Topic_ptr topic) override {
     const CORBA::String_var name = topic->get_name();
     state_->begin("delete_topic", std::string(" ") + name.in());
-    return real_->delete_topic(topic);
+    return state_->unless_refused("delete_topic", real_->delete_topic(topic));
   }
 
   DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }
@@ -82,6 +82,12 @@ DdsStandIn& DdsStandIn::runs_last(const std::string& step, std::function<void()>
   return *this;
 }
 
+DdsStandIn& DdsStandIn::hands_out(DDS::DataReader_ptr reader) {
+  const std::lock_guard<std::mutex> lock(state_->mutex);
+  state_->handed_out = reader;
+  return *this;
+}
+
 DDS::DomainParticipant_ptr DdsStandIn::participant() const {
   return participant_.in();
 }
@@ -104,6 +110,10 @@ DDS::DataReaderListener_ptr DdsStandIn::reader_listener() const {
 std::set<DDS::StatusMask> DdsStandIn::masks() const {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   return state_->masks;
+}
+
+unsigned int DdsStandIn::living_writers() const {
+  return state_->living_writers;
 }
 
 bool DdsStandIn::listeners_given() const {

@@ -5,13 +5,17 @@ namespace doubles {
 namespace {
 
 using Boolean = Varnok::DDS_Attribute<bool>;
+
+/// What instances are registered as: a type without key needs no handle, so that the real writer may give none.
+constexpr DDS::InstanceHandle_t SOME_HANDLE = 4711;
 using State = std::shared_ptr<DdsStandIn::State>;
 
 /// A writer in front of a real one. `Interface` is DDS::DataWriter for one that has no type.
 template <typename Interface>
 class StandInWriter : public virtual OpenDDS::DCPS::LocalObject<Interface> {
 public:
-  StandInWriter(const State& state, DDS::DataWriter_ptr real) : state_(state), real_(real) {}
+  StandInWriter(const State& state, DDS::DataWriter_ptr real) : state_(state), real_(real) { ++state_->living_writers; }
+  ~StandInWriter() override { --state_->living_writers; }
 
   DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }
   DDS::ReturnCode_t get_publication_matched_status(DDS::PublicationMatchedStatus& status) override {
@@ -29,8 +33,11 @@ public:
       : StandInWriter(state, real), typed_(Boolean::DataWriter::_narrow(real)) {}
 
   DDS::InstanceHandle_t register_instance(const Boolean::Sample& sample) override {
-    state_->begin("register_instance", " " + text_of(sample));
-    return typed_->register_instance(sample);
+    if (!state_->begin("register_instance", " " + text_of(sample))) {
+      return DDS::HANDLE_NIL;
+    }
+    typed_->register_instance(sample);
+    return SOME_HANDLE;
   }
   DDS::ReturnCode_t unregister_instance(const Boolean::Sample& sample, DDS::InstanceHandle_t handle) override {
     return typed_->unregister_instance(sample, handle);
@@ -83,8 +90,9 @@ public:
     return real_->get_default_datawriter_qos(qos);
   }
   DDS::ReturnCode_t delete_contained_entities() override {
-    state_->begin("delete_contained_entities of publisher");
-    return real_->delete_contained_entities();
+    const char step[] = "delete_contained_entities of publisher";
+    state_->begin(step);
+    return state_->unless_refused(step, real_->delete_contained_entities());
   }
 
   DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }

@@ -25,9 +25,10 @@ public:
     if (!state_->begin("create_datareader")) {
       return DDS::DataReader::_nil();
     }
-    DDS::DataReader_ptr const reader = real_->create_datareader(topic, qos, listener, mask);
+    DDS::DataReader_var reader = real_->create_datareader(topic, qos, listener, mask);
     state_->end("create_datareader");
-    return reader;
+    const std::lock_guard<std::mutex> lock(state_->mutex);
+    return CORBA::is_nil(state_->handed_out.in()) ? reader._retn() : state_->handed_out._retn();
   }
   DDS::ReturnCode_t get_default_datareader_qos(DDS::DataReaderQos& qos) override {
     if (!state_->begin("get_default_datareader_qos")) {
@@ -36,11 +37,14 @@ public:
     return real_->get_default_datareader_qos(qos);
   }
   DDS::ReturnCode_t delete_contained_entities() override {
-    state_->begin("delete_contained_entities of subscriber");
+    const char step[] = "delete_contained_entities of subscriber";
+    state_->begin(step);
     const DDS::ReturnCode_t result = real_->delete_contained_entities();
-    const std::lock_guard<std::mutex> lock(state_->mutex);
-    state_->reader_listener = DDS::DataReaderListener::_nil();
-    return result;
+    {
+      const std::lock_guard<std::mutex> lock(state_->mutex);
+      state_->reader_listener = DDS::DataReaderListener::_nil();
+    }
+    return state_->unless_refused(step, result);
   }
 
   DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }

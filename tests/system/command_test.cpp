@@ -2,7 +2,7 @@
 
 #include <signal.h>
 
-#include "tests/system/command_line.h"
+#include "tests/system/command_fixture.h"
 
 namespace {
 
@@ -12,26 +12,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 namespace fs = std::filesystem;
 
-class CommandTest : public testing::Test {
+/// A unit of which the user can be asked.
+class DialogTest : public CommandTest {
 protected:
-  CommandTest() : run_({built_program("unit"), "run", "--json", "--state", state_}) {
-    if (!eventually([this] { return run_.out().find('\n') != std::string::npos; })) {
-      throw std::runtime_error("no unit runs: " + run_.err());
-    }
-  }
-  ~CommandTest() override {
-    run_.kill(SIGTERM);
-    run_.wait();
-    fs::remove_all(state_);
-  }
-
-  /// A command on that unit.
-  Ending command(const std::string& name, const std::vector<std::string>& arguments, const std::string& input = {}) {
-    std::vector<std::string> line{name, "--unit-state", state_};
-    line.insert(line.end(), arguments.begin(), arguments.end());
-    return unit_command(line, input);
-  }
-
   /// The question, once it is on the screen.
   json question() {
     json shown;
@@ -41,9 +24,6 @@ protected:
     }));
     return shown[0];
   }
-
-  const std::string state_ = "/tmp/unit-test-command-" + std::to_string(getpid());
-  OutsideProgram run_;
 };
 
 TEST_F(CommandTest, GetPrintsAValue) {
@@ -84,7 +64,7 @@ TEST_F(CommandTest, InterruptReachesTheLibrary) {
   EXPECT_TRUE(eventually([this] { return command("get", {"sysfs.bl_power"}).out == "0\n"; }));
 }
 
-TEST_F(CommandTest, TheQuestionIsShownAndAnswered) {
+TEST_F(DialogTest, TheQuestionIsShownAndAnswered) {
   command("interrupt", {"256"});
   const json shown = question();
   EXPECT_EQ(shown["title"], "System Prompt");
@@ -130,6 +110,11 @@ TEST(ExecTest, TheCommandGetsItsEnvironmentAndItsInput) {
   EXPECT_THAT(ending, ExitedWith(0));
   EXPECT_EQ(ending.out, "in\nhello\n");
   EXPECT_EQ(ending.err, "");
+}
+
+TEST(ExecTest, WordsInBracketsAreTakenAsTheyAre) {
+  EXPECT_EQ(unit_command({"exec", "--", "echo", "[a,b]", "[c]"}).out, "[a,b] [c]\n");
+  EXPECT_THAT(unit_command({"exec", "--", "sh", "-c", "[ -d /tmp ]"}), ExitedWith(0));
 }
 
 TEST(ExecTest, BadUsageIsRefused) {

@@ -119,6 +119,10 @@ struct Refused {
   std::string reason;
 };
 
+void PrintTo(const Refused& refused, std::ostream* stream) {
+  *stream << refused.text << ": " << refused.reason;
+}
+
 class RefusedUnitFileTest : public testing::TestWithParam<Refused> {};
 
 TEST_P(RefusedUnitFileTest, NothingStarts) {

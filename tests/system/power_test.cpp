@@ -105,6 +105,10 @@ struct Corrected {
   int battery_present;
 };
 
+void PrintTo(const Corrected& corrected, std::ostream* stream) {
+  *stream << "charger status " << corrected.charger_status << " makes it " << corrected.charge;
+}
+
 class CorrectedChargeTest : public PowerTest, public testing::WithParamInterface<Corrected> {};
 
 TEST_P(CorrectedChargeTest, TheLastChargerStatusCorrectsTheCharge) {

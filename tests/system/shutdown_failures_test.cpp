@@ -19,6 +19,10 @@ struct Failing {
   std::string errors;
 };
 
+void PrintTo(const Failing& failing, std::ostream* stream) {
+  *stream << failing.name;
+}
+
 class FailingServiceTest : public ShutdownTest, public testing::WithParamInterface<Failing> {};
 
 TEST_P(FailingServiceTest, TheUnitIsShutDownAllTheSame) {
@@ -80,6 +84,10 @@ struct FailingCall {
   Fault fault;
   std::vector<std::string> calls;
 };
+
+void PrintTo(const FailingCall& failing_call, std::ostream* stream) {
+  *stream << simulator::model::name_of(failing_call.point) << ": " << testing::PrintToString(failing_call.calls);
+}
 
 class FailingCallTest : public ShutdownTest, public testing::WithParamInterface<FailingCall> {};
 

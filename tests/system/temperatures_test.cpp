@@ -186,6 +186,10 @@ struct Shown {
   json celsius;
 };
 
+void PrintTo(const Shown& shown, std::ostream* stream) {
+  *stream << shown.setting << " " << shown.value << " makes \"" << shown.name << "\" " << shown.celsius;
+}
+
 class ShownTemperaturesTest : public TemperaturesTest, public testing::WithParamInterface<Shown> {};
 
 TEST_P(ShownTemperaturesTest, ARowShowsItsValue) {

@@ -1,6 +1,9 @@
 // The version list of the real library against what the unit holds.
 
 #include <signal.h>
+#include <sys/stat.h>
+
+#include <fstream>
 
 #include "tests/system/unit_fixture.h"
 
@@ -116,6 +119,21 @@ TEST_F(VersionsTest, AnotherProgramThatHoldsTheBoardIsWaitedForAndItsDeathGivesT
   EXPECT_EQ(host_->out().find("SysLockfail"), std::string::npos);
 }
 
+// The file is a pipe, which the list waits for: opening it returns once the list has opened it too.
+TEST_F(VersionsTest, AnotherProgramGetsTheBoardWhileAFileIsRead) {
+  host_.emplace(unit_.start().host());
+  const std::filesystem::path path = unit_.outside("/sys/class/omappci/FPGA_ver");
+  std::filesystem::remove(path);
+  ASSERT_EQ(mkfifo(path.c_str(), 0644), 0);
+  const OpenCall open = host_->begin("GetVersionList");
+  std::ofstream file(path);
+  unit_.run({"lock_holder"}).wait_for("lock 0\n");
+  EXPECT_FALSE(open.answered());
+  file << "1.3 rev4\n" << std::flush;
+  file.close();
+  EXPECT_EQ(json::parse(open.answer())["versions"][6]["version"], "1.3 rev4");
+}
+
 TEST_F(VersionsTest, ATooShortPowerSupplyVersionIsMissing) {
   unit_.set("power_supply.software_version", 12);
   EXPECT_EQ(versions()[9], json::parse(R"json({"name":"Power Supply Version","version":""})json"));
@@ -148,6 +166,10 @@ struct Shown {
   std::size_t row;
   std::string version;
 };
+
+void PrintTo(const Shown& shown, std::ostream* stream) {
+  *stream << shown.setting << " " << shown.value << " shows \"" << shown.version << "\" in row " << shown.row;
+}
 
 class ShownVersionsTest : public VersionsTest, public testing::WithParamInterface<Shown> {};
 

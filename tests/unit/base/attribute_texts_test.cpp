@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <new>
 #include <string>
 
+#include "tests/doubles/failing_allocation.h"
 #include "tests/unit/base/plain_hardware.h"
 
 namespace {
@@ -17,6 +19,21 @@ protected:
   std::string text_of(Arguments... arguments) {
     const Text text(unit_.attrib_enum_str_helper(arguments...));
     return text.get();
+  }
+
+  /// How many bytes the text's buffer is made with: the size at which an allocation that fails makes the call fail.
+  /// The arguments are short enough to need no allocation of their own.
+  template <typename... Arguments>
+  std::size_t buffer_size(Arguments... arguments) {
+    for (std::size_t size = 1; size < 100; ++size) {
+      try {
+        const doubles::FailingAllocation failing(1, size);
+        const Text text(unit_.attrib_enum_str_helper(arguments...));
+      } catch (const std::bad_alloc&) {
+        return size;
+      }
+    }
+    return 0;
   }
 };
 
@@ -62,6 +79,28 @@ TEST_F(AttributeTextsTest, AnEmptyTextGivesTheEmptyText) {
 
 TEST_F(AttributeTextsTest, APercentSignOfTheSingleTextIsExpanded) {
   EXPECT_EQ(text_of(std::string("Duty 50%%")), "Duty 50%");
+}
+
+TEST_F(AttributeTextsTest, TheBufferOfLabelAndValueHasFourBytesMoreThanTheTwo) {
+  EXPECT_EQ(buffer_size(std::string("Mode"), std::string("Auto 1")), 4U + 6U + 4U);
+  EXPECT_EQ(buffer_size(std::string("Mode"), std::string()), 4U + 4U);
+}
+
+TEST_F(AttributeTextsTest, TheBufferOfAnEmptyLabelHasFiveBytes) {
+  EXPECT_EQ(buffer_size(std::string(), std::string("Auto 1")), 5U);
+}
+
+TEST_F(AttributeTextsTest, TheBufferOfANumberHasNineteenBytesMoreThanItsLabel) {
+  EXPECT_EQ(buffer_size(std::string("Mode"), 255), 4U + 19U);
+  EXPECT_EQ(buffer_size(std::string(), -1), 19U);
+}
+
+TEST_F(AttributeTextsTest, TheBufferOfASingleTextHasOneByteMoreThanTheText) {
+  EXPECT_EQ(buffer_size(std::string("Duty 50%%")), 9U + 1U);
+}
+
+TEST_F(AttributeTextsTest, TheBufferOfAnEmptyTextHasTwoBytes) {
+  EXPECT_EQ(buffer_size(std::string()), 2U);
 }
 
 TEST_F(AttributeTextsTest, EveryCallGivesABufferOfItsOwn) {

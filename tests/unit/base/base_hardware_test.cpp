@@ -189,6 +189,10 @@ struct Setter {
   void (BASE_HARDWARE::*set)(int);
 };
 
+void PrintTo(const Setter& setter, std::ostream* stream) {
+  *stream << '"' << setter.line << '"';
+}
+
 class BaseHardwareSetterTest : public BaseHardwareTest, public testing::WithParamInterface<Setter> {};
 
 TEST_P(BaseHardwareSetterTest, PrintsItsLineWithoutItsArgument) {

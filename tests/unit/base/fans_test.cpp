@@ -134,6 +134,15 @@ TEST(FansTest, AdjustFanSpeedsOnlyPrints) {
   EXPECT_EQ(output.out(), "");
 }
 
+TEST(FansTest, ConstructionPrintsItsLineBeforeItFillsTheList) {
+  const CapturedOutput output;
+  {
+    const doubles::FailingAllocation failing(1, sizeof(BASE_HARDWARE::FAN_STATES));
+    EXPECT_THROW(PlainHardware(1), std::bad_alloc);
+  }
+  EXPECT_EQ(output.out().rfind("BASE_HARDWARE::BASE_HARDWARE1 0x", 0), 0U) << output.out();
+}
+
 TEST(FansTest, AnAllocationThatFailsWhileTheListIsFilledLeavesTheConstructorAndLeavesNothingBehind) {
   const CapturedOutput unheard;
   const long before = doubles::living_allocations();

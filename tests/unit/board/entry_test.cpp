@@ -164,6 +164,20 @@ TEST_F(EntryDeathTest, ABoardThatCannotBeOpenedEndsTheHostWithStatusOne) {
       ExitedWithCode(1), Eq(" HARDWARE::Init  critical error opening device, errno=-19\n"));
 }
 
+// What is registered before the load runs after everything that the library does at the end of its process.
+TEST_F(EntryDeathTest, TheObjectIsNeverDestroyed) {
+  EXPECT_EXIT(
+      {
+        [[maybe_unused]] static auto& board = *new FakeRadalt;
+        [[maybe_unused]] static auto& driver = *new FakePsdriver;
+        static const doubles::ReleaseWatch object(sizeof(HARDWARE));
+        std::atexit([] { leave(object.has_begun() && !object.has_ended() && Hardware); });
+        load();
+        std::exit(0);
+      },
+      ExitedWithCode(AS_EXPECTED), Eq(""));
+}
+
 TEST_F(EntryDeathTest, AnExceptionOfTheConstructionLeavesTheLoadAndHardwareNull) {
   EXPECT_EXIT(
       {

@@ -1,3 +1,4 @@
+#include "tests/doubles/fake_time.h"
 #include "tests/doubles/hexadecimal_streams.h"
 #include "tests/unit/board/unit_under_test.h"
 #include "varnok_errors.h"
@@ -136,6 +137,10 @@ struct PendingBit {
   unsigned int bit;
 };
 
+void PrintTo(const PendingBit& pending_bit, std::ostream* stream) {
+  *stream << "address " << pending_bit.address << " is bit " << pending_bit.bit;
+}
+
 class PendingBitTest : public BoardRegistersTest, public testing::WithParamInterface<PendingBit> {};
 
 TEST_P(PendingBitTest, TheTransferIsOverAsSoonAsItsOwnBitIsClear) {
@@ -190,6 +195,24 @@ TEST_F(BoardRegistersTest, APendingBitThatNeverClearsEndsAfterAHundredReadsWithZ
   EXPECT_EQ(calls().all(), expected);
   EXPECT_EQ(output.out(), "");
   EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(BoardRegistersTest, NoTimePassesBetweenTheReadsOfTheRequestRegister) {
+  board_.transfer_never_ends();
+  const doubles::PlayedTime time;
+  unit_->Peek_RFregister(196);
+  const auto times = board_.access_times();
+  ASSERT_EQ(times.size(), 101U);
+  // The played clock moves on with each reading; the board's own are the only ones.
+  for (std::size_t poll = 2; poll < times.size(); ++poll) {
+    EXPECT_EQ(times[poll] - times[poll - 1], std::chrono::nanoseconds(1)) << "before read " << poll;
+  }
+}
+
+TEST_F(BoardRegistersTest, AWriteThatFailsDoesNotEndTheTransfer) {
+  board_.holds(1, 128, 42).write_fails(-5);
+  EXPECT_EQ(unit_->Peek_RFregister(128), 42U);
+  EXPECT_THAT(calls().all(), ElementsAre("write 1 252 128", "read 1 252", "read 1 128"));
 }
 
 TEST_F(BoardRegistersTest, APendingBitThatClearsAtTheHundredthReadStillGivesTheRegister) {

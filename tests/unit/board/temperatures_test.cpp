@@ -112,6 +112,10 @@ struct Selection {
   const char* write;
 };
 
+void PrintTo(const Selection& selection, std::ostream* stream) {
+  *stream << "channel " << selection.channel << " is \"" << selection.write << '"';
+}
+
 class SelectionTest : public BoardTemperaturesTest, public testing::WithParamInterface<Selection> {};
 
 TEST_P(SelectionTest, OnlyTheLowThreeBitsOfTheChannelCount) {
@@ -139,6 +143,15 @@ TEST_F(BoardTemperaturesTest, ALockThatFailsDoesNotStopTheConversionNorItsUnlock
 TEST_F(RfTempTest, ChannelTwoIsAskedThroughTheVirtualOperation) {
   row_of(8191);
   EXPECT_EQ(adc_unit_->asked_channel, 2U);
+}
+
+TEST_F(RfTempTest, TheLockIsLeftToTheConversion) {
+  calls().clear();
+  row_of(8191);
+  EXPECT_EQ(calls().all(), Calls());
+  unit_->rftemp();
+  EXPECT_EQ(calls().count("lock"), 1U);
+  EXPECT_EQ(calls().count("unlock"), 1U);
 }
 
 TEST_F(RfTempTest, RawZeroIsFiftyBelowAndInvalid) {

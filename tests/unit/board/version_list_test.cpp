@@ -1,3 +1,8 @@
+#include <sys/stat.h>
+
+#include <fstream>
+#include <future>
+
 #include "tests/doubles/fixed_files.h"
 #include "tests/unit/board/unit_under_test.h"
 
@@ -73,6 +78,31 @@ TEST_F(VersionListTest, TheLockIsHeldForEachBoardsThreeReadsAndNotForFilesOrPowe
                           "lock", "read 1 0", "read 1 4", "read 1 8", "unlock", "GetSoftwareVersionNumber"));
 }
 
+class LockWhileReadingTest : public VersionListTest, public testing::WithParamInterface<const char*> {};
+
+// The file is a pipe: opening it for writing returns once the list has opened it for reading, and the list waits for
+// what is written.
+TEST_P(LockWhileReadingTest, TheBoardIsFreeWhileAFileIsRead) {
+  remove_file(GetParam());
+  ASSERT_EQ(mkfifo(GetParam(), 0600), 0);
+  const std::future<void> listing = std::async(std::launch::async, [this] { list(); });
+  std::ofstream file(GetParam());
+  EXPECT_EQ(calls().count("lock"), 2U);
+  EXPECT_EQ(calls().count("unlock"), 2U);
+  EXPECT_EQ(calls().all().back(), "unlock");
+  file << "1\n" << std::flush;
+  file.close();
+  listing.wait();
+  EXPECT_EQ(calls().all().back(), "GetSoftwareVersionNumber");
+  remove_file(GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, LockWhileReadingTest, testing::Values(FPGA_FILE, BOARD_FILE, CPLD_FILE),
+                         [](const auto& file) {
+                           const std::string path = file.param;
+                           return path.substr(path.rfind('/') + 1);
+                         });
+
 TEST_F(VersionListTest, ALockThatFailsIsReportedAndTheListIsFull) {
   board_.lock_fails(-35).unlock_fails(-1);
   const CapturedOutput output;
@@ -108,6 +138,10 @@ struct Card {
   const char* shown;
 };
 
+void PrintTo(const Card& card, std::ostream* stream) {
+  *stream << card.identifier << " shows \"" << card.shown << '"';
+}
+
 class RfCardTest : public VersionListTest, public testing::WithParamInterface<Card> {};
 
 TEST_P(RfCardTest, TheIdentifierCarriesItsModel) {
@@ -139,6 +173,10 @@ struct Firmware {
   unsigned int word;
   const char* text;
 };
+
+void PrintTo(const Firmware& firmware, std::ostream* stream) {
+  *stream << "word " << firmware.word << " reads \"" << firmware.text << '"';
+}
 
 class FirmwareTest : public VersionListTest, public testing::WithParamInterface<Firmware> {};
 

@@ -108,6 +108,10 @@ struct PlainReply {
   interprocess_semaphore* semaphore;
 };
 
+void PrintTo(const PlainReply& plain_reply, std::ostream* stream) {
+  *stream << plain_reply.name;
+}
+
 class PlainReplyTest : public HandheldSurroundings, public testing::WithParamInterface<PlainReply> {};
 
 TEST_P(PlainReplyTest, StoresItsArgumentAndPostsItsSemaphoreOnce) {
@@ -152,6 +156,10 @@ struct Charge {
   int reported;
   int stored;
 };
+
+void PrintTo(const Charge& charge, std::ostream* stream) {
+  *stream << charge.reported << " with charger status " << charge.status << " is " << charge.stored;
+}
 
 class ChargeTest : public HandheldSurroundings, public testing::WithParamInterface<Charge> {};
 

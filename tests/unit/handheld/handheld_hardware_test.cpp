@@ -73,7 +73,7 @@ TEST_F(HandheldHardwareTest, TheSubscriberConnectsToTheDoneLoadingTopicInTheBack
 TEST_F(HandheldHardwareTest, TheSubscriberIsMadeBeforeThePublisher) {
   DdsStandIn dds;
   const ParticipantInUse in_use(dds.participant());
-  dds.runs_first("create_publisher", [] { calls().wait_for("dds create_datareader"); });
+  dds.runs_first("create_publisher", [] { EXPECT_TRUE(calls().wait_for("dds create_datareader")); });
   const PlainHandheld unit;
   EXPECT_LT(place_of("dds create_datareader"), place_of(VOLTAGE_TOPIC));
 }

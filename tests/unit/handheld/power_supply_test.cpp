@@ -8,6 +8,7 @@
 #include <boost/interprocess/exceptions.hpp>
 
 #include "tests/doubles/fake_dds.h"
+#include "tests/doubles/waiting_thread.h"
 #include "tests/unit/handheld/handheld_under_test.h"
 #include "varnok_errors.h"
 
@@ -19,6 +20,7 @@ using doubles::CapturedOutput;
 using doubles::DdsStandIn;
 using doubles::ParticipantInUse;
 using doubles::sent_events;
+using doubles::WaitingThread;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -30,7 +32,7 @@ protected:
   PowerSupplyTest() {
     unit_ = std::make_unique<PlainHandheld>();
     unit_->InitHardware();
-    calls().wait_for("dds create_datareader");
+    EXPECT_TRUE(calls().wait_for("dds create_datareader"));
     calls().clear();
     trace_ = output_.out();
   }
@@ -158,6 +160,10 @@ struct ChargeFailure {
   std::size_t requests;
 };
 
+void PrintTo(const ChargeFailure& charge_failure, std::ostream* stream) {
+  *stream << charge_failure.request << " leaves " << charge_failure.charge;
+}
+
 class ChargeFailureTest : public PowerSupplyTest, public testing::WithParamInterface<ChargeFailure> {};
 
 TEST_P(ChargeFailureTest, IsOneEventAndFalse) {
@@ -189,6 +195,10 @@ struct Version {
   int reply;
   const char* text;
 };
+
+void PrintTo(const Version& version, std::ostream* stream) {
+  *stream << version.reply << " reads \"" << version.text << '"';
+}
 
 class VersionTest : public PowerSupplyTest, public testing::WithParamInterface<Version> {};
 
@@ -258,18 +268,15 @@ TEST_F(PowerSupplyTest, AReplyThatNobodyAwaitedSatisfiesTheNextRequestWithItsOld
 
 TEST_F(PowerSupplyTest, ARequestReturnsOnlyWhenItsReplyHasArrived) {
   driver_.stays_silent("GetCharger_BatteryStatus");
-  std::atomic<bool> returned{false};
-  std::future<bool> request = std::async(std::launch::async, [&] {
-    const bool result = unit_->GetChargerStatus();
-    returned = true;
-    return result;
-  });
-  ASSERT_TRUE(calls().wait_for("GetCharger_BatteryStatus"));
+  bool result = false;
+  WaitingThread request([&] { result = unit_->GetChargerStatus(); });
+  EXPECT_TRUE(calls().wait_for("GetCharger_BatteryStatus"));
+  EXPECT_TRUE(request.waits());
   driver_.deliver("SetBatteryTemperatureCallback", 20);
-  EXPECT_EQ(request.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
-  EXPECT_FALSE(returned);
+  EXPECT_TRUE(request.waits());
   driver_.deliver(CHARGER_REPLY, 0x01);
-  EXPECT_TRUE(request.get());
+  request.join();
+  EXPECT_TRUE(result);
   EXPECT_THAT(published(), ElementsAre("dds write true 0 0 0 0"));
 }
 
@@ -281,35 +288,34 @@ TEST_F(PowerSupplyTest, AWaitThatTheSystemEndsThrowsToTheCaller) {
   interrupting.sa_handler = &nothing_to_do;
   sigaction(SIGUSR1, &interrupting, &kept);
   driver_.stays_silent("GetCharger_BatteryStatus");
-  std::atomic<int> error{0};
-  std::atomic<bool> ended{false};
-  std::thread waiting([&] {
+  int error = 0;
+  WaitingThread request([&] {
     try {
       unit_->GetChargerStatus();
     } catch (const boost::interprocess::interprocess_exception& exception) {
       error = exception.get_native_error();
     }
-    ended = true;
   });
-  calls().wait_for("GetCharger_BatteryStatus");
-  while (!ended) {
-    pthread_kill(waiting.native_handle(), SIGUSR1);
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  EXPECT_TRUE(calls().wait_for("GetCharger_BatteryStatus"));
+  while (request.waits()) {
+    pthread_kill(request.handle(), SIGUSR1);
   }
-  waiting.join();
+  request.join();
   sigaction(SIGUSR1, &kept, nullptr);
   EXPECT_EQ(error, EINTR);
   EXPECT_THAT(sent_events(), IsEmpty());
 }
 
 TEST_F(PowerSupplyTest, TwoThreadsThatAskAtOnceBothGetAnAnswer) {
-  driver_.answers("GetBatteryRelativeStateOfCharge", 57);
+  driver_.answers("GetBatteryRelativeStateOfCharge", 57).holds_replies();
   const auto ask = [this] {
     int charge = -1;
     return unit_->GetBatteryChargeStatus(charge) ? charge : -2;
   };
   std::future<int> one = std::async(std::launch::async, ask);
   std::future<int> other = std::async(std::launch::async, ask);
+  EXPECT_TRUE(calls().wait_for("GetBatteryRelativeStateOfCharge", 2));
+  driver_.release();
   EXPECT_EQ(one.get(), 57);
   EXPECT_EQ(other.get(), 57);
 }

@@ -1,15 +1,19 @@
 #include "handheld/precise_wait.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/prctl.h>
 
 #include <boost/thread/thread_time.hpp>
+
+#include "tests/doubles/fake_time.h"
 
 namespace {
 
 using boost::get_system_time;
 using boost::posix_time::microseconds;
 using handheld::wait_for;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 TEST(PreciseWaitTest, TheDurationHasPassedWhenItReturns) {
   for (const int wait : {0, 1, 39, 40, 41, 50, 200, 5000}) {
@@ -21,6 +25,19 @@ TEST(PreciseWaitTest, TheDurationHasPassedWhenItReturns) {
 
 TEST(PreciseWaitTest, ANegativeDurationReturns) {
   wait_for(microseconds(-1000000));
+}
+
+TEST(PreciseWaitTest, TheSleepEndsFortyMicrosecondsBeforeTheDeadline) {
+  const doubles::PlayedTime time;
+  wait_for(microseconds(5000));
+  wait_for(microseconds(50));
+  EXPECT_THAT(time.sleeps(), ElementsAre(std::chrono::microseconds(4960), std::chrono::microseconds(10)));
+}
+
+TEST(PreciseWaitTest, AWaitOfFortyMicrosecondsIsSpentAwake) {
+  const doubles::PlayedTime time;
+  wait_for(microseconds(40));
+  EXPECT_THAT(time.sleeps(), IsEmpty());
 }
 
 TEST(PreciseWaitTest, TheThreadsTimerSlackIsLeftAsItWas) {

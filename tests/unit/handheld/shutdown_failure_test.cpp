@@ -159,6 +159,10 @@ struct FailingStep {
   std::vector<std::string> missing;
 };
 
+void PrintTo(const FailingStep& failing_step, std::ostream* stream) {
+  *stream << failing_step.operation << " leaves out " << testing::PrintToString(failing_step.missing);
+}
+
 class FailingStepTest : public ShutdownFailureTest, public testing::WithParamInterface<FailingStep> {
 protected:
   void expect_the_rest() {

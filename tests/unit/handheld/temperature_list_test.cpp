@@ -180,6 +180,10 @@ struct Reading {
   int degrees;
 };
 
+void PrintTo(const Reading& reading, std::ostream* stream) {
+  *stream << testing::PrintToString(reading.text) << " is " << reading.degrees;
+}
+
 class Mic284Test : public TemperatureListTest, public testing::WithParamInterface<Reading> {};
 
 TEST_P(Mic284Test, IsReadAsHexadecimalWithItsLowByteSigned) {
@@ -341,6 +345,27 @@ TEST_F(TemperatureListTest, WithoutMic284RowAndBatteryAnEmptyMonitorFileRepeatsT
   charge_status = 0x10;
   put_file(OMAP_FILE, "");
   EXPECT_EQ(row("Slot 1 OMAP Temperature"), "0");
+}
+
+TEST_F(TemperatureListTest, AfterASupplyFailureAnEmptyMonitorFileRepeatsTheBatterysValue) {
+  tool_writes_ = false;
+  driver_.fails("GetPowerSupplyTemperatureValue");
+  put_file(OMAP_FILE, "");
+  EXPECT_EQ(row("Slot 1 OMAP Temperature"), "31");
+}
+
+TEST_F(TemperatureListTest, AfterABatteryFailureAnEmptyMonitorFileRepeatsTheSupplysValue) {
+  tool_writes_ = false;
+  driver_.fails("GetBatteryTemperature");
+  put_file(OMAP_FILE, "");
+  EXPECT_EQ(row("Slot 1 OMAP Temperature"), "25.3");
+}
+
+TEST_F(TemperatureListTest, AfterBothFailuresAnEmptyMonitorFileRepeatsTheRfBoardsValue) {
+  tool_writes_ = false;
+  driver_.fails("GetPowerSupplyTemperatureValue").fails("GetBatteryTemperature");
+  put_file(OMAP_FILE, "");
+  EXPECT_EQ(row("Slot 1 OMAP Temperature"), "41.5");
 }
 
 TEST_F(TemperatureListTest, WithFourRowsTheListIsAsShortAsItGets) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -48,13 +49,18 @@ public:
     topic_.participant()->delete_publisher(publisher_.in());
   }
 
-  /// Waits until a reader has joined.
-  void wait_for_reader() const {
+  /// Waits until a reader has joined. Throws std::runtime_error when none does within ten seconds.
+  void wait_for_reader() const { wait_for_readers(1); }
+  void wait_for_readers(int count) const {
     DDS::PublicationMatchedStatus status{};
-    for (int tries = 0; tries < 10000 && status.current_count == 0; ++tries) {
+    for (int tries = 0; tries < 10000; ++tries) {
       writer_->get_publication_matched_status(status);
+      if (status.current_count >= count) {
+        return;
+      }
       boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::milliseconds(1));
     }
+    throw std::runtime_error("only " + std::to_string(status.current_count) + " readers have joined");
   }
   DDS::ReturnCode_t write() { return writer_->write(typename Attribute::Sample(), DDS::HANDLE_NIL); }
   DDS::ReturnCode_t dispose() { return writer_->dispose(typename Attribute::Sample(), DDS::HANDLE_NIL); }
@@ -66,15 +72,17 @@ private:
   typename Attribute::DataWriter_var writer_;
 };
 
-/// Reads the samples of a topic, those of writers that were there before it included.
+/// Reads the samples of a topic; with the usual durability, those of writers that were there before it included.
 template <typename Attribute>
 class AttributeReader {
 public:
-  explicit AttributeReader(const char* name) : topic_(name) {
+  explicit AttributeReader(const char* name,
+                           DDS::DurabilityQosPolicyKind durability = DDS::TRANSIENT_LOCAL_DURABILITY_QOS)
+      : topic_(name) {
     subscriber_ = topic_.participant()->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(), 0);
     DDS::DataReaderQos qos = TheServiceParticipant->initial_DataReaderQos();
     subscriber_->get_default_datareader_qos(qos);
-    qos.durability.kind = DDS::TRANSIENT_LOCAL_DURABILITY_QOS;
+    qos.durability.kind = durability;
     qos.reliability.kind = DDS::RELIABLE_RELIABILITY_QOS;
     qos.history.kind = DDS::KEEP_ALL_HISTORY_QOS;
     const DDS::DataReader_var reader =

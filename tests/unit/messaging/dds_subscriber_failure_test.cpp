@@ -46,6 +46,10 @@ struct Refusal {
   std::function<std::string()> text;
 };
 
+void PrintTo(const Refusal& refusal, std::ostream* stream) {
+  *stream << refusal.step << " fails";
+}
+
 /// The base by itself, so that start-up can be run on the test's own thread. It is never destroyed: its destruction
 /// would wait for a start-up that never ends.
 class OpenBase : public Varnok::DDS_SubscriberBase<DDS_VoidMessage, void(const char*)> {

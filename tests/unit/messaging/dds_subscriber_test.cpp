@@ -9,6 +9,8 @@
 
 #include "tests/doubles/captured_output.h"
 #include "tests/doubles/fake_dds.h"
+#include "tests/doubles/gate.h"
+#include "tests/doubles/waiting_thread.h"
 #include "tests/unit/messaging/attribute_topic.h"
 
 namespace {
@@ -17,9 +19,12 @@ using doubles::calls;
 using doubles::Calls;
 using doubles::CapturedOutput;
 using doubles::DdsStandIn;
+using doubles::Gate;
 using doubles::ParticipantInUse;
 using doubles::ScriptedReader;
+using doubles::WaitingThread;
 using testing::ElementsAre;
+using testing::IsEmpty;
 using Varnok::DDS_Subscriber;
 using Varnok::DDS_VoidMessage;
 using VoidSubscriber = DDS_Subscriber<DDS_VoidMessage>;
@@ -38,22 +43,6 @@ std::string create_topic() {
 
 void hear(const char* topic) {
   calls().record(std::string("heard ") + topic);
-}
-
-/// A door that stays shut until it is opened.
-class Gate {
-public:
-  void open() { promise_.set_value(); }
-  void pass() const { opened_.wait(); }
-
-private:
-  std::promise<void> promise_;
-  std::shared_future<void> opened_ = promise_.get_future();
-};
-
-/// Whether `work` is still going on after a while.
-bool goes_on(const std::future<void>& work) {
-  return work.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout;
 }
 
 class DdsSubscriberTest : public testing::Test {
@@ -148,11 +137,11 @@ TEST_F(DdsSubscriberTest, WaitForInitDoneReturnsOnlyWhenStartUpIsDone) {
   Gate gate;
   dds_.runs_last("create_datareader", [&] { gate.pass(); });
   const VoidSubscriber subscriber(TOPIC, &hear);
-  const std::future<void> wait = std::async(std::launch::async, [&] { subscriber.waitForInitDone(); });
-  ASSERT_TRUE(calls().wait_for("dds create_datareader"));
-  EXPECT_TRUE(goes_on(wait));
+  WaitingThread user([&] { subscriber.waitForInitDone(); });
+  EXPECT_TRUE(calls().wait_for("dds create_datareader"));
+  EXPECT_TRUE(user.waits());
   gate.open();
-  wait.wait();
+  user.join();
   subscriber.waitForInitDone();
 }
 
@@ -206,15 +195,12 @@ TEST_F(DdsSubscriberTest, ASampleBeforeTheEndOfStartUpIsTakenAtOnceAndHeardAfter
   const DDS::DataReaderListener_var listener = dds_.reader_listener();
   auto* const reader = new ScriptedReader(DDS::RETCODE_OK, true, DDS::ALIVE_INSTANCE_STATE);
   const DDS::DataReader_var reference = reader;
-  const std::future<void> delivery = std::async(std::launch::async, [&] { listener->on_data_available(reader); });
-  for (int tries = 0; tries < 10000 && reader->takes() == 0; ++tries) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
+  WaitingThread delivery([&] { listener->on_data_available(reader); });
+  EXPECT_TRUE(delivery.waits());
   EXPECT_EQ(reader->takes(), 1U);
-  EXPECT_TRUE(goes_on(delivery));
   EXPECT_EQ(calls().count(HEARD), 0U);
   gate.open();
-  delivery.wait();
+  delivery.join();
   EXPECT_EQ(calls().count(HEARD), 1U);
 }
 
@@ -222,24 +208,30 @@ TEST_F(DdsSubscriberTest, SamplesThatArriveWhileStartUpIsHeldUpAreAllHeardAfterw
   Gate gate;
   dds_.runs_last("create_datareader", [&] { gate.pass(); });
   const VoidSubscriber subscriber(TOPIC, &hear);
+  const doubles::OpensAtEnd however_this_ends(gate);
+  AttributeReader<VoidAttribute> other(TOPIC, DDS::VOLATILE_DURABILITY_QOS);
   AttributeWriter<VoidAttribute> writer(TOPIC);
-  writer.wait_for_reader();
+  writer.wait_for_readers(2);
   for (int sample = 0; sample < 3; ++sample) {
     EXPECT_EQ(writer.write(), DDS::RETCODE_OK);
   }
-  EXPECT_EQ(calls().count(HEARD), 0U);
+  EXPECT_EQ(other.take(3).size(), 3U) << "the samples have gone out";
+  calls().clear();
+  calls().record("start-up goes on");
   gate.open();
   EXPECT_TRUE(calls().wait_for(HEARD, 3));
+  EXPECT_THAT(calls().all(), ElementsAre("start-up goes on", HEARD, HEARD, HEARD));
 }
 
 TEST_F(DdsSubscriberTest, DestructionRightAfterConstructionWaitsForStartUp) {
   Gate gate;
   dds_.runs_first("create_subscriber", [&] { gate.pass(); });
-  const std::future<void> life = std::async(std::launch::async, [] { const VoidSubscriber subscriber(TOPIC, &hear); });
-  ASSERT_TRUE(calls().wait_for("dds create_subscriber"));
-  EXPECT_TRUE(goes_on(life));
+  WaitingThread life([] { const VoidSubscriber subscriber(TOPIC, &hear); });
+  EXPECT_TRUE(calls().wait_for("dds create_subscriber"));
+  EXPECT_TRUE(life.waits());
+  EXPECT_THAT(calls().all(), ElementsAre("dds create_subscriber"));
   gate.open();
-  life.wait();
+  life.join();
   EXPECT_THAT(calls().all(), ElementsAre("dds create_subscriber", create_topic(), "dds get_default_datareader_qos",
                                          "dds create_datareader", "dds delete_contained_entities of subscriber",
                                          "dds delete_subscriber", DELETE_TOPIC));
@@ -251,13 +243,14 @@ TEST_F(DdsSubscriberTest, ASubscriberThatWaitsForItsStartUpHoldsUpEveryLaterDest
   ready->waitForInitDone();
   dds_.runs_first("create_subscriber", [&] { gate.pass(); });
   auto held_up = std::make_unique<VoidSubscriber>("Halcyra/local/Another", &hear);
-  const std::future<void> first = std::async(std::launch::async, [&] { held_up.reset(); });
-  EXPECT_TRUE(goes_on(first));
-  const std::future<void> second = std::async(std::launch::async, [&] { ready.reset(); });
-  EXPECT_TRUE(goes_on(second));
+  WaitingThread first([&] { held_up.reset(); });
+  EXPECT_TRUE(first.waits());
+  WaitingThread second([&] { ready.reset(); });
+  EXPECT_TRUE(second.waits());
+  EXPECT_THAT(calls().starting_with("dds delete"), IsEmpty());
   gate.open();
-  first.wait();
-  second.wait();
+  first.join();
+  second.join();
   EXPECT_THAT(calls().starting_with("dds delete_topic"),
               ElementsAre("dds delete_topic Halcyra/local/Another", DELETE_TOPIC));
 }
@@ -278,14 +271,20 @@ TEST_F(DdsSubscriberTest, DestructionWhileDataArrivesEndsTheCallsAndNothingElse)
     auto subscriber = std::make_unique<VoidSubscriber>(TOPIC, &hear);
     writer.wait_for_reader();
     std::atomic<bool> enough{false};
+    std::atomic<unsigned int> written{0};
     const std::future<void> writing = std::async(std::launch::async, [&] {
       while (!enough) {
         writer.write();
+        ++written;
       }
     });
-    ASSERT_TRUE(calls().wait_for(HEARD));
+    EXPECT_TRUE(calls().wait_for(HEARD));
     subscriber.reset();
     const unsigned int heard = calls().count(HEARD);
+    const unsigned int then = written;
+    while (written < then + 100) {
+      std::this_thread::yield();
+    }
     enough = true;
     writing.wait();
     EXPECT_EQ(calls().count(HEARD), heard);

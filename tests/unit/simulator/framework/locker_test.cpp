@@ -6,6 +6,7 @@
 #include <optional>
 #include <thread>
 
+#include "tests/doubles/waiting_thread.h"
 #include "tests/unit/simulator/model/this_unit.h"
 
 namespace {
@@ -30,16 +31,17 @@ TEST(FrameworkLockerTest, OneHolderAtATime) {
 }
 
 TEST(FrameworkLockerTest, AnotherThreadWaitsUntilTheHolderIsGone) {
-  std::atomic<bool> released{false};
+  std::atomic<bool> taken{false};
   std::optional<Locker> holder(std::in_place);
-  std::thread other([&] {
+  doubles::WaitingThread other([&] {
     const Locker locker;
-    EXPECT_TRUE(released);
+    taken = true;
   });
-  std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  released = true;
+  EXPECT_TRUE(other.waits());
+  EXPECT_FALSE(taken);
   holder.reset();
   other.join();
+  EXPECT_TRUE(taken);
 }
 
 TEST(FrameworkLockerTest, TheCoreIsMadeOnceWhenAskedFor) {

@@ -4,11 +4,17 @@
 
 #include <thread>
 
+#include "tests/doubles/waiting_thread.h"
+
 namespace {
 
 using simulator::memory::Signal;
 
-constexpr std::chrono::seconds LONG{60};
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+/// Longer than any test may run.
+constexpr std::chrono::hours LONG{1};
 
 TEST(SignalTest, CountsWhatWasRaised) {
   Signal signal;
@@ -26,11 +32,27 @@ TEST(SignalTest, AWaitForAnOldCountReturnsAtOnce) {
   EXPECT_NE(signal.count(), seen);
 }
 
-TEST(SignalTest, AWaitWithoutRaiseEndsWithItsLimit) {
+TEST(SignalTest, AWaitWithoutRaiseLastsUntilItsLimit) {
   Signal signal;
-  signal.wait(signal.count(), std::chrono::milliseconds(1));
-  signal.wait(signal.count(), std::chrono::milliseconds(-1));
-  EXPECT_EQ(signal.count(), 0U);
+  const auto begin = Clock::now();
+  signal.wait(signal.count(), milliseconds(2));
+  EXPECT_GE(Clock::now() - begin, milliseconds(2));
+}
+
+TEST(SignalTest, AWaitWhoseLimitHasPassedReturns) {
+  Signal signal;
+  signal.wait(signal.count(), milliseconds(0));
+  signal.wait(signal.count(), milliseconds(-1));
+}
+
+TEST(SignalTest, ARaiseWakesEverySleeper) {
+  Signal signal;
+  const auto sleep = [&signal] { signal.wait(0, LONG); };
+  doubles::WaitingThread one(sleep);
+  doubles::WaitingThread other(sleep);
+  EXPECT_TRUE(one.waits());
+  EXPECT_TRUE(other.waits());
+  signal.raise();
 }
 
 TEST(SignalTest, WaitUntilSeesTheConditionOfAnotherThread) {
@@ -48,8 +70,10 @@ TEST(SignalTest, WaitUntilSeesTheConditionOfAnotherThread) {
 
 TEST(SignalTest, WaitUntilGivesUpAfterItsLimit) {
   Signal signal;
-  EXPECT_FALSE(signal.wait_until([] { return false; }, std::chrono::milliseconds(2)));
-  EXPECT_TRUE(signal.wait_until([] { return true; }, std::chrono::milliseconds(0)));
+  const auto begin = Clock::now();
+  EXPECT_FALSE(signal.wait_until([] { return false; }, milliseconds(2)));
+  EXPECT_GE(Clock::now() - begin, milliseconds(2));
+  EXPECT_TRUE(signal.wait_until([] { return true; }, milliseconds(0)));
 }
 
 TEST(SignalTest, WaitUntilTakesTheLongestLimit) {

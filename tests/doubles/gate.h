@@ -1,0 +1,40 @@
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+
+namespace doubles {
+
+/// A gate that stays shut until it is opened. Any thread.
+class Gate {
+public:
+  void open() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    open_ = true;
+    opened_.notify_all();
+  }
+  /// Waits until it is open.
+  void pass() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    opened_.wait(lock, [this] { return open_; });
+  }
+
+private:
+  std::mutex mutex_;
+  std::condition_variable opened_;
+  bool open_ = false;
+};
+
+/// Opens the gate at the end of its own life.
+class OpensAtEnd {
+public:
+  explicit OpensAtEnd(Gate& gate) : gate_(gate) {}
+  ~OpensAtEnd() { gate_.open(); }
+  OpensAtEnd(const OpensAtEnd&) = delete;
+  OpensAtEnd& operator=(const OpensAtEnd&) = delete;
+
+private:
+  Gate& gate_;
+};
+
+}  // namespace doubles
