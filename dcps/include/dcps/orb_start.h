@@ -7,9 +7,9 @@
 namespace dcps {
 
 /// Starts the process's ORB unless it is started, and returns it; the caller owns the reference. The ORB uses loopback
-/// only, with a port of its own choice, and resolves the initial name "NameService" to the root of the naming service at
-/// 127.0.0.1:`naming_port`, which it contacts on first use.
-/// Throws CORBA::SystemException if start-up fails. Any thread.
+/// only, with a port of its own choice, and resolves the initial name "NameService" to the root of the naming service
+/// at 127.0.0.1:`naming_port`, which it contacts on first use. Throws CORBA::SystemException if start-up fails. Any
+/// thread.
 inline CORBA::ORB_ptr start_loopback_orb(unsigned naming_port) {
   std::string arguments[] = {"unit", "-ORBInitRef",
                              "NameService=corbaloc::127.0.0.1:" + std::to_string(naming_port) + "/NameService",

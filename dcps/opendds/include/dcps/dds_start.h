@@ -7,9 +7,9 @@
 
 namespace dcps {
 
-/// Starts the process's DDS unless it is started, and returns its factory; the caller owns the reference. The file named
-/// by the environment variable DCPSConfigFile configures transport and discovery; without it, the engine's defaults
-/// apply. Nil if start-up fails. Any thread.
+/// Starts the process's DDS unless it is started, and returns its factory; the caller owns the reference. The file
+/// named by the environment variable DCPSConfigFile configures transport and discovery; without it, the engine's
+/// defaults apply. Nil if start-up fails. Any thread.
 inline DDS::DomainParticipantFactory_ptr start_dds() {
   const char* file = std::getenv("DCPSConfigFile");
   if (file == nullptr) {
