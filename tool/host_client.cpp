@@ -44,8 +44,8 @@ bool host_listens(const std::filesystem::path& socket) {
   return connection != -1;
 }
 
-HostClient::HostClient(const std::filesystem::path& socket, Wait wait)
-    : wait_(std::move(wait)), connection_(connect_to(socket)) {
+HostClient::HostClient(const std::filesystem::path& socket, Wait wait, AtEnd at_end)
+    : wait_(std::move(wait)), at_end_(std::move(at_end)), connection_(connect_to(socket)) {
   if (connection_ == -1) {
     throw CommandError(STATUS_FAILED, socket.string() + ": no host answers there: " + std::strerror(errno));
   }
@@ -91,6 +91,9 @@ std::string HostClient::read_line() {
       continue;
     }
     if (size <= 0) {
+      if (at_end_) {
+        at_end_();
+      }
       throw CommandError(STATUS_FAILED, "the host has ended");
     }
     received_.append(block, static_cast<std::size_t>(size));

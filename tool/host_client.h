@@ -14,10 +14,12 @@ public:
   /// Called before each wait; returns after something has come in on the descriptor that it is given. It may throw to
   /// give the call up.
   using Wait = std::function<void(int descriptor)>;
+  /// Called when the connection has ended during a call; it may throw what tells more of the end.
+  using AtEnd = std::function<void()>;
 
   /// Connects to the socket. Throws CommandError where there is no host. `wait`: how to wait for answers; empty:
   /// without limit.
-  explicit HostClient(const std::filesystem::path& socket, Wait wait = {});
+  explicit HostClient(const std::filesystem::path& socket, Wait wait = {}, AtEnd at_end = {});
   ~HostClient();
   HostClient(const HostClient&) = delete;
   HostClient& operator=(const HostClient&) = delete;
@@ -30,6 +32,7 @@ private:
   std::string read_line();
 
   Wait wait_;
+  AtEnd at_end_;
   int connection_ = -1;
   int last_id_ = 0;
   std::string received_;

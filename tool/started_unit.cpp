@@ -69,6 +69,9 @@ void require_private_root() {
 
 namespace {
 
+/// How long the unit may take to end once its host has.
+constexpr std::chrono::seconds PATIENCE_AT_END{5};
+
 StateFolder filled_state(const UnitChoice& choice) {
   // What can be wrong with the choice is found before anything is made.
   const UnitFile values = load_unit_file(choice.unit_file);
@@ -101,7 +104,8 @@ StartedUnit::StartedUnit(const UnitChoice& choice, const OutputTargets& targets,
   while (!host_listens(socket)) {
     wait(-1, std::chrono::milliseconds(2));
   }
-  host_.emplace(socket, [this](int descriptor) { wait_readable(descriptor); });
+  host_.emplace(
+      socket, [this](int descriptor) { wait_readable(descriptor); }, [this] { pause(PATIENCE_AT_END); });
 }
 
 StartedUnit::~StartedUnit() {
@@ -167,6 +171,8 @@ void StartedUnit::wait(int descriptor, std::chrono::milliseconds time) {
       }
     }
     if (const std::optional<int> status = root_->poll()) {
+      out_.finish();
+      err_.finish();
       throw CommandEnd{*status == 0 ? STATUS_FAILED : *status};
     }
   } while (descriptor != -1 && events[1].revents == 0);

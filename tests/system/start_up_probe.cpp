@@ -7,7 +7,9 @@
 //
 //   start_up_probe LIBRARY
 //
-// The functions are this program's own, which come before those of the shared libraries and call them.
+// The functions are this program's own, which come before those of the shared libraries and call them. While a library
+// is loaded, the loader answers the loading thread only: calls of other threads are not looked at, and what is behind
+// each function has been looked up before.
 
 #include <dlfcn.h>
 #include <pthread.h>
@@ -27,8 +29,8 @@ __attribute__((visibility("default"))) BASE_HARDWARE* Hardware = nullptr;
 
 namespace {
 
-/// The library whose calls are noted; null before it is loaded.
-const char* library = nullptr;
+/// The library whose calls on this thread are noted; null: no calls are.
+thread_local const char* library = nullptr;
 
 std::vector<const char*>& steps() {
   static auto& noted = *new std::vector<const char*>;
@@ -48,35 +50,61 @@ Function* the_real(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
+auto real_streams() {
+  static auto* const real = the_real<void(std::ios_base::Init*)>("_ZNSt8ios_base4InitC1Ev");
+  return real;
+}
+auto real_poa() {
+  static auto* const real = the_real<int()>("_ZN19TAO_POA_Initializer4initEv");
+  return real;
+}
+auto real_monitor() {
+  static auto* const real = the_real<int()>("_ZN7OpenDDS4DCPS14MonitorFactory18service_initializeEv");
+  return real;
+}
+auto real_mutex() {
+  static auto* const real = the_real<int(pthread_mutex_t*, const pthread_mutexattr_t*)>("pthread_mutex_init");
+  return real;
+}
+auto real_object() {
+  static auto* const real = the_real<int()>("Radalt_Init");
+  return real;
+}
+
 }  // namespace
 
 std::ios_base::Init::Init() {
   note("streams", __builtin_return_address(0));
-  the_real<void(std::ios_base::Init*)>("_ZNSt8ios_base4InitC1Ev")(this);
+  real_streams()(this);
 }
 
 int TAO_POA_Initializer::init() {
   note("poa", __builtin_return_address(0));
-  return the_real<int()>("_ZN19TAO_POA_Initializer4initEv")();
+  return real_poa()();
 }
 
 int OpenDDS::DCPS::MonitorFactory::service_initialize() {
   note("monitor", __builtin_return_address(0));
-  return the_real<int()>("_ZN7OpenDDS4DCPS14MonitorFactory18service_initializeEv")();
+  return real_monitor()();
 }
 
 extern "C" __attribute__((visibility("default"))) int pthread_mutex_init(
     pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) noexcept {
   note("mutex", __builtin_return_address(0));
-  return the_real<int(pthread_mutex_t*, const pthread_mutexattr_t*)>("pthread_mutex_init")(mutex, attributes);
+  return real_mutex()(mutex, attributes);
 }
 
 extern "C" __attribute__((visibility("default"))) int Radalt_Init() {
   note("object", __builtin_return_address(0));
-  return the_real<int()>("Radalt_Init")();
+  return real_object()();
 }
 
 int main(int, char** argv) {
+  const bool all_found = real_streams() && real_poa() && real_monitor() && real_mutex() && real_object();
+  if (!all_found) {
+    std::cerr << "start_up_probe: a function is missing" << std::endl;
+    return 2;
+  }
   library = argv[1];
   if (!dlopen(library, RTLD_NOW | RTLD_LOCAL)) {
     std::cerr << dlerror() << std::endl;
