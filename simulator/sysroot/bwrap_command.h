@@ -9,9 +9,9 @@ namespace simulator::sysroot {
 
 /// The command that enters a unit's private root, and what it needs open.
 ///
-/// Two nested roots. The outer one holds the machine's programs and the build folder, read-only, its /proc and /dev, and
-/// the unit's state folder; root gives up its rights there. The inner one is the unit: its mounts come from the outer
-/// one, and nobody inside can make the read-only ones writable, not even root inside.
+/// Two nested roots. The outer one holds the machine's programs and the build folder, read-only, its /proc and /dev,
+/// and the unit's state folder; root gives up its rights there. The inner one is the unit: its mounts come from the
+/// outer one, and nobody inside can make the read-only ones writable, not even root inside.
 class BwrapCommand {
 public:
   /// `build`: the build folder, /opt/unit inside. `state`: the unit's state folder.
