@@ -8,7 +8,6 @@ namespace {
 
 using benchmarks::Aim;
 using benchmarks::Child;
-using benchmarks::Comparison;
 
 constexpr auto SETTLING_TIME = std::chrono::milliseconds(300);
 constexpr double MIB = 1024 * 1024;
@@ -25,13 +24,13 @@ double resident(const char* side) {
   return child.number();
 }
 
-const bool load = benchmarks::compare({"load to Hardware set, against bare participant, writer and reader",
+const bool LOAD = benchmarks::compare({"load to Hardware set, against bare participant, writer and reader",
                                        [] { return start_time("library"); },
                                        [] { return start_time("bare"); },
                                        {Aim::Kind::RATIO_AT_MOST, 1.2},
                                        100});
 
-const bool memory = benchmarks::compare({"resident memory, against the bare engine's",
+const bool MEMORY = benchmarks::compare({"resident memory, against the bare engine's",
                                          [] { return resident("library"); },
                                          [] { return resident("bare"); },
                                          {Aim::Kind::EXCESS_AT_MOST, 2 * MIB},

@@ -63,7 +63,7 @@ double through_a_bare_listener() {
   return listening.time();
 }
 
-const bool registered = benchmarks::compare({"message to LED call, against a bare listener",
+const bool REGISTERED = benchmarks::compare({"message to LED call, against a bare listener",
                                              through_the_library,
                                              through_a_bare_listener,
                                              {Aim::Kind::RATIO_AT_MOST, 1.3},

@@ -23,7 +23,6 @@
 
 namespace {
 
-using simulator::model::Service;
 using simulator::model::UnitModel;
 
 std::optional<unsigned> naming_port() {
