@@ -63,7 +63,7 @@ Child::~Child() {
   }
 }
 
-double Child::number() {
+double Child::number() const {
   std::string line;
   for (char next = 0; next != '\n'; line += next) {
     if (read(output_, &next, 1) != 1) {
@@ -73,7 +73,7 @@ double Child::number() {
   return std::strtod(line.c_str(), nullptr);
 }
 
-void Child::say(const std::string& line) {
+void Child::say(const std::string& line) const {
   const std::string text = line + "\n";
   if (write(input_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
     fail("a child does not listen");

@@ -18,8 +18,8 @@ public:
   Child& operator=(const Child&) = delete;
 
   /// The next number that the child writes, on a line of its own.
-  double number();
-  void say(const std::string& line);
+  double number() const;
+  void say(const std::string& line) const;
 
 private:
   pid_t process_ = -1;

@@ -8,7 +8,6 @@ namespace {
 
 using benchmarks::Aim;
 using benchmarks::Child;
-using benchmarks::Comparison;
 
 constexpr auto SETTLING_TIME = std::chrono::milliseconds(300);
 constexpr double MIB = 1024 * 1024;
@@ -30,13 +29,13 @@ double resident(const char* side) {
   return child.number();
 }
 
-const bool load = benchmarks::compare({"load to Hardware set, against the bare entities and the loader",
+const bool LOAD = benchmarks::compare({"load to Hardware set, against the bare entities and the loader",
                                        [] { return start_time("library"); },
                                        unavoidable,
                                        {Aim::Kind::RATIO_AT_MOST, 1.1},
                                        100});
 
-const bool memory = benchmarks::compare({"resident memory, against the bare engine's",
+const bool MEMORY = benchmarks::compare({"resident memory, against the bare engine's",
                                          [] { return resident("library"); },
                                          [] { return resident("listener"); },
                                          {Aim::Kind::EXCESS_AT_MOST, 2 * MIB},

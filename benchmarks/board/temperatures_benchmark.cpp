@@ -17,7 +17,7 @@ double conversion() {
   return benchmarks::time_of([&] { benchmark::DoNotOptimize(hardware.get_RFAdc(TEMPERATURE_CHANNEL)); });
 }
 
-const bool registered = benchmarks::compare(
+const bool REGISTERED = benchmarks::compare(
     {"get_RFAdc, against its waits", conversion, [] { return FLOOR; }, {Aim::Kind::RATIO_AT_MOST, 1.10}, 1000});
 
 }  // namespace

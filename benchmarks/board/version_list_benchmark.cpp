@@ -31,7 +31,7 @@ double unavoidable() {
   return WAITS + benchmarks::time_of(gather);
 }
 
-const bool registered = benchmarks::compare({"GetVersionList, against its waits, files and driver's reply",
+const bool REGISTERED = benchmarks::compare({"GetVersionList, against its waits, files and driver's reply",
                                              version_list,
                                              unavoidable,
                                              {Aim::Kind::RATIO_AT_MOST, 1.15},

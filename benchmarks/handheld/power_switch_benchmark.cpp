@@ -21,7 +21,7 @@ double files() {
   });
 }
 
-const bool registered = benchmarks::compare(
+const bool REGISTERED = benchmarks::compare(
     {"interrupt without shutdown request, against its files", interrupt, files, {Aim::Kind::RATIO_AT_MOST, 1.2}, 2000});
 
 }  // namespace

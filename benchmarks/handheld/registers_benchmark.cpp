@@ -26,7 +26,7 @@ double driver_read() {
   });
 }
 
-const bool registered = benchmarks::compare(
+const bool REGISTERED = benchmarks::compare(
     {"Peek through the virtual slot, against Radalt_Read", peek, driver_read, {Aim::Kind::EXCESS_AT_MOST, 3}, 500});
 
 }  // namespace

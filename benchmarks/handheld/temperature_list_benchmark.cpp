@@ -34,7 +34,7 @@ double unavoidable() {
   return WAITS + benchmarks::time_of(gather);
 }
 
-const bool registered = benchmarks::compare({"GetTemperature, against its waits, command, files and driver's replies",
+const bool REGISTERED = benchmarks::compare({"GetTemperature, against its waits, command, files and driver's replies",
                                              temperature_list,
                                              unavoidable,
                                              {Aim::Kind::RATIO_AT_MOST, 1.15},

@@ -74,19 +74,19 @@ double through_opendds() {
   return 55e3;
 }
 
-const bool fair = benchmarks::compare({"message to LED call, against a bare waitset thread",
+const bool FAIR = benchmarks::compare({"message to LED call, against a bare waitset thread",
                                        through_the_library,
                                        through_a_bare_waitset,
                                        {Aim::Kind::RATIO_AT_MOST, 1.15},
                                        1000});
 
-const bool bare = benchmarks::compare({"message to LED call, against a bare listener",
+const bool BARE = benchmarks::compare({"message to LED call, against a bare listener",
                                        through_the_library,
                                        through_a_bare_listener,
                                        {Aim::Kind::RATIO_WITHOUT_AIM, 0},
                                        1000});
 
-const bool absolute = benchmarks::compare({"message to LED call, against OpenDDS's 55 us",
+const bool ABSOLUTE = benchmarks::compare({"message to LED call, against OpenDDS's 55 us",
                                            through_the_library,
                                            through_opendds,
                                            {Aim::Kind::RATIO_AT_MOST, 1},

@@ -58,10 +58,10 @@ double with_readers(double (*measure)()) {
   return measure();
 }
 
-const bool alone = benchmarks::compare(
+const bool ALONE = benchmarks::compare(
     {"sendData without readers, against a bare write", send_data, bare_write, {Aim::Kind::RATE_AT_LEAST, 0.9}, 1000});
 
-const bool read = benchmarks::compare({"sendData to a reader, against a bare write",
+const bool READ = benchmarks::compare({"sendData to a reader, against a bare write",
                                        [] { return with_readers(send_data); },
                                        [] { return with_readers(bare_write); },
                                        {Aim::Kind::RATE_AT_LEAST, 0.9},

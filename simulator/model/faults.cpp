@@ -11,7 +11,7 @@ namespace {
 /// "none, fail, slow"
 std::string listed(FaultKinds kinds) {
   std::string names;
-  for (const KindRow& each : fault_kinds()) {
+  for (const KindRow& each : FAULT_KINDS) {
     if (kinds.has(each.key)) {
       names += (names.empty() ? "" : ", ") + std::string(each.name);
     }

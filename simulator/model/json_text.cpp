@@ -1,69 +1,47 @@
 #include "simulator/model/json_text.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace simulator::model {
 namespace {
 
-constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD";
-
-/// The bytes at the beginning of a text that belong to one character, and whether they are all of it.
-struct Sequence {
-  std::size_t length;
-  bool whole;
+/// The well-formed UTF-8 sequences: their first byte, their size, and their second byte where they have one.
+struct Form {
+  unsigned char first_low, first_high;
+  std::size_t size;
+  unsigned char second_low, second_high;
 };
+constexpr Form FORMS[] = {{0x00, 0x7F, 1, 0, 0},       {0xC2, 0xDF, 2, 0x80, 0xBF}, {0xE0, 0xE0, 3, 0xA0, 0xBF},
+                          {0xE1, 0xEC, 3, 0x80, 0xBF}, {0xED, 0xED, 3, 0x80, 0x9F}, {0xEE, 0xEF, 3, 0x80, 0xBF},
+                          {0xF0, 0xF0, 4, 0x90, 0xBF}, {0xF1, 0xF3, 4, 0x80, 0xBF}, {0xF4, 0xF4, 4, 0x80, 0x8F}};
 
-constexpr std::size_t size_by_lead(unsigned char lead) noexcept {
-  if (lead < 0x80) {
-    return 1;
-  }
-  if (lead < 0xC2 || lead > 0xF4) {
-    return 0;
-  }
-  return lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+constexpr bool within(char byte, unsigned char low, unsigned char high) noexcept {
+  return static_cast<unsigned char>(byte) >= low && static_cast<unsigned char>(byte) <= high;
 }
 
-/// Overlong forms, surrogates and what lies beyond U+10FFFF show in the byte after the lead.
-constexpr bool may_follow(unsigned char lead, unsigned char second) noexcept {
-  const unsigned char lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-  const unsigned char highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-  return second >= lowest && second <= highest;
-}
-
-Sequence first_of(std::string_view text) noexcept {
-  const auto lead = static_cast<unsigned char>(text[0]);
-  const std::size_t size = size_by_lead(lead);
-  if (size == 0) {
-    return {1, false};
+/// How many bytes at the beginning of the text belong to one sequence; `whole`: they are all of it.
+std::size_t sequence_at_start_of(std::string_view text, bool& whole) noexcept {
+  const auto* const form = std::find_if(std::begin(FORMS), std::end(FORMS), [&](const Form& each) {
+    return within(text[0], each.first_low, each.first_high);
+  });
+  const std::size_t size = form == std::end(FORMS) ? 0 : form->size;
+  std::size_t length = 1;
+  while (length < size && length < text.size() &&
+         (length == 1 ? within(text[1], form->second_low, form->second_high) : within(text[length], 0x80, 0xBF))) {
+    ++length;
   }
-  for (std::size_t at = 1; at < size; ++at) {
-    if (at == text.size() || !may_follow(at == 1 ? lead : 0, static_cast<unsigned char>(text[at]))) {
-      return {at, false};
-    }
-  }
-  return {size, true};
+  whole = length == size;
+  return length;
 }
 
 std::string escaped(char character) {
-  switch (character) {
-    case '"':
-      return "\\\"";
-    case '\\':
-      return "\\\\";
-    case '\b':
-      return "\\b";
-    case '\f':
-      return "\\f";
-    case '\n':
-      return "\\n";
-    case '\r':
-      return "\\r";
-    case '\t':
-      return "\\t";
-    default:
-      break;
-  }
+  constexpr std::string_view NAMED = "\"\\\b\f\n\r\t";
+  constexpr std::string_view NAMES = "\"\\bfnrt";
   constexpr std::string_view DIGITS = "0123456789abcdef";
+  if (const std::size_t at = NAMED.find(character); at != std::string_view::npos) {
+    return {'\\', NAMES[at]};
+  }
   const auto code = static_cast<unsigned char>(character);
   return code < 0x20 ? std::string("\\u00") + DIGITS[code >> 4] + DIGITS[code & 0xF] : std::string(1, character);
 }
@@ -73,15 +51,10 @@ std::string escaped(char character) {
 std::string json_text(std::string_view text) {
   std::string quoted = "\"";
   while (!text.empty()) {
-    const Sequence next = first_of(text);
-    if (!next.whole) {
-      quoted += REPLACEMENT;
-    } else if (next.length == 1) {
-      quoted += escaped(text[0]);
-    } else {
-      quoted += text.substr(0, next.length);
-    }
-    text.remove_prefix(next.length);
+    bool whole = false;
+    const std::size_t length = sequence_at_start_of(text, whole);
+    quoted += !whole ? "\xEF\xBF\xBD" : length == 1 ? escaped(text[0]) : std::string(text.substr(0, length));
+    text.remove_prefix(length);
   }
   return quoted + '"';
 }

@@ -14,6 +14,13 @@ constexpr FaultKinds SLOW = FaultKind::SLOW;
 constexpr FaultKinds GARBAGE = FaultKind::GARBAGE;
 constexpr FaultKinds REQUEST = FAIL | NO_REPLY | LATE | TWICE | SLOW | GARBAGE;
 
+constexpr std::int64_t HOUR_MS = 3'600'000;
+constexpr std::int64_t LOWEST = std::numeric_limits<std::int32_t>::min();
+constexpr std::int64_t HIGHEST = std::numeric_limits<std::int32_t>::max();
+constexpr std::int64_t HIGHEST_WORD = std::numeric_limits<std::uint32_t>::max();
+
+}  // namespace
+
 constexpr memory::Table<Point, PointRow> POINTS{{
     {Point::RADALT_INIT, "radalt.init", FAIL | SLOW, "opening the board"},
     {Point::RADALT_READ, "radalt.read", FAIL | SLOW | GARBAGE, "reading a board register"},
@@ -69,12 +76,7 @@ constexpr memory::Table<Point, PointRow> POINTS{{
 }};
 static_assert(memory::is_complete(POINTS));
 
-constexpr std::int64_t HOUR_MS = 3'600'000;
-constexpr std::int64_t LOWEST = std::numeric_limits<std::int32_t>::min();
-constexpr std::int64_t HIGHEST = std::numeric_limits<std::int32_t>::max();
-constexpr std::int64_t HIGHEST_WORD = std::numeric_limits<std::uint32_t>::max();
-
-constexpr memory::Table<FaultKind, KindRow> KINDS{{
+constexpr memory::Table<FaultKind, KindRow> FAULT_KINDS{{
     {FaultKind::NONE, "none", "nothing goes wrong"},
     {FaultKind::FAIL, "fail", "the operation fails", "its error number, 0 for EIO; of a service, the minor code", 0,
      HIGHEST},
@@ -85,32 +87,6 @@ constexpr memory::Table<FaultKind, KindRow> KINDS{{
     {FaultKind::GARBAGE, "garbage", "a wrong value is delivered; GetShutdown returns nil", "the wrong value", LOWEST,
      HIGHEST_WORD},
 }};
-static_assert(memory::is_complete(KINDS));
-
-}  // namespace
-
-const memory::Table<Point, PointRow>& points() noexcept {
-  return POINTS;
-}
-
-const memory::Table<FaultKind, KindRow>& fault_kinds() noexcept {
-  return KINDS;
-}
-
-const PointRow& row_of(Point point) noexcept {
-  return memory::row_of(POINTS, point);
-}
-
-const KindRow& row_of(FaultKind kind) noexcept {
-  return memory::row_of(KINDS, kind);
-}
-
-std::optional<Point> point_named(std::string_view name) noexcept {
-  return memory::named_in(POINTS, name);
-}
-
-std::optional<FaultKind> fault_kind_named(std::string_view name) noexcept {
-  return memory::named_in(KINDS, name);
-}
+static_assert(memory::is_complete(FAULT_KINDS));
 
 }  // namespace simulator::model

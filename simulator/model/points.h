@@ -49,7 +49,7 @@ enum class Point : std::uint32_t {
   COUNT
 };
 
-/// What goes wrong at a point; fault_kinds() says what each does.
+/// What goes wrong at a point; FAULT_KINDS says what each does.
 enum class FaultKind : std::uint32_t { NONE, FAIL, NO_REPLY, LATE, TWICE, SLOW, GARBAGE, COUNT };
 
 /// A set of kinds; NONE is in every one.
@@ -89,18 +89,26 @@ struct KindRow {
 };
 
 /// Every point and every kind, in the order of their enumerators.
-const memory::Table<Point, PointRow>& points() noexcept;
-const memory::Table<FaultKind, KindRow>& fault_kinds() noexcept;
+extern const memory::Table<Point, PointRow> POINTS;
+extern const memory::Table<FaultKind, KindRow> FAULT_KINDS;
 
-const PointRow& row_of(Point point) noexcept;
-const KindRow& row_of(FaultKind kind) noexcept;
+inline const PointRow& row_of(Point point) noexcept {
+  return memory::row_of(POINTS, point);
+}
+inline const KindRow& row_of(FaultKind kind) noexcept {
+  return memory::row_of(FAULT_KINDS, kind);
+}
 inline std::string_view name_of(Point point) noexcept {
   return row_of(point).name;
 }
 inline std::string_view name_of(FaultKind kind) noexcept {
   return row_of(kind).name;
 }
-std::optional<Point> point_named(std::string_view name) noexcept;
-std::optional<FaultKind> fault_kind_named(std::string_view name) noexcept;
+inline std::optional<Point> point_named(std::string_view name) noexcept {
+  return memory::named_in(POINTS, name);
+}
+inline std::optional<FaultKind> fault_kind_named(std::string_view name) noexcept {
+  return memory::named_in(FAULT_KINDS, name);
+}
 
 }  // namespace simulator::model

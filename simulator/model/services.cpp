@@ -1,8 +1,6 @@
 #include "simulator/model/services.h"
 
 namespace simulator::model {
-namespace {
-
 constexpr memory::Table<Service> SERVICES{{
     {Service::GUI_MANAGER, "gui_manager"},
     {Service::EVERYBODY_ENGINE, "everybody_engine"},
@@ -10,7 +8,7 @@ constexpr memory::Table<Service> SERVICES{{
 }};
 static_assert(memory::is_complete(SERVICES));
 
-constexpr memory::Table<ServiceBehaviour> BEHAVIOURS{{
+constexpr memory::Table<ServiceBehaviour> SERVICE_BEHAVIOURS{{
     {ServiceBehaviour::PRESENT, "present"},
     {ServiceBehaviour::ABSENT, "absent"},
     {ServiceBehaviour::WRONG_TYPE, "wrong_type"},
@@ -18,29 +16,7 @@ constexpr memory::Table<ServiceBehaviour> BEHAVIOURS{{
     {ServiceBehaviour::DIES_IN_CALL, "dies_in_call"},
     {ServiceBehaviour::THROWS, "throws"},
 }};
-static_assert(memory::is_complete(BEHAVIOURS));
-
-}  // namespace
-
-std::string_view name_of(Service service) noexcept {
-  return memory::row_of(SERVICES, service).name;
-}
-
-std::optional<Service> service_named(std::string_view name) noexcept {
-  return memory::named_in(SERVICES, name);
-}
-
-std::string_view name_of(ServiceBehaviour behaviour) noexcept {
-  return memory::row_of(BEHAVIOURS, behaviour).name;
-}
-
-const memory::Table<ServiceBehaviour>& service_behaviours() noexcept {
-  return BEHAVIOURS;
-}
-
-std::optional<ServiceBehaviour> behaviour_named(std::string_view name) noexcept {
-  return memory::named_in(BEHAVIOURS, name);
-}
+static_assert(memory::is_complete(SERVICE_BEHAVIOURS));
 
 void Services::set_behaviour(Service service, ServiceBehaviour behaviour) noexcept {
   states_[static_cast<std::size_t>(service)].behaviour.store(behaviour);

@@ -26,12 +26,15 @@ enum class ServiceBehaviour : std::uint32_t {
   COUNT
 };
 
-std::string_view name_of(Service service) noexcept;  ///< "gui_manager", "everybody_engine", "hw_enumerate"
-std::optional<Service> service_named(std::string_view name) noexcept;
-std::string_view name_of(ServiceBehaviour behaviour) noexcept;  ///< "present", "absent", "wrong_type", …
-/// Every behaviour, in the order of the enumerators.
-const memory::Table<ServiceBehaviour>& service_behaviours() noexcept;
-std::optional<ServiceBehaviour> behaviour_named(std::string_view name) noexcept;
+extern const memory::Table<Service> SERVICES;
+extern const memory::Table<ServiceBehaviour> SERVICE_BEHAVIOURS;
+
+inline std::string_view name_of(Service service) noexcept {
+  return memory::row_of(SERVICES, service).name;
+}
+inline std::string_view name_of(ServiceBehaviour behaviour) noexcept {
+  return memory::row_of(SERVICE_BEHAVIOURS, behaviour).name;
+}
 
 /// The behaviour of the unit's services, settable while they run. Lives in the unit's model; any thread of any process.
 class Services {

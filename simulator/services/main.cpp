@@ -23,7 +23,6 @@
 
 namespace {
 
-using simulator::model::Service;
 using simulator::model::UnitModel;
 
 std::optional<unsigned> naming_port() {
@@ -42,7 +41,7 @@ int run(const std::string& only, unsigned port, int report) {
   if (report >= 0) {
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
   }
-  simulator::services::run_service(model, *simulator::model::service_named(only), port, report);
+  simulator::services::run_service(model, *simulator::memory::named_in(simulator::model::SERVICES, only), port, report);
   return 0;
 }
 
@@ -53,7 +52,7 @@ int main(int argc, char** argv) {
   std::string only;
   int report = -1;
   app.add_option("--only", only, "Run this service alone, in this process")->check([](const std::string& name) {
-    return simulator::model::service_named(name) ? "" : "there is no service " + name;
+    return simulator::memory::named_in(simulator::model::SERVICES, name) ? "" : "there is no service " + name;
   });
   app.add_option("--report", report, "Descriptor on which a service reports to its parent")->group("");
   try {

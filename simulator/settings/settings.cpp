@@ -1,19 +1,14 @@
 #include "simulator/settings/settings.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "simulator/settings/fault_text.h"
-#include "simulator/settings/settings_table.h"
 
 namespace simulator::settings {
 namespace {
 
-using model::Board;
 using model::UnitModel;
 using nlohmann::json;
-
-constexpr std::string_view REGISTER_PREFIX = "board.register.";
 
 bool in_range(const Setting& setting, const json& value) {
   if (!value.is_number_integer()) {
@@ -98,38 +93,6 @@ void check_fault(const std::string& name, const std::string& text) {
   }
 }
 
-std::optional<std::uint32_t> number_in(std::string_view text) {
-  std::uint32_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool whole = error == std::errc{} && end == text.data() + text.size();
-  return whole ? std::optional(number) : std::nullopt;
-}
-
-/// True for a register that the board lets nobody set.
-bool is_out_of_reach(std::uint32_t space, std::uint32_t address) {
-  const bool is_request = space == 1 && address == Board::RF_REQUEST;
-  const bool is_last = space == 0xFFFFFFFF && address == 0xFFFFFFFF;
-  return is_request || is_last;
-}
-
-/// The setting board.register.<space>.<address>; none where the name is not of that form or nobody can set it.
-std::optional<Setting> find_register(const std::string& name) {
-  if (name.compare(0, REGISTER_PREFIX.size(), REGISTER_PREFIX) != 0) {
-    return std::nullopt;
-  }
-  const std::string_view numbers = std::string_view(name).substr(REGISTER_PREFIX.size());
-  const std::size_t dot = numbers.find('.');
-  if (dot == std::string_view::npos) {
-    return std::nullopt;
-  }
-  const auto space = number_in(numbers.substr(0, dot));
-  const auto address = number_in(numbers.substr(dot + 1));
-  if (!space || !address || is_out_of_reach(*space, *address)) {
-    return std::nullopt;
-  }
-  return register_setting(name, *space, *address, "board register");
-}
-
 Setting found(const std::string& name) {
   auto setting = find_setting(name);
   if (!setting) {
@@ -142,17 +105,6 @@ Setting found(const std::string& name) {
 
 SettingError::SettingError(const std::string& setting, const std::string& why)
     : std::runtime_error(setting + ": " + why), name(setting), reason(why) {}
-
-const std::vector<Setting>& settings() {
-  static const auto& all = *new std::vector<Setting>(settings_table());
-  return all;
-}
-
-std::optional<Setting> find_setting(const std::string& name) {
-  const auto& all = settings();
-  const auto at = std::find_if(all.begin(), all.end(), [&](const Setting& each) { return each.name == name; });
-  return at != all.end() ? std::optional(*at) : find_register(name);
-}
 
 void check(const Setting& setting, const json& value) {
   if (!takes(setting, value)) {

@@ -1,10 +1,11 @@
-#include "simulator/settings/settings_table.h"
-
+#include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <limits>
 #include <type_traits>
 
 #include "simulator/settings/fault_text.h"
+#include "simulator/settings/settings.h"
 
 namespace simulator::settings {
 namespace {
@@ -73,7 +74,7 @@ auto taken(const json& value) {
     return value.is_string() ? static_cast<std::uint32_t>(std::stoul(value.get<std::string>(), nullptr, 16))
                              : value.get<std::uint32_t>();
   } else if constexpr (std::is_same_v<Value, ServiceBehaviour>) {
-    return model::behaviour_named(value.get<std::string>()).value();
+    return memory::named_in(model::SERVICE_BEHAVIOURS, value.get<std::string>()).value();
   } else if constexpr (std::is_same_v<Value, model::Fault>) {
     return fault_of(value.get<std::string>());
   } else if constexpr (std::is_same_v<Value, std::optional<std::string>>) {
@@ -90,6 +91,17 @@ Setting held(Setting setting, Key... key) {
   using Value = std::decay_t<decltype(((std::declval<UnitModel&>().*Part)().*Get)(key...))>;
   setting.get = [=](UnitModel& unit) { return shown<Value>(((unit.*Part)().*Get)(key...)); };
   setting.set = [=](UnitModel& unit, const json& value) { ((unit.*Part)().*Set)(key..., taken<Value>(value)); };
+  return setting;
+}
+
+Setting register_setting(const std::string& name, std::uint32_t space, std::uint32_t address, const std::string& doc) {
+  Setting setting = word(name, doc);
+  setting.get = [=](UnitModel& unit) -> json { return unit.board().register_value(space, address); };
+  setting.set = [=](UnitModel& unit, const json& value) {
+    if (!unit.board().set_register(space, address, taken<std::uint32_t>(value))) {
+      throw SettingError(name, "the board has no room for one more register");
+    }
+  };
   return setting;
 }
 
@@ -175,7 +187,7 @@ void add_sensors(std::vector<Setting>& all) {
 
 void add_services(std::vector<Setting>& all) {
   Choices behaviours;
-  for (const auto& each : model::service_behaviours()) {
+  for (const auto& each : model::SERVICE_BEHAVIOURS) {
     behaviours.emplace_back(each.name);
   }
   for (const Service service : {Service::GUI_MANAGER, Service::EVERYBODY_ENGINE, Service::HW_ENUMERATE}) {
@@ -197,9 +209,9 @@ void add_sysfs(std::vector<Setting>& all) {
 }
 
 void add_faults(std::vector<Setting>& all) {
-  for (const model::PointRow& row : model::points()) {
+  for (const model::PointRow& row : model::POINTS) {
     Choices kinds;
-    for (const model::KindRow& each : model::fault_kinds()) {
+    for (const model::KindRow& each : model::FAULT_KINDS) {
       if (row.kinds.has(each.key)) {
         kinds.emplace_back(each.name);
       }
@@ -211,28 +223,59 @@ void add_faults(std::vector<Setting>& all) {
   }
 }
 
-}  // namespace
-
-Setting register_setting(const std::string& name, std::uint32_t space, std::uint32_t address, const std::string& doc) {
-  Setting setting = word(name, doc);
-  setting.get = [=](UnitModel& unit) -> json { return unit.board().register_value(space, address); };
-  setting.set = [=](UnitModel& unit, const json& value) {
-    if (!unit.board().set_register(space, address, taken<std::uint32_t>(value))) {
-      throw SettingError(name, "the board has no room for one more register");
-    }
-  };
-  return setting;
-}
-
 std::vector<Setting> settings_table() {
   std::vector<Setting> all;
-  add_board(all);
-  add_power_supply(all);
-  add_sensors(all);
-  add_services(all);
-  add_sysfs(all);
-  add_faults(all);
+  for (const auto add : {add_board, add_power_supply, add_sensors, add_services, add_sysfs, add_faults}) {
+    add(all);
+  }
   return all;
+}
+
+constexpr std::string_view REGISTER_PREFIX = "board.register.";
+
+std::optional<std::uint32_t> number_in(std::string_view text) {
+  std::uint32_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  const bool whole = error == std::errc{} && end == text.data() + text.size();
+  return whole ? std::optional(number) : std::nullopt;
+}
+
+/// True for a register that the board lets nobody set.
+bool is_out_of_reach(std::uint32_t space, std::uint32_t address) {
+  const bool is_request = space == 1 && address == Board::RF_REQUEST;
+  const bool is_last = space == 0xFFFFFFFF && address == 0xFFFFFFFF;
+  return is_request || is_last;
+}
+
+/// The setting board.register.<space>.<address>; none where the name is not of that form or nobody can set it.
+std::optional<Setting> find_register(const std::string& name) {
+  if (name.compare(0, REGISTER_PREFIX.size(), REGISTER_PREFIX) != 0) {
+    return std::nullopt;
+  }
+  const std::string_view numbers = std::string_view(name).substr(REGISTER_PREFIX.size());
+  const std::size_t dot = numbers.find('.');
+  if (dot == std::string_view::npos) {
+    return std::nullopt;
+  }
+  const auto space = number_in(numbers.substr(0, dot));
+  const auto address = number_in(numbers.substr(dot + 1));
+  if (!space || !address || is_out_of_reach(*space, *address)) {
+    return std::nullopt;
+  }
+  return register_setting(name, *space, *address, "board register");
+}
+
+}  // namespace
+
+const std::vector<Setting>& settings() {
+  static const auto& all = *new std::vector<Setting>(settings_table());
+  return all;
+}
+
+std::optional<Setting> find_setting(const std::string& name) {
+  const auto& all = settings();
+  const auto at = std::find_if(all.begin(), all.end(), [&](const Setting& each) { return each.name == name; });
+  return at != all.end() ? std::optional(*at) : find_register(name);
 }
 
 }  // namespace simulator::settings

@@ -11,16 +11,16 @@ using simulator::model::FaultKind;
 using simulator::model::Point;
 using simulator::model::point_named;
 using simulator::model::PointRow;
-using simulator::model::points;
+using simulator::model::POINTS;
 
 TEST(PointsTest, EveryPointHasANameOfItsOwn) {
   std::set<std::string_view> names;
-  for (const PointRow& row : points()) {
+  for (const PointRow& row : POINTS) {
     EXPECT_EQ(point_named(row.name), row.key) << row.name;
     EXPECT_EQ(name_of(row.key), row.name);
     names.insert(row.name);
   }
-  EXPECT_EQ(names.size(), points().size());
+  EXPECT_EQ(names.size(), POINTS.size());
   EXPECT_EQ(point_named("radalt.nothing"), std::nullopt);
 }
 
@@ -43,7 +43,7 @@ TEST(PointsTest, NamesArePaired) {
 std::string admitted(Point point) {
   constexpr std::string_view LETTERS = "nfrltsg";
   std::string letters;
-  for (const auto& each : simulator::model::fault_kinds()) {
+  for (const auto& each : simulator::model::FAULT_KINDS) {
     letters += row_of(point).kinds.has(each.key) ? LETTERS[static_cast<std::size_t>(each.key)] : '.';
   }
   return letters;

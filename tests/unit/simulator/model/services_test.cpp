@@ -6,8 +6,9 @@
 
 namespace {
 
-using simulator::model::behaviour_named;
+using simulator::memory::named_in;
 using simulator::model::Service;
+using simulator::model::SERVICE_BEHAVIOURS;
 using simulator::model::ServiceBehaviour;
 using simulator::model::Services;
 
@@ -58,13 +59,13 @@ TEST_F(ServicesModelTest, NamesArePaired) {
   EXPECT_EQ(name_of(Service::GUI_MANAGER), "gui_manager");
   EXPECT_EQ(name_of(Service::EVERYBODY_ENGINE), "everybody_engine");
   EXPECT_EQ(name_of(Service::HW_ENUMERATE), "hw_enumerate");
-  EXPECT_EQ(behaviour_named("present"), ServiceBehaviour::PRESENT);
-  EXPECT_EQ(behaviour_named("absent"), ServiceBehaviour::ABSENT);
-  EXPECT_EQ(behaviour_named("wrong_type"), ServiceBehaviour::WRONG_TYPE);
-  EXPECT_EQ(behaviour_named("slow"), ServiceBehaviour::SLOW);
-  EXPECT_EQ(behaviour_named("dies_in_call"), ServiceBehaviour::DIES_IN_CALL);
-  EXPECT_EQ(behaviour_named("throws"), ServiceBehaviour::THROWS);
-  EXPECT_EQ(behaviour_named("Present"), std::nullopt);
+  EXPECT_EQ(named_in(SERVICE_BEHAVIOURS, "present"), ServiceBehaviour::PRESENT);
+  EXPECT_EQ(named_in(SERVICE_BEHAVIOURS, "absent"), ServiceBehaviour::ABSENT);
+  EXPECT_EQ(named_in(SERVICE_BEHAVIOURS, "wrong_type"), ServiceBehaviour::WRONG_TYPE);
+  EXPECT_EQ(named_in(SERVICE_BEHAVIOURS, "slow"), ServiceBehaviour::SLOW);
+  EXPECT_EQ(named_in(SERVICE_BEHAVIOURS, "dies_in_call"), ServiceBehaviour::DIES_IN_CALL);
+  EXPECT_EQ(named_in(SERVICE_BEHAVIOURS, "throws"), ServiceBehaviour::THROWS);
+  EXPECT_EQ(named_in(SERVICE_BEHAVIOURS, "Present"), std::nullopt);
 }
 
 }  // namespace

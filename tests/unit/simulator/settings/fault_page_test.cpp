@@ -7,15 +7,15 @@
 
 namespace {
 
-using simulator::model::fault_kinds;
+using simulator::model::FAULT_KINDS;
 using simulator::model::FaultKind;
 using simulator::model::KindRow;
 using simulator::model::PointRow;
-using simulator::model::points;
+using simulator::model::POINTS;
 
 std::string kind_table() {
   std::string table = "| Kind | Effect | `value` |\n|---|---|---|\n";
-  for (const KindRow& row : fault_kinds()) {
+  for (const KindRow& row : FAULT_KINDS) {
     std::string value(row.value);
     if (!value.empty()) {
       value += ", " + std::to_string(row.minimum) + " to " + std::to_string(row.maximum);
@@ -27,9 +27,9 @@ std::string kind_table() {
 
 std::string point_table() {
   std::string table = "| Setting | Kinds | Crossing |\n|---|---|---|\n";
-  for (const PointRow& row : points()) {
+  for (const PointRow& row : POINTS) {
     std::string kinds;
-    for (const KindRow& kind : fault_kinds()) {
+    for (const KindRow& kind : FAULT_KINDS) {
       if (kind.key != FaultKind::NONE && row.kinds.has(kind.key)) {
         kinds += (kinds.empty() ? "`" : ", `") + std::string(kind.name) + "`";
       }
