@@ -110,4 +110,47 @@ TEST_F(PsdriverFaultsTest, AGarbledReplyCarriesTheWrongValue) {
   EXPECT_EQ(heard.at_least(2), (Heard::Calls{{'e', -99}, {'e', 27}}));
 }
 
+/// The operations of one reply and the name of what it is.
+struct ReplyOperations {
+  const char* name;
+  void (psdriver::*request)();
+  void (psdriver::*registration)(psdriver::Callback);
+};
+
+class PsdriverPointsTest : public PsdriverFaultsTest, public ::testing::WithParamInterface<ReplyOperations> {
+protected:
+  /// Arms a failure at the point of that name.
+  void fail(const std::string& point) {
+    unit_.faults().arm(simulator::model::point_named(point).value(), {FaultKind::FAIL, EBUSY});
+  }
+};
+
+TEST_P(PsdriverPointsTest, RequestAndRegistrationFailAtTheirOwnPoints) {
+  const std::string request = std::string("psdriver.Get") + GetParam().name;
+  const std::string registration = std::string("psdriver.Set") + GetParam().name + "Callback";
+  fail(request);
+  EXPECT_EQ(refusal([&] { (driver_.*GetParam().request)(); }), request + ": Device or resource busy");
+  EXPECT_EQ(refusal([&] { (driver_.*GetParam().registration)(nullptr); }), "done");
+  fail(registration);
+  EXPECT_EQ(refusal([&] { (driver_.*GetParam().registration)(nullptr); }), registration + ": Device or resource busy");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Replies, PsdriverPointsTest,
+    ::testing::Values(ReplyOperations{"BatteryRelativeStateOfCharge", &psdriver::GetBatteryRelativeStateOfCharge,
+                                      &psdriver::SetBatteryRelativeStateOfChargeCallback},
+                      ReplyOperations{"Charger_BatteryStatus", &psdriver::GetCharger_BatteryStatus,
+                                      &psdriver::SetCharger_BatteryStatusCallback},
+                      ReplyOperations{"SoftwareVersionNumber", &psdriver::GetSoftwareVersionNumber,
+                                      &psdriver::SetSoftwareVersionNumberCallback},
+                      ReplyOperations{"PowerSupplyTemperatureValue", &psdriver::GetPowerSupplyTemperatureValue,
+                                      &psdriver::SetPowerSupplyTemperatureValueCallback},
+                      ReplyOperations{"BatteryTemperature", &psdriver::GetBatteryTemperature,
+                                      &psdriver::SetBatteryTemperatureCallback},
+                      ReplyOperations{"BatteryAverageTimeToEmpty", &psdriver::GetBatteryAverageTimeToEmpty,
+                                      &psdriver::SetBatteryAverageTimeToEmptyCallback},
+                      ReplyOperations{"BatteryRunTimeToEmpty", &psdriver::GetBatteryRunTimeToEmpty,
+                                      &psdriver::SetBatteryRunTimeToEmptyCallback}),
+    [](const auto& instance) { return std::string(instance.param.name); });
+
 }  // namespace
