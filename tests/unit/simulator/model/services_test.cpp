@@ -8,8 +8,8 @@ namespace {
 
 using simulator::memory::named_in;
 using simulator::model::Service;
-using simulator::model::ServiceBehaviour;
 using simulator::model::SERVICE_BEHAVIOURS;
+using simulator::model::ServiceBehaviour;
 using simulator::model::Services;
 
 constexpr std::chrono::milliseconds AT_ONCE{0};
