@@ -25,23 +25,23 @@ namespace doubles {
 /// delete_publisher, delete_topic, create_subscriber, get_default_datareader_qos, create_datareader,
 /// delete_contained_entities of subscriber, delete_subscriber. A write is logged as "dds write <value> <quality>
 /// <source> <timestamp> <handle>".
-class DdsStandIn {
+class FakeDds {
 public:
-  explicit DdsStandIn(DDS::DomainParticipant_ptr real = real_participant());
-  ~DdsStandIn();
-  DdsStandIn(const DdsStandIn&) = delete;
-  DdsStandIn& operator=(const DdsStandIn&) = delete;
+  explicit FakeDds(DDS::DomainParticipant_ptr real = real_participant());
+  ~FakeDds();
+  FakeDds(const FakeDds&) = delete;
+  FakeDds& operator=(const FakeDds&) = delete;
 
   /// The step gives nil or RETCODE_ERROR from now on; "narrow_writer": writers are made that have no type. Deletions
   /// that are refused are made all the same.
-  DdsStandIn& refuses(const std::string& step);
+  FakeDds& refuses(const std::string& step);
   /// Every such step from now on runs `action` first.
-  DdsStandIn& runs_first(const std::string& step, std::function<void()> action);
+  FakeDds& runs_first(const std::string& step, std::function<void()> action);
   /// The real entity is made, and `action` runs before the step returns.
-  DdsStandIn& runs_last(const std::string& step, std::function<void()> action);
+  FakeDds& runs_last(const std::string& step, std::function<void()> action);
 
   /// The next reader is made, and this one is returned in its stead. Takes over the reference.
-  DdsStandIn& hands_out(DDS::DataReader_ptr reader);
+  FakeDds& hands_out(DDS::DataReader_ptr reader);
 
   DDS::DomainParticipant_ptr participant() const;
 

@@ -7,7 +7,7 @@
 namespace doubles {
 
 /// Told by the tests, asked by the stand-ins.
-class DdsStandIn::State {
+class FakeDds::State {
 public:
   void refuse(const std::string& step) {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -74,7 +74,7 @@ DDS::Publisher_ptr behind(DDS::Publisher_ptr publisher);
 DDS::Subscriber_ptr behind(DDS::Subscriber_ptr subscriber);
 
 /// Stand-ins in front of real entities; they take over the reference.
-DDS::Publisher_ptr new_stand_in_publisher(const std::shared_ptr<DdsStandIn::State>& state, DDS::Publisher_ptr real);
-DDS::Subscriber_ptr new_stand_in_subscriber(const std::shared_ptr<DdsStandIn::State>& state, DDS::Subscriber_ptr real);
+DDS::Publisher_ptr new_fake_publisher(const std::shared_ptr<FakeDds::State>& state, DDS::Publisher_ptr real);
+DDS::Subscriber_ptr new_fake_subscriber(const std::shared_ptr<FakeDds::State>& state, DDS::Subscriber_ptr real);
 
 }  // namespace doubles

@@ -4,11 +4,11 @@ namespace doubles {
 
 namespace {
 
-using State = std::shared_ptr<DdsStandIn::State>;
+using State = std::shared_ptr<FakeDds::State>;
 
-class StandInParticipant : public virtual OpenDDS::DCPS::LocalObject<DDS::DomainParticipant> {
+class FakeParticipant : public virtual OpenDDS::DCPS::LocalObject<DDS::DomainParticipant> {
 public:
-  StandInParticipant(const State& state, DDS::DomainParticipant_ptr real)
+  FakeParticipant(const State& state, DDS::DomainParticipant_ptr real)
       : state_(state), real_(DDS::DomainParticipant::_duplicate(real)) {}
 
   DDS::Publisher_ptr create_publisher(const DDS::PublisherQos& qos, DDS::PublisherListener_ptr listener,
@@ -17,7 +17,7 @@ public:
     if (!state_->begin("create_publisher")) {
       return DDS::Publisher::_nil();
     }
-    return new_stand_in_publisher(state_, real_->create_publisher(qos, listener, mask));
+    return new_fake_publisher(state_, real_->create_publisher(qos, listener, mask));
   }
   DDS::ReturnCode_t delete_publisher(DDS::Publisher_ptr publisher) override {
     state_->begin("delete_publisher");
@@ -29,7 +29,7 @@ public:
     if (!state_->begin("create_subscriber")) {
       return DDS::Subscriber::_nil();
     }
-    return new_stand_in_subscriber(state_, real_->create_subscriber(qos, listener, mask));
+    return new_fake_subscriber(state_, real_->create_subscriber(qos, listener, mask));
   }
   DDS::ReturnCode_t delete_subscriber(DDS::Subscriber_ptr subscriber) override {
     state_->begin("delete_subscriber");
@@ -60,63 +60,63 @@ private:
 
 }  // namespace
 
-DdsStandIn::DdsStandIn(DDS::DomainParticipant_ptr real)
-    : state_(std::make_shared<State>()), participant_(new StandInParticipant(state_, real)) {}
+FakeDds::FakeDds(DDS::DomainParticipant_ptr real)
+    : state_(std::make_shared<State>()), participant_(new FakeParticipant(state_, real)) {}
 
-DdsStandIn::~DdsStandIn() = default;
+FakeDds::~FakeDds() = default;
 
-DdsStandIn& DdsStandIn::refuses(const std::string& step) {
+FakeDds& FakeDds::refuses(const std::string& step) {
   state_->refuse(step);
   return *this;
 }
 
-DdsStandIn& DdsStandIn::runs_first(const std::string& step, std::function<void()> action) {
+FakeDds& FakeDds::runs_first(const std::string& step, std::function<void()> action) {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   state_->first[step] = std::move(action);
   return *this;
 }
 
-DdsStandIn& DdsStandIn::runs_last(const std::string& step, std::function<void()> action) {
+FakeDds& FakeDds::runs_last(const std::string& step, std::function<void()> action) {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   state_->last[step] = std::move(action);
   return *this;
 }
 
-DdsStandIn& DdsStandIn::hands_out(DDS::DataReader_ptr reader) {
+FakeDds& FakeDds::hands_out(DDS::DataReader_ptr reader) {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   state_->handed_out = reader;
   return *this;
 }
 
-DDS::DomainParticipant_ptr DdsStandIn::participant() const {
+DDS::DomainParticipant_ptr FakeDds::participant() const {
   return participant_.in();
 }
 
-DDS::DataWriterQos DdsStandIn::writer_qos() const {
+DDS::DataWriterQos FakeDds::writer_qos() const {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   return state_->writer_qos;
 }
 
-DDS::DataReaderQos DdsStandIn::reader_qos() const {
+DDS::DataReaderQos FakeDds::reader_qos() const {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   return state_->reader_qos;
 }
 
-DDS::DataReaderListener_ptr DdsStandIn::reader_listener() const {
+DDS::DataReaderListener_ptr FakeDds::reader_listener() const {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   return DDS::DataReaderListener::_duplicate(state_->reader_listener.in());
 }
 
-std::set<DDS::StatusMask> DdsStandIn::masks() const {
+std::set<DDS::StatusMask> FakeDds::masks() const {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   return state_->masks;
 }
 
-unsigned int DdsStandIn::living_writers() const {
+unsigned int FakeDds::living_writers() const {
   return state_->living_writers;
 }
 
-bool DdsStandIn::listeners_given() const {
+bool FakeDds::listeners_given() const {
   const std::lock_guard<std::mutex> lock(state_->mutex);
   return state_->listeners_given;
 }

@@ -8,14 +8,14 @@ using Boolean = Varnok::DDS_Attribute<bool>;
 
 /// What instances are registered as: a type without key needs no handle, so that the real writer may give none.
 constexpr DDS::InstanceHandle_t SOME_HANDLE = 4711;
-using State = std::shared_ptr<DdsStandIn::State>;
+using State = std::shared_ptr<FakeDds::State>;
 
 /// A writer in front of a real one. `Interface` is DDS::DataWriter for one that has no type.
 template <typename Interface>
-class StandInWriter : public virtual OpenDDS::DCPS::LocalObject<Interface> {
+class FakeWriter : public virtual OpenDDS::DCPS::LocalObject<Interface> {
 public:
-  StandInWriter(const State& state, DDS::DataWriter_ptr real) : state_(state), real_(real) { ++state_->living_writers; }
-  ~StandInWriter() override { --state_->living_writers; }
+  FakeWriter(const State& state, DDS::DataWriter_ptr real) : state_(state), real_(real) { ++state_->living_writers; }
+  ~FakeWriter() override { --state_->living_writers; }
 
   DDS::InstanceHandle_t get_instance_handle() override { return real_->get_instance_handle(); }
   DDS::ReturnCode_t get_publication_matched_status(DDS::PublicationMatchedStatus& status) override {
@@ -27,10 +27,10 @@ protected:
   DDS::DataWriter_var real_;
 };
 
-class StandInBooleanWriter : public StandInWriter<Boolean::DataWriter> {
+class FakeBooleanWriter : public FakeWriter<Boolean::DataWriter> {
 public:
-  StandInBooleanWriter(const State& state, DDS::DataWriter_ptr real)
-      : StandInWriter(state, real), typed_(Boolean::DataWriter::_narrow(real)) {}
+  FakeBooleanWriter(const State& state, DDS::DataWriter_ptr real)
+      : FakeWriter(state, real), typed_(Boolean::DataWriter::_narrow(real)) {}
 
   DDS::InstanceHandle_t register_instance(const Boolean::Sample& sample) override {
     if (!state_->begin("register_instance", " " + text_of(sample))) {
@@ -61,9 +61,9 @@ private:
   Boolean::DataWriter_var typed_;
 };
 
-class StandInPublisher : public virtual OpenDDS::DCPS::LocalObject<DDS::Publisher> {
+class FakePublisher : public virtual OpenDDS::DCPS::LocalObject<DDS::Publisher> {
 public:
-  StandInPublisher(const State& state, DDS::Publisher_ptr real) : state_(state), real_(real) {}
+  FakePublisher(const State& state, DDS::Publisher_ptr real) : state_(state), real_(real) {}
 
   DDS::Publisher_ptr real() const { return real_.in(); }
 
@@ -79,9 +79,9 @@ public:
     }
     DDS::DataWriter_ptr const writer = real_->create_datawriter(topic, qos, listener, mask);
     if (state_->is_refused("narrow_writer")) {
-      return new StandInWriter<DDS::DataWriter>(state_, writer);
+      return new FakeWriter<DDS::DataWriter>(state_, writer);
     }
-    return new StandInBooleanWriter(state_, writer);
+    return new FakeBooleanWriter(state_, writer);
   }
   DDS::ReturnCode_t get_default_datawriter_qos(DDS::DataWriterQos& qos) override {
     if (!state_->begin("get_default_datawriter_qos")) {
@@ -105,13 +105,13 @@ private:
 
 }  // namespace
 
-DDS::Publisher_ptr new_stand_in_publisher(const State& state, DDS::Publisher_ptr real) {
-  return new StandInPublisher(state, real);
+DDS::Publisher_ptr new_fake_publisher(const State& state, DDS::Publisher_ptr real) {
+  return new FakePublisher(state, real);
 }
 
 DDS::Publisher_ptr behind(DDS::Publisher_ptr publisher) {
-  const auto* const stand_in = dynamic_cast<StandInPublisher*>(publisher);
-  return stand_in ? stand_in->real() : publisher;
+  const auto* const fake = dynamic_cast<FakePublisher*>(publisher);
+  return fake ? fake->real() : publisher;
 }
 
 }  // namespace doubles

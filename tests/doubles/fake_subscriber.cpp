@@ -4,13 +4,13 @@ namespace doubles {
 
 namespace {
 
-using State = std::shared_ptr<DdsStandIn::State>;
+using State = std::shared_ptr<FakeDds::State>;
 
 std::atomic<unsigned int> living_readers{0};
 
-class StandInSubscriber : public virtual OpenDDS::DCPS::LocalObject<DDS::Subscriber> {
+class FakeSubscriber : public virtual OpenDDS::DCPS::LocalObject<DDS::Subscriber> {
 public:
-  StandInSubscriber(const State& state, DDS::Subscriber_ptr real) : state_(state), real_(real) {}
+  FakeSubscriber(const State& state, DDS::Subscriber_ptr real) : state_(state), real_(real) {}
 
   DDS::Subscriber_ptr real() const { return real_.in(); }
 
@@ -57,13 +57,13 @@ private:
 
 }  // namespace
 
-DDS::Subscriber_ptr new_stand_in_subscriber(const State& state, DDS::Subscriber_ptr real) {
-  return new StandInSubscriber(state, real);
+DDS::Subscriber_ptr new_fake_subscriber(const State& state, DDS::Subscriber_ptr real) {
+  return new FakeSubscriber(state, real);
 }
 
 DDS::Subscriber_ptr behind(DDS::Subscriber_ptr subscriber) {
-  const auto* const stand_in = dynamic_cast<StandInSubscriber*>(subscriber);
-  return stand_in ? stand_in->real() : subscriber;
+  const auto* const fake = dynamic_cast<FakeSubscriber*>(subscriber);
+  return fake ? fake->real() : subscriber;
 }
 
 ScriptedReader::ScriptedReader(DDS::ReturnCode_t result, bool valid_data, DDS::InstanceStateKind state)

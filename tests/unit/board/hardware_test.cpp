@@ -11,7 +11,7 @@ namespace {
 using doubles::calls;
 using doubles::Calls;
 using doubles::CapturedOutput;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::FakePsdriver;
 using doubles::FakeRadalt;
 using testing::ElementsAre;
@@ -141,7 +141,7 @@ TEST_F(HardwareDeathTest, TheProcessEndsOnlyWhenTheSubscriptionHasStarted) {
   static std::atomic<bool> reader_made{false};
   EXPECT_EXIT(
       {
-        DdsStandIn dds;
+        FakeDds dds;
         const doubles::ParticipantInUse in_use(dds.participant());
         std::promise<void> board_opened;
         calls().runs_at("init", [&] { board_opened.set_value(); });
@@ -175,7 +175,7 @@ TEST_F(HardwareTest, ADriverFailureWhileRegisteringIsAnEventAndTheUnitLives) {
 }
 
 TEST_F(HardwareTest, AnotherExceptionWhileRegisteringLeavesAfterTheHandheldPartIsTakenDown) {
-  DdsStandIn dds;
+  FakeDds dds;
   const doubles::ParticipantInUse in_use(dds.participant());
   driver_.runs_first("SetSwitchInterruptCallback", [] { throw std::out_of_range("registration"); });
   const CapturedOutput unheard;
@@ -189,7 +189,7 @@ TEST_F(HardwareTest, AnotherExceptionWhileRegisteringLeavesAfterTheHandheldPartI
 }
 
 TEST_F(HardwareTest, DestructionTakesThePublisherDownThenTheSubscriberAndNeverClosesTheBoard) {
-  DdsStandIn dds;
+  FakeDds dds;
   const doubles::ParticipantInUse in_use(dds.participant());
   const CapturedOutput unheard;
   {

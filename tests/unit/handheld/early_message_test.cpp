@@ -14,7 +14,7 @@
 namespace {
 
 using doubles::calls;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::ParticipantInUse;
 using doubles::ScriptedReader;
 using testing::ElementsAre;
@@ -75,7 +75,7 @@ protected:
   }
 
   UserInterface user_interface_;
-  DdsStandIn dds_;
+  FakeDds dds_;
   ParticipantInUse in_use_{dds_.participant()};
   ThreadEnds start_ups_;
   unsigned int objects_ = 0;
@@ -131,7 +131,7 @@ protected:
     EXPECT_EQ(calls().count(LED_CALL), 0U);
     EXPECT_THAT(doubles::sent_events(), IsEmpty());
     calls().clear();
-    DdsStandIn dds;
+    FakeDds dds;
     const ParticipantInUse in_use(dds.participant());
     dds.runs_last("create_datareader", [this] { start_ups_.on_this_thread(); });
     driver_.runs_first("psdriver", [this] { message_comes(); });

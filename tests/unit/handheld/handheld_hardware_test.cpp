@@ -9,7 +9,7 @@ namespace {
 using doubles::calls;
 using doubles::Calls;
 using doubles::CapturedOutput;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::ParticipantInUse;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -55,7 +55,7 @@ TEST_F(HandheldHardwareTest, TheMembersHaveTheirFirstValues) {
 }
 
 TEST_F(HandheldHardwareTest, ThePublisherIsMadeBeforeTheDriver) {
-  DdsStandIn dds;
+  FakeDds dds;
   const ParticipantInUse in_use(dds.participant());
   const PlainHandheld unit;
   EXPECT_LT(place_of(VOLTAGE_TOPIC), place_of("psdriver"));
@@ -63,7 +63,7 @@ TEST_F(HandheldHardwareTest, ThePublisherIsMadeBeforeTheDriver) {
 }
 
 TEST_F(HandheldHardwareTest, TheSubscriberConnectsToTheDoneLoadingTopicInTheBackground) {
-  DdsStandIn dds;
+  FakeDds dds;
   const ParticipantInUse in_use(dds.participant());
   const PlainHandheld unit;
   ASSERT_TRUE(calls().wait_for("dds create_datareader"));
@@ -71,7 +71,7 @@ TEST_F(HandheldHardwareTest, TheSubscriberConnectsToTheDoneLoadingTopicInTheBack
 }
 
 TEST_F(HandheldHardwareTest, TheSubscriberIsMadeBeforeThePublisher) {
-  DdsStandIn dds;
+  FakeDds dds;
   const ParticipantInUse in_use(dds.participant());
   dds.runs_first("create_publisher", [] { EXPECT_TRUE(calls().wait_for("dds create_datareader")); });
   const PlainHandheld unit;
@@ -79,7 +79,7 @@ TEST_F(HandheldHardwareTest, TheSubscriberIsMadeBeforeThePublisher) {
 }
 
 TEST_F(HandheldHardwareTest, ADriverThatCannotBeMadeLetsItsErrorOutAfterTopicsAreGivenBack) {
-  DdsStandIn dds;
+  FakeDds dds;
   const ParticipantInUse in_use(dds.participant());
   driver_.fails("psdriver");
   EXPECT_THROW(PlainHandheld(), psdriverError);
@@ -89,7 +89,7 @@ TEST_F(HandheldHardwareTest, ADriverThatCannotBeMadeLetsItsErrorOutAfterTopicsAr
 }
 
 TEST_F(HandheldHardwareTest, APublisherThatCannotBeMadeLetsItsErrorOutAndNoDriverIsMade) {
-  DdsStandIn dds;
+  FakeDds dds;
   const ParticipantInUse in_use(dds.participant());
   dds.refuses("create_publisher");
   EXPECT_THROW(PlainHandheld(), Varnok::Connection_errors::Not_Connected);
@@ -106,7 +106,7 @@ TEST_F(HandheldHardwareTest, ASecondObjectMakesASecondDriver) {
 }
 
 TEST_F(HandheldHardwareTest, DestructionTakesThePublisherDownBeforeTheSubscriberAndKeepsTheDriver) {
-  DdsStandIn dds;
+  FakeDds dds;
   const ParticipantInUse in_use(dds.participant());
   const psdriver* driver = nullptr;
   {

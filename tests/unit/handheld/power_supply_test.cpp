@@ -17,7 +17,7 @@ namespace {
 using doubles::calls;
 using doubles::Calls;
 using doubles::CapturedOutput;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::ParticipantInUse;
 using doubles::sent_events;
 using doubles::WaitingThread;
@@ -54,7 +54,7 @@ protected:
   }
 
   CapturedOutput output_;
-  DdsStandIn dds_;
+  FakeDds dds_;
   ParticipantInUse in_use_{dds_.participant()};
   std::unique_ptr<PlainHandheld> unit_;
   std::string trace_;

@@ -13,7 +13,7 @@
 namespace {
 
 using doubles::calls;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::ParticipantInUse;
 using doubles::PlayedTime;
 using testing::ElementsAre;
@@ -31,7 +31,7 @@ protected:
     calls().clear();
   }
 
-  DdsStandIn dds_;
+  FakeDds dds_;
   ParticipantInUse in_use_{dds_.participant()};
   std::unique_ptr<Subscriber> subscriber_;
 };

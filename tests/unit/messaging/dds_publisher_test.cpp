@@ -15,7 +15,7 @@ namespace {
 
 using doubles::calls;
 using doubles::CapturedOutput;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::ParticipantInUse;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -54,7 +54,7 @@ protected:
     EXPECT_EQ(output_.out(), "");
   }
 
-  DdsStandIn dds_;
+  FakeDds dds_;
   ParticipantInUse in_use_{dds_.participant()};
   CapturedOutput output_;
 };
@@ -110,7 +110,7 @@ TEST_F(DdsPublisherTest, AProcessWithoutParticipantHasNoPublisherEither) {
 
 TEST_F(DdsPublisherTest, ATypeThatIsRefusedIsPrintedAndThrown) {
   const doubles::TypeNameTaken<BooleanAttribute, VoidAttribute> taken;
-  const DdsStandIn dds(taken.participant());
+  const FakeDds dds(taken.participant());
   const ParticipantInUse in_use(dds.participant());
   expect_printed_and_thrown(CONSTRUCTOR + " err: Osts->register_type");
   EXPECT_THAT(calls().all(), ElementsAre("dds create_publisher"));

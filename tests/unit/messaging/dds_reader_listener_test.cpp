@@ -12,7 +12,7 @@ namespace {
 
 using doubles::calls;
 using doubles::CapturedOutput;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::ParticipantInUse;
 using doubles::ScriptedReader;
 using testing::ElementsAre;
@@ -53,7 +53,7 @@ protected:
   void expect_silence() { EXPECT_EQ(output_.out() + output_.err(), ""); }
 
   std::vector<std::string> heard_;
-  DdsStandIn dds_;
+  FakeDds dds_;
   ParticipantInUse in_use_{dds_.participant()};
   CapturedOutput output_;
   std::unique_ptr<DDS_Subscriber<DDS_VoidMessage>> subscriber_;
@@ -155,7 +155,7 @@ TEST_F(DdsReaderListenerTest, WithoutASubscriberNothingIsTaken) {
 }
 
 TEST(DdsReaderListenerCallbackTest, AnEmptyCallbackThrowsBadFunctionCall) {
-  DdsStandIn dds;
+  FakeDds dds;
   const ParticipantInUse in_use(dds.participant());
   const DDS_Subscriber<DDS_VoidMessage> subscriber(TOPIC, boost::function<void(const char*)>());
   subscriber.waitForInitDone();
@@ -170,7 +170,7 @@ TEST(DdsReaderListenerCallbackTest, AnEmptyCallbackThrowsBadFunctionCall) {
 }
 
 TEST(DdsReaderListenerCallbackTest, AnExceptionOfTheCallbackGoesBackToTheEngine) {
-  DdsStandIn dds;
+  FakeDds dds;
   const ParticipantInUse in_use(dds.participant());
   const DDS_Subscriber<DDS_VoidMessage> subscriber(TOPIC, [](const char*) { throw std::out_of_range("callback"); });
   subscriber.waitForInitDone();

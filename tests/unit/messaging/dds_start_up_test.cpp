@@ -14,7 +14,7 @@
 namespace {
 
 using doubles::calls;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::Gate;
 using doubles::ParticipantInUse;
 using doubles::PlayedTime;
@@ -63,7 +63,7 @@ protected:
     return time.sleeps();
   }
 
-  DdsStandIn dds_;
+  FakeDds dds_;
   ParticipantInUse in_use_{dds_.participant()};
   Gate connected_;
   Gate ending_;

@@ -13,7 +13,7 @@
 namespace {
 
 using doubles::CapturedOutput;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::ParticipantInUse;
 using testing::Eq;
 using Varnok::DDS_Subscriber;
@@ -76,7 +76,7 @@ using VoidNameTaken = doubles::TypeNameTaken<Void, Boolean>;
 class DdsSubscriberRefusalTest : public testing::TestWithParam<Refusal> {};
 
 TEST_P(DdsSubscriberRefusalTest, IsPrintedAndThrown) {
-  DdsStandIn dds;
+  FakeDds dds;
   dds.refuses(GetParam().step);
   const ParticipantInUse in_use(dds.participant());
   const CapturedOutput output;
@@ -89,7 +89,7 @@ TEST_P(DdsSubscriberRefusalTest, EndsTheProcess) {
   testing::GTEST_FLAG(death_test_style) = "threadsafe";
   EXPECT_EXIT(
       {
-        DdsStandIn dds;
+        FakeDds dds;
         dds.refuses(GetParam().step);
         const ParticipantInUse in_use(dds.participant());
         const DDS_Subscriber<DDS_VoidMessage> subscriber(TOPIC, [](const char*) {});
@@ -120,7 +120,7 @@ TEST(DdsSubscriberFailureTest, AProcessWithoutParticipantIsPrintedAndThrown) {
 
 TEST(DdsSubscriberFailureTest, ATypeThatIsRefusedIsPrintedAndThrown) {
   const VoidNameTaken taken;
-  const DdsStandIn dds(taken.participant());
+  const FakeDds dds(taken.participant());
   const ParticipantInUse in_use(dds.participant());
   const CapturedOutput output;
   EXPECT_EQ(OpenBase::made().failure(), NO_TYPE);
@@ -144,7 +144,7 @@ TEST(DdsSubscriberFailureDeathTest, ATypeThatIsRefusedEndsTheProcess) {
   EXPECT_EXIT(
       {
         const VoidNameTaken taken;
-        const DdsStandIn dds(taken.participant());
+        const FakeDds dds(taken.participant());
         const ParticipantInUse in_use(dds.participant());
         const DDS_Subscriber<DDS_VoidMessage> subscriber(TOPIC, [](const char*) {});
         subscriber.waitForInitDone();

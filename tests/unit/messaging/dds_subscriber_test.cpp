@@ -18,7 +18,7 @@ namespace {
 using doubles::calls;
 using doubles::Calls;
 using doubles::CapturedOutput;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::Gate;
 using doubles::ParticipantInUse;
 using doubles::ScriptedReader;
@@ -53,7 +53,7 @@ protected:
   }
   ~DdsSubscriberTest() override { EXPECT_EQ(output_.err(), ""); }
 
-  DdsStandIn dds_;
+  FakeDds dds_;
   ParticipantInUse in_use_{dds_.participant()};
   CapturedOutput output_;
 };

@@ -17,7 +17,7 @@ namespace {
 using doubles::calls;
 using doubles::Calls;
 using doubles::CapturedOutput;
-using doubles::DdsStandIn;
+using doubles::FakeDds;
 using doubles::ParticipantInUse;
 using doubles::ReleaseWatch;
 using doubles::ScriptedReader;
@@ -37,7 +37,7 @@ protected:
     calls().clear();
   }
 
-  DdsStandIn dds_;
+  FakeDds dds_;
   ParticipantInUse in_use_{dds_.participant()};
   CapturedOutput output_;
 };
