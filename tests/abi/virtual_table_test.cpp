@@ -25,7 +25,7 @@ struct Symbol {
 std::string demangled(const std::string& name) {
   int status = 0;
   char* const text = abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &status);
-  const std::string result = status == 0 ? text : name;
+  std::string result = status == 0 ? text : name;
   std::free(text);
   return result;
 }

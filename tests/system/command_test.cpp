@@ -7,9 +7,7 @@
 namespace {
 
 using namespace system_test;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 namespace fs = std::filesystem;
 
 /// A unit of which the user can be asked.

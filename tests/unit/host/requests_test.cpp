@@ -37,11 +37,11 @@ TEST_F(RequestsTest, TellsWhatAnOperationHasThrown) {
 }
 
 TEST_F(RequestsTest, RefusesWhatIsNoRequest) {
-  constexpr const char* no_object =
+  constexpr const char* NO_OBJECT =
       R"({"error":"request: expected one JSON object on one line, such as {\"id\":1,\"call\":\"GetBW\",\"args\":[]}","id":null})";
-  EXPECT_EQ(serve(""), no_object);
-  EXPECT_EQ(serve("{\"call\":"), no_object);
-  EXPECT_EQ(serve("[1]"), no_object);
+  EXPECT_EQ(serve(""), NO_OBJECT);
+  EXPECT_EQ(serve("{\"call\":"), NO_OBJECT);
+  EXPECT_EQ(serve("[1]"), NO_OBJECT);
   EXPECT_EQ(
       serve(R"({"call":"GetBW","what":1})"),
       R"({"error":"request: key \"what\": expected \"id\", \"call\" with a text or \"args\" with an array","id":null})");
