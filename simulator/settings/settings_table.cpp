@@ -3,6 +3,7 @@
 #include <chrono>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 #include "simulator/settings/fault_text.h"
 #include "simulator/settings/settings.h"
@@ -49,7 +50,7 @@ Setting named(std::string name, SettingType type, Choices choices, std::string d
   return {std::move(name), type, "", 0, 0, std::move(choices), std::move(doc), {}, {}};
 }
 
-/// What a part of the model holds, as the setting shows it.
+/// A value of the model as its setting shows it.
 template <typename Value>
 json shown(const Value& value) {
   if constexpr (std::is_same_v<Value, std::chrono::microseconds>) {
@@ -65,7 +66,7 @@ json shown(const Value& value) {
   }
 }
 
-/// What the part takes, from a value that check() has passed.
+/// Converts a value that has passed check() to the model's type.
 template <typename Value>
 auto taken(const json& value) {
   if constexpr (std::is_same_v<Value, std::chrono::microseconds>) {
@@ -84,8 +85,8 @@ auto taken(const json& value) {
   }
 }
 
-/// The setting of what `Get` and `Set` read and set in a part of the model, there under `key` where the part holds
-/// several.
+/// A setting that reads and writes a part of the model with `Get` and `Set`, under `key` if the part holds several
+/// values.
 template <auto Part, auto Get, auto Set, typename... Key>
 Setting held(Setting setting, Key... key) {
   using Value = std::decay_t<decltype(((std::declval<UnitModel&>().*Part)().*Get)(key...))>;
@@ -116,7 +117,7 @@ Setting adc_fitted() {
 }
 
 Setting transfer_time() {
-  Setting transfer = number("board.rf.transfer_time", "us", 0, MINUTE_US, "how long one RF register transfer takes");
+  Setting transfer = number("board.rf.transfer_time", "us", 0, MINUTE_US, "duration of one RF register transfer");
   transfer.type = SettingType::DURATION;
   transfer.choices = {"never"};
   transfer.get = [](UnitModel& unit) {
@@ -132,18 +133,18 @@ Setting transfer_time() {
 void add_board(std::vector<Setting>& all) {
   all = {
       held<&UnitModel::board, &Board::handle, &Board::set_handle>(
-          number("board.handle", "", 0, HIGHEST, "what opening the board returns; older handles stop working")),
+          number("board.handle", "", 0, HIGHEST, "handle returned by opening the board; older handles become invalid")),
       register_setting("board.digital.card_id", 1, 0, "digital board card identifier"),
       register_setting("board.digital.card_revision", 1, 4, "digital board card revision"),
       register_setting("board.digital.firmware", 1, 8, "digital board firmware word"),
-      register_setting("board.digital.temperature_count", 1, 40, "digital board temperature, 0.25 degC a step"),
+      register_setting("board.digital.temperature_count", 1, 40, "digital board temperature, 0.25 degC per step"),
       held<&UnitModel::board, &Board::rf_present, &Board::set_rf_present>(
           flag("board.rf.present", "whether the RF board is fitted and answers")),
       transfer_time(),
       register_setting("board.rf.card_id", 1, 128, "RF board card identifier"),
       register_setting("board.rf.card_revision", 1, 132, "RF board card revision"),
       register_setting("board.rf.firmware", 1, 136, "RF board firmware word"),
-      register_setting("board.rf.control", 1, Board::RF_CONTROL, "RF control; bit 0 hides the RF ADC"),
+      register_setting("board.rf.control", 1, Board::RF_CONTROL, "RF control register; bit 0 hides the RF ADC"),
       adc_fitted(),
   };
   for (std::uint32_t channel = 0; channel < Board::ADC_CHANNELS; ++channel) {
@@ -161,26 +162,26 @@ void add_power_supply(std::vector<Setting>& all) {
   add_reply(Reply::BATTERY_RELATIVE_STATE_OF_CHARGE, "state_of_charge", "%", "battery charge");
   add_reply(Reply::CHARGER_BATTERY_STATUS, "charger_status", "",
             "status bits: 1 external voltage, 8 charged, 16 no battery");
-  add_reply(Reply::SOFTWARE_VERSION_NUMBER, "software_version", "", "controller software, 10203 for 1.02.03");
+  add_reply(Reply::SOFTWARE_VERSION_NUMBER, "software_version", "", "controller software version, 10203 for 1.02.03");
   add_reply(Reply::POWER_SUPPLY_TEMPERATURE, "temperature", "0.1 degC", "power-supply temperature");
   add_reply(Reply::BATTERY_TEMPERATURE, "battery_temperature", "degC", "battery temperature");
   add_reply(Reply::BATTERY_AVERAGE_TIME_TO_EMPTY, "average_time_to_empty", "", "time to empty at the average load");
   add_reply(Reply::BATTERY_RUN_TIME_TO_EMPTY, "run_time_to_empty", "", "time to empty at the present load");
   all.push_back(held<&UnitModel::power_supply, &PowerSupply::reply_delay, &PowerSupply::set_reply_delay>(
-      number("power_supply.reply_delay", "us", 0, MINUTE_US, "from a request to its reply")));
+      number("power_supply.reply_delay", "us", 0, MINUTE_US, "delay between a request and its reply")));
   all.push_back(held<&UnitModel::power_supply, &PowerSupply::led_status, &PowerSupply::set_led_status>(
-      number("power_supply.led_status", "", LOWEST, HIGHEST, "system LED status last set; -1 none yet")));
+      number("power_supply.led_status", "", LOWEST, HIGHEST, "last system LED status; -1 if none was set")));
   all.push_back(
       held<&UnitModel::power_supply, &PowerSupply::communication_status, &PowerSupply::set_communication_status>(
           number("power_supply.communication_status", "", LOWEST, HIGHEST,
-                 "user-interface communication status last set; -1 none yet")));
+                 "last user-interface communication status; -1 if none was set")));
 }
 
 void add_sensors(std::vector<Setting>& all) {
   all.push_back(held<&UnitModel::sensors, &Sensors::mic284, &Sensors::set_mic284>(
       word("sensors.mic284", "MIC284 temperature register, degrees Celsius")));
   all.push_back(held<&UnitModel::sensors, &Sensors::i2c_read_status, &Sensors::set_i2c_read_status>(
-      number("sensors.i2c_read_status", "", 0, 255, "status with which i2c_read ends")));
+      number("sensors.i2c_read_status", "", 0, 255, "exit status of i2c_read")));
   all.push_back(held<&UnitModel::sensors, &Sensors::i2c_read_prints, &Sensors::set_i2c_read_prints>(
       flag("sensors.i2c_read_prints", "whether i2c_read prints the register")));
 }
@@ -190,12 +191,15 @@ void add_services(std::vector<Setting>& all) {
   for (const auto& each : model::SERVICE_BEHAVIOURS) {
     behaviours.emplace_back(each.name);
   }
-  for (const Service service : {Service::GUI_MANAGER, Service::EVERYBODY_ENGINE, Service::HW_ENUMERATE}) {
+  const std::pair<Service, std::string> services[] = {{Service::GUI_MANAGER, "GUI manager"},
+                                                      {Service::EVERYBODY_ENGINE, "everybody engine"},
+                                                      {Service::HW_ENUMERATE, "enumeration engine"}};
+  for (const auto& [service, title] : services) {
     const std::string prefix = "services." + std::string(name_of(service));
     all.push_back(held<&UnitModel::services, &Services::behaviour, &Services::set_behaviour>(
-        named(prefix + ".behaviour", SettingType::CHOICE, behaviours, "how it behaves"), service));
+        named(prefix + ".behaviour", SettingType::CHOICE, behaviours, "behaviour of the " + title), service));
     all.push_back(held<&UnitModel::services, &Services::slow_ms, &Services::set_slow_ms>(
-        number(prefix + ".slow_ms", "ms", 0, HOUR_MS, "how much longer a call of it takes while slow"), service));
+        number(prefix + ".slow_ms", "ms", 0, HOUR_MS, "additional time per call if slow"), service));
   }
 }
 
@@ -240,14 +244,14 @@ std::optional<std::uint32_t> number_in(std::string_view text) {
   return whole ? std::optional(number) : std::nullopt;
 }
 
-/// True for a register that the board lets nobody set.
+/// True if the board does not let anybody set the register.
 bool is_out_of_reach(std::uint32_t space, std::uint32_t address) {
   const bool is_request = space == 1 && address == Board::RF_REQUEST;
   const bool is_last = space == 0xFFFFFFFF && address == 0xFFFFFFFF;
   return is_request || is_last;
 }
 
-/// The setting board.register.<space>.<address>; none where the name is not of that form or nobody can set it.
+/// The setting board.register.<space>.<address>; none if the name has another form or nobody can set the register.
 std::optional<Setting> find_register(const std::string& name) {
   if (name.compare(0, REGISTER_PREFIX.size(), REGISTER_PREFIX) != 0) {
     return std::nullopt;
