@@ -34,7 +34,7 @@ char* BASE_HARDWARE::attrib_enum_str_helper(std::string label, int value) {
   return text;
 }
 
-// The text itself is the format: what the caller writes as "%%" comes out as "%".
+// The text itself is the format string: "%%" becomes "%".
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-security"
 char* BASE_HARDWARE::attrib_enum_str_helper(std::string text) {

@@ -11,7 +11,7 @@ void error_line(const char* text) {
   std::cerr << text << std::endl;
 }
 
-/// In decimal, whatever base the host has left on the stream.
+/// Always decimal, even if the host has set another base on the stream.
 void error_line(const char* text, int value) {
   std::cerr << text << std::to_string(value) << std::endl;
 }

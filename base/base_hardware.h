@@ -6,19 +6,19 @@
 #include "base/records.h"
 #include "varnok_readings.h"
 
-/// Every hardware service of a unit, as its host sees it: one object behind the global `Hardware`, called only through
-/// the virtual operations below.
+/// The hardware services of a unit: one object per process, reached through the global `Hardware` and called only
+/// through the virtual operations below.
 ///
-/// The order of the virtual operations is part of the binary interface and never changes. The library never
-/// destroys its object; a host that does needs the concrete class, because the destructor is not virtual.
+/// The order of the virtual operations is part of the binary interface and never changes. The library never destroys
+/// its object; a host that destroys it needs the concrete class, because the destructor is not virtual.
 ///
 /// An operation that a unit does not provide keeps the default of this class: it returns a neutral value (0: nothing
-/// was done) and writes at most one diagnostic line, GetFanState() up to two. Only an exception of the standard streams
-/// leaves a default. Defaults may be called from any thread; they take no lock, so the lines of two callers may
+/// was done) and writes at most one diagnostic line, GetFanState() up to two. A default throws only what the standard
+/// streams throw. Defaults may be called from any thread; they take no lock, so the lines of two callers may
 /// interleave.
 class __attribute__((visibility("default"))) BASE_HARDWARE {
 public:
-  /// State of one fan. Only `FAN_UNKNOWN` is ever set here; 0 to 3 are left to units that drive fans.
+  /// State of one fan. Only `FAN_UNKNOWN` is set here; 0 to 3 are for units that drive fans.
   enum FAN_STATES : int { FAN_STATE_0, FAN_STATE_1, FAN_STATE_2, FAN_STATE_3, FAN_UNKNOWN };
 
   /// Makes `fan_count` fans in the unknown state (none for counts below 1) and writes a trace line with the object's
@@ -43,11 +43,11 @@ public:
   /// @name Fans
   /// @{
 
-  /// Leaves `list` as it is; 0.
+  /// Does not change `list`; returns 0.
   virtual int GetFanStatesList(std::vector<FANDATA>& list);
-  /// The state of the fan of that index, counted from 0; unknown for a fan that does not exist.
+  /// The state of the fan with that index, counted from 0; unknown if there is no such fan.
   virtual FAN_STATES GetFanState(unsigned int index);
-  /// Changes nothing; 0.
+  /// Changes nothing; returns 0.
   virtual int SetFanState(unsigned int index, BASE_HARDWARE::FAN_STATES state);
   virtual void AdjustFanSpeeds(std::vector<FANDATA>& list);
   /// @}
@@ -102,7 +102,7 @@ public:
   virtual int PsTemperature();
   virtual int BatteryTemperature();
   virtual int Slot1MIC284Temperature();
-  /// 1 when a battery is fitted, else 0.
+  /// 1 if a battery is fitted, else 0.
   virtual int BatteryPresent();
   /// @}
 

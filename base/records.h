@@ -4,7 +4,7 @@
 #include <string>
 
 /// The records of the lists that the hardware hands to its host. Plain values: copied member by member, owned by the
-/// vector that holds them, shared by nobody.
+/// vector that holds them, not shared.
 
 /// One row of the version list.
 struct VERSIONSDATA {
@@ -14,11 +14,11 @@ struct VERSIONSDATA {
 
 /// One row of the temperature list.
 struct TEMPERATUREDATA {
-  float temperature;  ///< degrees Celsius; 0 where the label says that the reading is not valid
+  float temperature;  ///< degrees Celsius; 0 if the label says that the reading is not valid
   std::string name;   ///< the row's label, for example "Battery Temperature"
 };
 
-/// One fan. No unit fills it; the two words mean what a unit with fans makes them mean.
+/// One fan. No unit fills it; a unit with fans defines the meaning of the two words.
 struct FANDATA {
   std::uint32_t word1;
   std::uint32_t word2;

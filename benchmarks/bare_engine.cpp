@@ -28,7 +28,7 @@ dds_return_t require(dds_return_t result, const char* what) {
   return result;
 }
 
-/// False if there was nothing to take.
+/// False if there was no sample.
 bool take_and_call(dds_entity_t reader, const BareEngine::Listener& listener) {
   void* sample = nullptr;
   dds_sample_info_t info;

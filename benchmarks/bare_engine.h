@@ -24,7 +24,7 @@ public:
   BareEngine(const BareEngine&) = delete;
   BareEngine& operator=(const BareEngine&) = delete;
 
-  /// A reliable writer that keeps its last sample, for late readers too if `durable`.
+  /// A reliable writer that keeps its last sample, also for late readers if `durable`.
   dds_entity_t make_writer(const dds_topic_descriptor_t& type, const std::string& topic, bool durable);
   /// A volatile reader that keeps all samples. `listener` is called once per sample, after it has been taken.
   dds_entity_t make_reader(const dds_topic_descriptor_t& type, const std::string& topic, Listener listener,

@@ -10,7 +10,7 @@ namespace benchmarks {
 struct Aim {
   enum class Kind {
     RATIO_AT_MOST,   ///< figure / baseline
-    RATE_AT_LEAST,   ///< baseline / figure: operations done in the time of one of the baseline's
+    RATE_AT_LEAST,   ///< baseline / figure: operations done in the time of one baseline operation
     EXCESS_AT_MOST,  ///< figure - baseline, in the figure's unit
     RATIO_WITHOUT_AIM,
   };
@@ -28,8 +28,8 @@ struct Comparison {
   using Measure = std::function<double()>;
 
   std::string name;
-  Measure figure;    ///< measures once; nanoseconds, or bytes where `unit` says so
-  Measure baseline;  ///< likewise; a known floor is just returned
+  Measure figure;    ///< measures once; nanoseconds, or bytes if `unit` says so
+  Measure baseline;  ///< likewise; may return a known constant
   Aim aim;
   int samples;  ///< measurements of each side; medians are compared
   std::string unit = "ns";
@@ -48,7 +48,7 @@ double time_of(const Work& work) {
   return std::chrono::duration<double, std::nano>(Clock::now() - begin).count();
 }
 
-/// Nanoseconds that one call of `work` takes, of `calls` in a row.
+/// Nanoseconds per call of `work`, averaged over `calls` calls in a row.
 template <typename Work>
 double time_of_each(int calls, const Work& work) {
   return time_of([&] {

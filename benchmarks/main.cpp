@@ -1,5 +1,5 @@
 // Runs the benchmarks of a program and writes their results, with the machine they were measured on, as JSON to
-// standard output. What the library writes there goes to /dev/null instead.
+// standard output. The library's standard output goes to /dev/null.
 
 #include <benchmark/benchmark.h>
 #include <sys/utsname.h>
@@ -16,7 +16,7 @@
 
 namespace {
 
-/// The results as JSON; tells on standard error which benchmark has run.
+/// The results as JSON; names each finished benchmark on standard error.
 class Results : public benchmark::JSONReporter {
 public:
   void ReportRuns(const std::vector<Run>& runs) override {
@@ -48,7 +48,7 @@ void describe_machine() {
   benchmark::AddCustomContext("engine", BENCHMARK_ENGINE);
 }
 
-/// Keeps standard output for the results: the descriptor that now leads there; 1 leads nowhere from here on.
+/// Reserves standard output for the results: returns a new descriptor of it and redirects descriptor 1 to /dev/null.
 int set_output_aside() {
   const int results = dup(STDOUT_FILENO);
   if (results == -1 || std::freopen("/dev/null", "w", stdout) == nullptr) {
@@ -84,6 +84,6 @@ int main(int argc, char** argv) {
   results.SetOutputStream(&text);
   results.SetErrorStream(&std::cerr);
   benchmark::RunSpecifiedBenchmarks(&results);
-  // The engine's threads run to the very end; nothing is taken down before them.
+  // The engine's threads run until the process ends; nothing is destroyed before.
   _exit(write_all(output, text.str()) ? 0 : 1);
 }

@@ -78,7 +78,7 @@ void print(const std::vector<Row>& rows) {
   }
 }
 
-/// Empty where no benchmark of the program was asked for.
+/// Empty if no benchmark of the program was requested.
 json read(const char* path) {
   std::ifstream file(path);
   if (!file) {

@@ -4,7 +4,8 @@
 
 namespace board {
 
-/// Holds the board lock while it lives: one sequence of register accesses, also one that is left by an exception.
+/// Holds the board lock during its lifetime, for one sequence of register accesses; gives it back even if the sequence
+/// throws.
 class BoardLock {
 public:
   explicit BoardLock(HARDWARE& hardware) : hardware_(hardware) { hardware_.Lock(); }

@@ -23,7 +23,7 @@ void HARDWARE::Init() {
   const int handle = Radalt_Init();
   if (handle < 0) {
     std::cerr << " HARDWARE::Init  critical error opening device, errno=" << std::to_string(handle) << std::endl;
-    // The subscription's start-up thread would run into what the exit tears down.
+    // The subscription's start-up thread must not use objects that exit() destroys.
     wait_for_subscription();
     std::exit(1);
   }

@@ -8,16 +8,16 @@
 
 /// The radar-altimeter unit: the handheld unit with the radar-altimeter board in it.
 ///
-/// Board sequences take the board lock, shared by all processes that use the driver, once each and hold it to their
-/// end. A lock that cannot be taken is reported on standard output and the sequence goes on.
+/// All processes that use the driver share the board lock. Each board sequence takes it once and holds it until the
+/// sequence ends. If the lock cannot be taken, a line on standard output reports it and the sequence continues.
 class __attribute__((visibility("default"))) HARDWARE : public Handheld_Hardware {
 public:
   /// Makes the unit without fans and opens its board. Throws what the handheld layer throws.
   HARDWARE();
   ~HARDWARE();
 
-  /// Opens the board driver, then registers with the power-supply driver. A board that cannot be opened ends the
-  /// process with exit status 1, once the done-loading subscription has started.
+  /// Opens the board driver, then registers with the power-supply driver. If the board cannot be opened, the process
+  /// exits with status 1 once the done-loading subscription has started.
   void Init();
 
   /// Takes the board lock.
@@ -25,7 +25,7 @@ public:
   /// Gives the board lock back.
   void UnLock();
 
-  /// Replaces `list` by the unit's ten versions; always 1. A part that cannot be read shows in its row's text.
+  /// Replaces `list` by the unit's ten versions; always 1. If a part cannot be read, its row's text says so.
   int GetVersionList(std::vector<VERSIONSDATA>& list) override;
 
   std::string i2c_command_str() override;

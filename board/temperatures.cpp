@@ -9,7 +9,7 @@ namespace {
 constexpr unsigned int CHANNEL_SHIFT = 12;
 constexpr unsigned int TEMPERATURE_CHANNEL = 2;
 
-/// Full scale of the converter, which spans 400 K from 223.15 K on.
+/// Full scale of the converter: 400 K, starting at 223.15 K.
 constexpr unsigned int FULL_SCALE = 16383;
 constexpr unsigned int SPAN = 40000;
 constexpr unsigned int LOWEST = 22315;
@@ -19,8 +19,8 @@ unsigned int hundredths_of_a_kelvin(unsigned int raw) {
   return (raw * SPAN + FULL_SCALE / 2) / FULL_SCALE + LOWEST;
 }
 
-/// The RF ADC may be addressed while this lives: bit 0 of the control register is clear, and gets its value back at the
-/// end. `control` is the register's value.
+/// The RF ADC may be addressed during its lifetime: bit 0 of the control register is clear; the destructor restores it.
+/// `control` is the register's value.
 class RfAdcAddressed {
 public:
   RfAdcAddressed(HARDWARE& hardware, unsigned int control)

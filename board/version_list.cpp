@@ -45,7 +45,7 @@ const char* release_text(unsigned int release_type) {
   }
 }
 
-/// "1.02.03 alpha" of a firmware word; each number shows at most 99, and a released version ends with its blank.
+/// "1.02.03 alpha" of a firmware word; each number shows at most 99, and a released version ends with the blank.
 std::string firmware_text(unsigned int word) {
   const auto field = [word](unsigned int shift) { return std::min((word >> shift) & 0xFFU, 99U); };
   std::ostringstream text;
@@ -66,16 +66,16 @@ Board read_digital_board(HARDWARE& hardware) {
           hardware.Peek(handheld::DIGITAL_FIRMWARE)};
 }
 
-/// Reads two words of a file and joins them by a blank into `first`. A word that cannot be read keeps what its variable
-/// held before.
+/// Reads two words of a file and joins them by a blank into `first`. If a word cannot be read, its variable keeps its
+/// previous value.
 void read_two_words(const char* path, std::string& first, std::string& second) {
   std::ifstream file(path);
   file >> first >> second;
   first += " " + second;
 }
 
-/// Reads a number of a file by the rules of streams: a file that is missing or empty leaves `number` as it was, other
-/// text makes it 0, and a number with a sign wraps.
+/// Reads a number from a file with stream extraction: `number` is unchanged if the file is missing or empty, 0 for
+/// other text, and wraps for a negative number.
 void read_number(const char* path, unsigned int& number) {
   std::ifstream file(path);
   file >> number;
@@ -96,7 +96,7 @@ int HARDWARE::GetVersionList(std::vector<VERSIONSDATA>& list) {
   std::string text = firmware_text(digital.firmware);
   list.push_back({text, "Digital Board Firmware Version"});
 
-  // The working variables go from row to row on purpose: a missing file shows what they held before it.
+  // The working variables are reused between rows on purpose: if a file is missing, its row shows their previous value.
   std::string second_word;
   read_two_words("/sys/class/omappci/FPGA_ver", text, second_word);
   list.push_back({text, "Slot 1 Actel PCI FPGA version"});

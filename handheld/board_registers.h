@@ -19,7 +19,7 @@ constexpr unsigned int RF_CARD_ID = 128;
 constexpr unsigned int RF_CARD_REVISION = 132;
 constexpr unsigned int RF_FIRMWARE = 136;
 constexpr unsigned int RF_ADC = 196;     ///< channel select on write, conversion result on read
-constexpr unsigned int RF_STATUS = 248;  ///< bit 0: an RF ADC is there; read directly
+constexpr unsigned int RF_STATUS = 248;  ///< bit 0: an RF ADC is fitted; read directly
 constexpr unsigned int LAST_RF_REGISTER = 248;
 /// Written with an RF register's address to start its transfer; on read, the register's bit is set while the transfer
 /// is pending.

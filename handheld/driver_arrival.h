@@ -4,18 +4,18 @@
 
 namespace handheld {
 
-/// Tells threads that may need the power-supply driver before it is made when it is there. Any thread, no lock.
+/// Lets threads wait until the power-supply driver has been made. Any thread, no lock.
 class DriverArrival {
 public:
-  /// Construction begins: until the driver is there, wait() waits.
+  /// Construction begins: wait() blocks until the driver has been made.
   void expect();
-  /// The driver is there, and stays until the process ends.
+  /// The driver has been made; it exists until the process ends.
   void announce();
-  /// Construction has failed: unless there is an earlier driver, wait() returns at once, also in threads that are in
-  /// it.
+  /// Construction has failed: unless there is an earlier driver, wait() returns at once, also in threads that already
+  /// wait.
   void give_up();
 
-  /// Waits without limit for the driver, looking once per millisecond. False if its construction has failed.
+  /// Waits without limit for the driver, polling once per millisecond. False if its construction has failed.
   bool wait() const;
 
 private:

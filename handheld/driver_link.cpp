@@ -4,8 +4,8 @@
 
 using boost::interprocess::interprocess_semaphore;
 
-// The hardware object is made by another source file's initialiser while the library loads. These objects must be alive
-// by then in whatever order the files are linked, so they are constructed ahead of all ordinary file-scope objects.
+// The hardware object is made by another source file's initialiser while the library loads. These objects must exist by
+// then regardless of the link order, so they are constructed before all ordinary file-scope objects.
 #define AHEAD_OF_THE_HARDWARE_OBJECT [[gnu::init_priority(1001)]]
 
 AHEAD_OF_THE_HARDWARE_OBJECT interprocess_semaphore semBatteryStatusIrq(0);

@@ -1,7 +1,7 @@
 #pragma once
 
-// The link to the power-supply driver. The driver calls plain functions that carry no object, so what it hands over
-// lives at file scope: one store per reply kind, written before its semaphore is posted and read after the wait.
+// The link to the power-supply driver. The driver calls plain functions without an object, so its replies are stored at
+// file scope: one store per reply kind, written before its semaphore is posted and read after the wait.
 
 #include <cstdint>
 #include <sstream>
@@ -26,7 +26,7 @@ extern std::stringstream ps_ver;      ///< decimal text of the software version
 /// @}
 
 /// @name Reply arrived
-/// One semaphore per reply kind, counting from 0. A post that nobody awaits satisfies the next wait of its kind.
+/// One semaphore per reply kind, counting from 0. A post without a waiting thread satisfies the next wait of its kind.
 /// @{
 extern __attribute__((visibility("default"))) boost::interprocess::interprocess_semaphore semBatteryStatusIrq;
 extern __attribute__((visibility("default"))) boost::interprocess::interprocess_semaphore semBatteryTimeIrq;
@@ -38,7 +38,7 @@ extern __attribute__((visibility("default"))) boost::interprocess::interprocess_
 /// @}
 
 /// @name Reply functions, called on the driver's thread
-/// A semaphore that cannot be posted throws boost::interprocess::interprocess_exception.
+/// They throw boost::interprocess::interprocess_exception if the semaphore cannot be posted.
 /// @{
 __attribute__((visibility("default"))) void BatteryRelativeStateOfChargeResponse(int charge);
 __attribute__((visibility("default"))) void SoftwareVersionNumberResponse(int version);
@@ -53,14 +53,15 @@ extern __attribute__((visibility("default"))) Varnok::EngineEventMessage_i Attr_
 
 namespace handheld {
 
-/// Bits of `charge_status` that have a meaning here.
+/// Bits of `charge_status` that the library uses.
 enum ChargerBits : std::int32_t {
   EXTERNAL_VOLTAGE = 0x01,
   FULLY_CHARGED = 0x09,  ///< both bits set: reported as 100 per cent
   BATTERY_ABSENT = 0x10
 };
 
-/// Registers the reply functions with the driver. Throws psdriverError; the later functions are not registered then.
+/// Registers the reply functions with the driver. Throws psdriverError; the functions after the failing one are then
+/// not registered.
 void register_reply_functions();
 
 /// Sends one failure event through `Attr_EventMessage`. `source` is the reporting function's full name, `text` says

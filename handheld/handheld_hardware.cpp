@@ -10,14 +10,14 @@ using handheld::driver_arrival;
 
 namespace {
 
-/// What a done-loading message calls. One that comes before the driver is made waits for it.
+/// Call-back of the done-loading subscription. Waits for the driver if the message arrives before the driver is made.
 boost::function<void(char const*)> done_loading_handler(Handheld_Hardware* unit) {
   driver_arrival.expect();
   return boost::bind(&Handheld_Hardware::UIDoneLoadingDDS_SubCallback, unit, boost::placeholders::_1);
 }
 
-/// Runs a step of the construction that comes after the subscriber. If it throws, waiting messages are let go first:
-/// the subscriber's destruction waits for them.
+/// Runs a construction step that follows the subscriber. If it throws, waiting messages are released first, because the
+/// subscriber's destructor waits for them.
 template <typename Step>
 auto or_let_messages_go(const Step& step) -> decltype(step()) {
   try {

@@ -8,19 +8,19 @@
 #include "messaging/dds_publisher.h"
 #include "messaging/dds_subscriber.h"
 
-/// The handheld unit itself: power supply, battery and charger, temperature sensors, power switch and cover, backlight,
-/// network. The board under it is the concrete class's.
+/// The handheld unit: power supply, battery and charger, temperature sensors, power switch and cover, backlight,
+/// network. The concrete class adds the board.
 ///
-/// Operations run on the calling thread. Those that ask the power supply wait without limit for its reply; two threads
-/// that wait for the same kind of reply may each take the other's. No operation locks out another; the power-switch
-/// handler holds the framework lock.
+/// Operations run on the calling thread. Those that query the power supply wait without limit for its reply; two
+/// threads that wait for the same kind of reply may each take the other's. Operations do not exclude each other; the
+/// power-switch handler holds the framework lock.
 class __attribute__((visibility("default"))) Handheld_Hardware : public BASE_HARDWARE {
 public:
   /// Starts the subscription to the user interface's done-loading message, makes the external-voltage publisher and the
   /// power-supply driver. `n` is the number of fans. Throws what these throw.
   explicit Handheld_Hardware(const int& n);
-  /// Takes publisher and subscription down. The driver stays, and its power-switch interrupts find no object any more.
-  /// Not to be called while one is being handled.
+  /// Destroys the publisher and the subscription. The driver stays; its power-switch interrupts then have no object.
+  /// Not to be called while an interrupt is being handled.
   ~Handheld_Hardware();
 
   /// Registers the reply functions and, last, the power-switch handler with the driver. A driver failure ends the
@@ -64,10 +64,10 @@ public:
   virtual float getDigitalBoardTemp(float scale) = 0;
   /// @}
 
-  /// The power supply's version row; its version is empty when it could not be read.
+  /// The power supply's version row; its version is empty if it could not be read.
   VERSIONSDATA GetPowerSupplyVersion();
   /// Sets the system LED to the state of a loaded user interface; a driver failure is sent as an event. Runs on a DDS
-  /// delivery thread, and waits there for the driver while that is still being made.
+  /// delivery thread, and waits there for the driver if it has not been made yet.
   void UIDoneLoadingDDS_SubCallback(char const* topic);
   /// Drives the display backlight to the device's maximum.
   void setMaxBacklight();
@@ -75,14 +75,14 @@ public:
   static void PowerSwitch(int value);
 
   /// @name Registers
-  /// Space 1 where none is given. The driver's status is not looked at: a failed read yields what the driver left, else
-  /// 0. No lock is taken; a sequence needs the board lock around it.
+  /// Address space 1 unless one is given. The driver's status is ignored: a failed read returns the value that the
+  /// driver left, else 0. They take no lock; the caller of a sequence must hold the board lock.
   /// @{
   int Poke(unsigned int address, unsigned int value);
   int Poke(unsigned int space, unsigned int address, unsigned int value);
   unsigned int Peek(unsigned int address);
   unsigned int Peek(unsigned int space, unsigned int address);
-  /// An RF board register (128 to 248, multiples of 4) through the request register; 0 when the transfer times out.
+  /// An RF board register (128 to 248, multiples of 4) through the request register; 0 if the transfer times out.
   /// Throws Varnok::Operation_errors::DataOutOfRangeException for any other address. The caller holds the board lock.
   unsigned int Peek_RFregister(unsigned int address);
   /// @}
@@ -101,7 +101,7 @@ private:
   std::int32_t max_interfaces;   ///< network interfaces of the unit
   float digital_board_scale_;    ///< degrees Celsius per count
   std::int32_t mic284_celsius_;  ///< last MIC284 reading, whole degrees
-  bool ps_temperature_valid_;    ///< the three flags tell what the last temperature list could read
+  bool ps_temperature_valid_;    ///< the three flags: whether the last temperature list could read the value
   bool battery_temperature_valid_;
   bool mic284_temperature_valid_;
 

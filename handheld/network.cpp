@@ -1,7 +1,7 @@
 #include "handheld/handheld_hardware.h"
 #include "handheld/shell.h"
 
-// Interface names go into the command lines as they come.
+// Interface names are put into the command lines unquoted.
 
 using handheld::run;
 

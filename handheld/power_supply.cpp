@@ -8,7 +8,8 @@ namespace {
 /// Offset of the Celsius scale in hundredths of a kelvin.
 constexpr int CELSIUS_ZERO = 27315;
 
-/// 10203 reads 1.02.03: one digit, two, and up to five. Throws std::out_of_range for a text of under three characters.
+/// 10203 becomes 1.02.03: one digit, two, and up to five. Throws std::out_of_range if the text has fewer than three
+/// characters.
 std::string dotted_version(const std::string& digits) {
   return digits.substr(0, 1) + "." + digits.substr(1, 2) + "." + digits.substr(3, 5);
 }
@@ -60,7 +61,7 @@ VERSIONSDATA Handheld_Hardware::GetPowerSupplyVersion() {
     handheld::report_failure("Handheld_Hardware::GetPowerSupplyVersion()",
                              "Power Supply Driver Failure: Power Supply Version");
   } catch (...) {
-    // The version list is the only one to ask for this row; the report names it.
+    // Only the version list requests this row, so the report names the version list.
     std::cerr << "HARDWARE::GetPowerSupplyVersion err" << std::endl;
     handheld::report_failure("HARDWARE::GetVersionList()", "PSdriver Software Version is missing");
   }

@@ -27,7 +27,7 @@ enum InterruptBits : int {
   SHUTDOWN_REQUEST = 0x107
 };
 
-/// What the user answers the question with.
+/// The user's possible answers to the question.
 constexpr CORBA::Long ANSWER_OK = 0;
 /// Tells the power supply that the user interface has gone.
 constexpr int USER_INTERFACE_GONE = 0x100;
@@ -39,15 +39,15 @@ const char SHUTDOWN_SCREEN_TEXT[] =
     "                                 Shutting Down\r\n\r\n"
     "                                  Please Wait";
 
-/// The object that an interrupt is for: the process's hardware object, or the one that registered the handler while the
+/// The object that handles an interrupt: the process's hardware object, or the one that registered the handler if the
 /// host's pointer is not set yet. Null once the object that registered the handler has been destroyed.
 BASE_HARDWARE* hardware_object() {
   Handheld_Hardware* const owner = handheld::switch_owner;
   return owner && Hardware ? Hardware : owner;
 }
 
-/// Runs one step of the handler. A step that fails is passed over: whoever it was to reach is gone already, and the
-/// unit is safest when the hardware is shut down all the same.
+/// Runs one step of the handler. A failing step is skipped: the service that it calls is already gone, and shutting
+/// down the hardware anyway is safest for the unit.
 template <typename Step>
 void attempt(const Step& step) {
   try {
@@ -56,7 +56,7 @@ void attempt(const Step& step) {
   }
 }
 
-/// False when the user said no. A user who cannot be asked is taken to mean the switch that was pressed.
+/// False if the user declined. If the user cannot be asked, the shutdown counts as confirmed.
 bool user_agrees() {
   if (CORBA::is_nil(GuiManagerPtr.in())) {
     return true;
@@ -147,7 +147,7 @@ void write_backlight_power(int power) {
   file << power;
 }
 
-/// Closing the cover writes 0, also when it is closed already; only its opening writes 1.
+/// Writes 0 if the cover is closed, even if it was closed before; writes 1 only when the cover opens.
 void follow_cover(bool closed) {
   const bool was_closed = cover_closed;
   cover_closed = closed;
@@ -162,7 +162,7 @@ void Handheld_Hardware::PowerSwitch(int value) {
   const Varnok::Locker locker;
   CommunicationStatusInterruptValue = value;
   std::cout << "PowerSwitch:Comm status interrupt value" << std::to_string(value) << std::endl;
-  // The bit lies in the group, so the group's test decides nothing. Both are kept: the value is decoded by group, then
+  // The bit belongs to the group, so the group's test is redundant. Both are kept: the value is decoded by group, then
   // by bit.
   if ((value & BACKLIGHT_GROUP) != 0 && (value & BACKLIGHT_TO_MAXIMUM) != 0) {
     raise_backlight();

@@ -8,10 +8,11 @@ namespace handheld {
 
 namespace {
 
-/// How long before the deadline to be awake: what waking up takes, with some to spare.
+/// Wake up this long before the deadline: the wake-up latency plus a margin.
 const boost::posix_time::microseconds WAKE_UP_TIME(40);
 
-/// By default the kernel lets a thread's sleeps run 50 microseconds over; this takes the allowance away while it lives.
+/// By default the kernel may extend a thread's sleep by 50 microseconds; this disables the extension during its
+/// lifetime.
 class ExactTimers {
 public:
   ExactTimers() : slack_ns_(prctl(PR_GET_TIMERSLACK)) { prctl(PR_SET_TIMERSLACK, 1UL); }

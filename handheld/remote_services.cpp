@@ -4,7 +4,7 @@
 
 #include "messaging/service_lookup.h"
 
-// Constructed right after the objects of the driver link, and like them ahead of the hardware object.
+// Constructed directly after the objects of the driver link and before the hardware object.
 [[gnu::init_priority(1002)]] Varnok::HwEnumerate_Able_var EnumEngPtr;
 [[gnu::init_priority(1002)]] Halcyra::gui::GUIManager_var GuiManagerPtr;
 
@@ -22,7 +22,7 @@ void FindGuiManagerInstance() {
 
 namespace handheld {
 
-// The engines' paths end in the instance; there is one GUI manager only.
+// The engines' paths end in the instance; the GUI manager has only one instance.
 void find_everybody_engine() {
   try {
     const auto found = find_service<Varnok::EverybodyEng::Interfaces>({"Halcyra", "local", "EVERYBODYENG", "1"});

@@ -4,9 +4,9 @@
 #include "gui_manager.h"
 #include "hw_enumerate.h"
 
-// The unit's remote services, found by their naming paths. A lookup that fails is reported by one line on standard
-// error and keeps the holder's last value; nothing is thrown. An object of another type leaves the holder nil. Called
-// on the power-supply driver's thread.
+// The unit's remote services, found by their naming paths. A failing lookup writes one line to standard error and keeps
+// the holder's last value; it throws nothing. If the object has another type, the holder becomes nil. Called on the
+// power-supply driver's thread.
 
 /// @name Holders, nil until found
 /// @{

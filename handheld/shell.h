@@ -4,7 +4,7 @@
 
 namespace handheld {
 
-/// Runs `command` in the system shell and waits until it has ended. Its exit status is ignored.
+/// Runs `command` in the system shell and waits until it exits. Its exit status is ignored.
 void run(const std::string& command);
 
 }  // namespace handheld

@@ -12,7 +12,7 @@ namespace {
 const char MIC284_FILE[] = "/tmp/MIC284";
 const char OMAP_FILE[] = "/sys/class/hwmon/hwmon0/device/celsius";
 
-/// The sensor's register as its tool prints it, in whole degrees Celsius: hexadecimal, the low byte signed.
+/// Whole degrees Celsius from the hexadecimal register value that the sensor's tool prints; its low byte is signed.
 /// Text without hexadecimal digits is 0. Numbers beyond 32 bits saturate, as the unit's own 32-bit long does.
 std::int32_t mic284_degrees(const std::string& text) {
   const long number = std::strtol(text.c_str(), nullptr, 16);
@@ -22,7 +22,7 @@ std::int32_t mic284_degrees(const std::string& text) {
 }
 
 /// Appends the processor's row. The number is read into the row that holds the previous temperature, and the row is
-/// appended even when nothing could be read: an empty file repeats that temperature.
+/// appended even if nothing could be read: an empty file repeats that temperature.
 void append_omap_row(std::vector<TEMPERATUREDATA>& list, TEMPERATUREDATA& row) {
   std::ifstream file(OMAP_FILE);
   if (!file.is_open()) {

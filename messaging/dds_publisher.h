@@ -18,21 +18,21 @@ namespace Varnok {
 template <typename T>
 class DDS_Publisher : public DDS_BaseObj {
 public:
-  /// Makes publisher, topic and writer on the process's participant.
-  /// Throws Connection_errors::Not_Connected when one of them is refused.
+  /// Makes publisher, topic and writer on the process's participant. Throws Connection_errors::Not_Connected if one of
+  /// them cannot be made.
   explicit DDS_Publisher(const char* topicName);
   /// Removes writer, publisher and topic.
   virtual ~DDS_Publisher();
 
-  /// Writes one sample that carries `value`; the same value twice makes two samples.
-  /// Throws Connection_errors::Communications_failure when DDS refuses the write.
+  /// Writes one sample that carries `value`; the same value twice makes two samples. Throws
+  /// Connection_errors::Communications_failure if DDS rejects the write.
   void sendData(const T& value);
 
 private:
   using Attribute = DDS_Attribute<T>;
   using Texts = DDS_Publisher_texts<T>;
 
-  /// The typed side of the writer.
+  /// The typed interface of the writer.
   struct Writer {
     typename Attribute::Sample sample{};
     typename Attribute::TypeSupport_var type_support = new typename Attribute::TypeSupportImpl;
@@ -93,7 +93,7 @@ void DDS_Publisher<T>::create_topic() {
 
 template <typename T>
 void DDS_Publisher<T>::create_writer() {
-  // The initial QoS is what the record holds when its defaults cannot be fetched; the writer is made all the same.
+  // If the default QoS cannot be fetched, the record keeps its initial values; the writer is made anyway.
   DDS::DataWriterQos qos = TheServiceParticipant->initial_DataWriterQos();
   if (publisher_->get_default_datawriter_qos(qos) != DDS::RETCODE_OK) {
     std::cout << "DDS_Publisher:: ERROR: create_datawriter failed" << std::endl;

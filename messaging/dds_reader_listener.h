@@ -7,8 +7,8 @@ namespace Varnok {
 template <typename T, typename U>
 class DDS_SubscriberBase;
 
-/// Takes each arriving sample and hands it to the subscriber that contains the listener.
-/// Called on the engine's delivery threads; what it throws goes back to them.
+/// Takes each arriving sample and hands it to the subscriber that contains the listener. Called on the engine's
+/// delivery threads; exceptions propagate to them.
 template <typename T>
 class DDS_DataReaderListener : public OpenDDS::DCPS::LocalObject<DDS::DataReaderListener> {
 public:
@@ -25,7 +25,7 @@ public:
   void on_sample_rejected(DDS::DataReader_ptr, const DDS::SampleRejectedStatus&) override {}
   void on_liveliness_changed(DDS::DataReader_ptr, const DDS::LivelinessChangedStatus&) override {}
   /// Takes one sample. A valid one is dispatched once start-up is done; a disposed instance and one without writers are
-  /// reported on standard output. Throws Runtime_errors::Generic when there is no sample to take.
+  /// reported on standard output. Throws Runtime_errors::Generic if there is no sample to take.
   void on_data_available(DDS::DataReader_ptr reader) override;
   void on_subscription_matched(DDS::DataReader_ptr, const DDS::SubscriptionMatchedStatus&) override {}
   void on_sample_lost(DDS::DataReader_ptr, const DDS::SampleLostStatus&) override {}

@@ -18,8 +18,8 @@ class DDS_Subscriber;
 
 /// Owns the DDS entities, the call-back and the start-up state of one subscription.
 ///
-/// Start-up runs on a detached thread of its own; the call-back runs on the engine's delivery threads. Neither the
-/// call-back nor destruction gets ahead of start-up. Constructed and destroyed by any thread.
+/// Start-up runs on a separate, detached thread; the call-back runs on the engine's delivery threads. The call-back and
+/// destruction wait for start-up. Constructed and destroyed by any thread.
 template <typename T, typename U>
 class DDS_SubscriberBase : public DDS_BaseObj {
 public:
@@ -28,13 +28,13 @@ public:
   virtual ~DDS_SubscriberBase();
 
   /// The start-up work, run once on the start-up thread: makes subscriber, topic and reader. The reader keeps all
-  /// samples and delivers at most one a minimum separation (0, 0: all of them).
-  /// Throws Connection_errors::Not_Connected after a line on standard error; start-up then never ends.
+  /// samples and delivers at most one per minimum separation (0, 0: all of them). Throws
+  /// Connection_errors::Not_Connected after a line on standard error; start-up then never ends.
   void InitSubBase(DDS_Subscriber<T>* owner, long minSeparationSec, unsigned long minSeparationNanosec,
                    DDS::DurabilityQosPolicyKind durability);
   /// Marks start-up as done; runs when the start-up thread ends.
   void FinishedInitSubBase();
-  /// Returns once start-up is done, looking once a millisecond; no time limit.
+  /// Returns once start-up is done, polling once per millisecond; no time limit.
   void waitForInitDone() const;
 
 protected:
@@ -45,7 +45,7 @@ private:
   using Attribute = DDS_Attribute<T>;
   using Texts = DDS_Subscriber_texts<T>;
 
-  /// The typed side of the reader.
+  /// The typed interface of the reader.
   struct Reader {
     typename Attribute::Sample sample{};
     typename Attribute::TypeSupport_var type_support = new typename Attribute::TypeSupportImpl;
@@ -74,7 +74,7 @@ private:
 template <typename T>
 class DDS_Subscriber : public DDS_SubscriberBase<T, void(char const*)> {
 public:
-  /// Returns at once; the subscription is made on a thread of its own. A start-up that fails ends the process.
+  /// Returns at once; the subscription is made on a separate thread. If start-up fails, the process is terminated.
   DDS_Subscriber(const char* topicName, const boost::function<void(char const*)>& callback);
   ~DDS_Subscriber() override;
 };

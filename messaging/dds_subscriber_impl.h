@@ -62,7 +62,7 @@ void DDS_SubscriberBase<T, U>::create_topic(DDS::DomainParticipant_ptr participa
 template <typename T, typename U>
 void DDS_SubscriberBase<T, U>::create_reader(DDS_Subscriber<T>* owner, const DDS::Duration_t& minimum_separation,
                                              DDS::DurabilityQosPolicyKind durability) {
-  // The initial QoS is what the record holds when its defaults cannot be fetched; the reader is made all the same.
+  // If the default QoS cannot be fetched, the record keeps its initial values; the reader is made anyway.
   DDS::DataReaderQos qos = TheServiceParticipant->initial_DataReaderQos();
   if (subscriber_->get_default_datareader_qos(qos) != DDS::RETCODE_OK) {
     std::cout << "DDS_Subscriber:: ERROR: create_datareader failed" << std::endl;
@@ -97,7 +97,7 @@ void DDS_SubscriberBase<T, U>::disconnect() {
   data_reader_ = DDS::DataReader::_nil();
   this->DdsBase().participant->delete_subscriber(subscriber_.in());
   this->DdsBase().participant->delete_topic(topic_.in());
-  // A reader that is not deleted keeps its listener for good.
+  // A reader that is not deleted keeps its listener forever.
   if (reader_deleted) {
     wait_for_listener();
   }
@@ -106,7 +106,7 @@ void DDS_SubscriberBase<T, U>::disconnect() {
 template <typename T, typename U>
 void DDS_SubscriberBase<T, U>::wait_for_listener() const {
   // Deleting a reader does not wait for its running call-back. That thread uses the record, and it releases its
-  // reference to the listener, a member here, after the call.
+  // reference to the listener, a member here, after the call-back.
   while (listener_.ref_count() > 1) {
     pause();
   }

@@ -3,7 +3,7 @@
 namespace messaging {
 
 CORBA::Object_ptr find_object(const std::vector<std::string>& path) {
-  // Never destroyed, not even at exit: what it finds may be in use by any thread until the very end.
+  // Never destroyed, not even at exit: any thread may use the objects that it found until the process ends.
   ORB_wrapper_base& wrapper = *new ORB_wrapper_base;
   std::vector<ORB_wrapper_base::ClientInfo> clients(1, ORB_wrapper_base::ClientInfo(path));
   wrapper.LookupClient(clients);

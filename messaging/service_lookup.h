@@ -7,11 +7,11 @@
 
 namespace messaging {
 
-/// Finds the object of that naming path through an ORB wrapper of its own, which is kept until the process ends: the
-/// object belongs to it. Throws what the lookup throws. Any thread.
+/// Finds the object with that naming path through a new ORB wrapper, which is kept until the process ends because it
+/// owns the object. Throws what the lookup throws. Any thread.
 CORBA::Object_ptr find_object(const std::vector<std::string>& path);
 
-/// Finds the service of that naming path. The caller owns the reference; nil if the object is of another type.
+/// Finds the service with that naming path. The caller owns the reference; nil if the object is of another type.
 template <typename Service>
 typename Service::_ptr_type find_service(const std::vector<std::string>& path) {
   return Service::_narrow(find_object(path));

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The full signatures by which failure messages name the reporting function. They are part of what the unit's logs are
-/// searched for, so they are written out: compilers spell them differently.
+/// The full signatures by which failure messages name the reporting function. The unit's logs are searched for them, so
+/// they are written out: compilers spell them differently.
 namespace Varnok {
 
 struct DDS_VoidMessage;

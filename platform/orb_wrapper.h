@@ -6,8 +6,8 @@
 
 #include <tao/PortableServer/PortableServer.h>
 
-/// Access to the unit's ORB and naming service.
-/// An object of it may be used by one thread at a time; several objects may be used at once.
+/// Access to the unit's ORB and naming service. Each object may be used by one thread at a time; several objects may be
+/// used concurrently.
 class __attribute__((visibility("default"))) ORB_wrapper_base {
 public:
   /// One lookup and its answer.
@@ -26,9 +26,9 @@ public:
   ORB_wrapper_base(const ORB_wrapper_base&) = delete;
   ORB_wrapper_base& operator=(const ORB_wrapper_base&) = delete;
 
-  /// Resolves the path of every entry in the naming service and fills in its object. Throws what the ORB throws
-  /// (a CORBA exception) when an entry cannot be resolved; entries before it are filled then. Blocks without limit on a
-  /// naming service that takes the connection and stays silent.
+  /// Resolves the path of every entry in the naming service and fills in its object. Throws the ORB's CORBA exception
+  /// if an entry cannot be resolved; the entries before it are then filled in. Blocks without limit if the naming
+  /// service accepts the connection but does not answer.
   void LookupClient(std::vector<ClientInfo>& clients);
 
 private:

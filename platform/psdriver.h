@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-/// What the power-supply driver throws when its device cannot be reached or refuses an operation.
+/// Thrown by the power-supply driver if its device cannot be reached or rejects an operation.
 class __attribute__((visibility("default"))) psdriverError : public std::runtime_error {
 public:
   explicit psdriverError(const std::string& what);
@@ -13,14 +13,15 @@ public:
 /// The power-supply driver: the unit's power-supply controller on the I2C bus.
 ///
 /// Every query is asynchronous: a request returns at once and is answered later by exactly one call of the function
-/// registered for its kind of reply. Replies and switch interrupts arrive on one thread of the driver's own, one after
-/// the other. Requests may be made from any thread. Every operation may throw psdriverError; it has then had no effect
-/// and, for a request, no reply will come. A reply whose kind has no registered function is dropped.
+/// registered for its kind of reply. Replies and switch interrupts arrive one at a time on one thread of the driver.
+/// Requests may be made from any thread. Every operation may throw psdriverError; it has then had no effect and, for a
+/// request, no reply will come. A reply whose kind has no registered function is dropped.
 class __attribute__((visibility("default"))) psdriver {
 public:
   using Callback = void (*)(int);
 
-  /// Opens the controller behind `device` (an I2C bus device, "/dev/i2c-3"). Throws psdriverError when it cannot.
+  /// Opens the controller behind `device` (an I2C bus device, "/dev/i2c-3"). Throws psdriverError if it cannot be
+  /// opened.
   explicit psdriver(std::string device);
   /// Stops the driver's thread; no call-back runs afterwards. Not to be called from a call-back.
   ~psdriver();
@@ -50,7 +51,7 @@ public:
   /// Sets the system LED; status 12 is the state of a loaded user interface. `status` may be overwritten with the
   /// controller's answer when `answer` is true; the unit passes false.
   void SetSystemLEDStatus(int& status, bool answer);
-  /// Tells the controller the state of the user interface; 0x100: the user interface has gone. `answer` as above.
+  /// Tells the controller the state of the user interface; 0x100: the user interface has exited. `answer` as above.
   void SetUserInterface_CommunicationStatus(int& status, bool answer);
 
 private:

@@ -8,9 +8,8 @@
 /// undisturbed only while its caller holds the board lock, which is shared by all processes that use the driver.
 extern "C" {
 
-/// Opens the board.
-/// Returns a handle >= 0 for the operations below, or a negative error number when the board cannot be opened.
-/// There is no close operation; the handle is good until the process ends.
+/// Opens the board. Returns a handle >= 0 for the operations below, or a negative error number if the board cannot be
+/// opened. There is no close operation; the handle is valid until the process ends.
 int Radalt_Init();
 
 /// Reads the 32-bit register `address` of address space `space` into `*value`.
@@ -25,6 +24,6 @@ int Radalt_Write(int handle, unsigned int space, unsigned int address, unsigned 
 /// Returns 0 once the caller holds it, else a non-zero error number. Not to be taken twice by one holder.
 int Radalt_LockGet(int handle);
 
-/// Gives the board lock back. Returns 0, or a non-zero error number where the caller does not hold it.
+/// Gives the board lock back. Returns 0, or a non-zero error number if the caller does not hold it.
 int Radalt_LockPut(int handle);
 }

@@ -8,7 +8,7 @@ namespace Varnok {
 /// A message without payload.
 struct DDS_VoidMessage {};
 
-/// Maps the type that a topic's user sees to the attribute sample that carries it.
+/// Maps the value type of a topic to its attribute sample type.
 template <typename T>
 struct DDS_Attribute;
 

@@ -16,7 +16,7 @@ public:
   ~Not_Connected() override;
 };
 
-/// A DDS write was refused.
+/// A DDS write was rejected.
 class __attribute__((visibility("default"))) Communications_failure : public std::runtime_error {
 public:
   explicit Communications_failure(const std::string& text);
@@ -27,7 +27,7 @@ public:
 
 namespace Runtime_errors {
 
-/// Something happened that the framework has no better name for.
+/// An error without a more specific type.
 class __attribute__((visibility("default"))) Generic : public std::runtime_error {
 public:
   explicit Generic(const std::string& text);
@@ -38,7 +38,7 @@ public:
 
 namespace Operation_errors {
 
-/// One number of a range record: a union of an integer and a real, told apart by its kind.
+/// One number of a range record: a union of an integer and a real, selected by its kind.
 struct RangeValue {
   enum Kind { INTEGER, REAL };
   static RangeValue of(std::int32_t number);
@@ -51,7 +51,7 @@ struct RangeValue {
   };
 };
 
-/// What was out of range, the bounds (both inside the valid range) and the offending value.
+/// A description of the range error, the bounds (both inside the valid range) and the offending value.
 struct RangeRecord {
   std::string description;
   RangeValue minimum;

@@ -4,9 +4,8 @@
 
 namespace Varnok {
 
-/// One sender to the unit's event log.
-/// Any thread may send; the sender serialises. Construction never fails: a log that cannot be reached shows at the
-/// first event.
+/// One sender to the unit's event log. Any thread may send; the sender serialises. Construction never fails: if the log
+/// cannot be reached, the first event throws.
 class __attribute__((visibility("default"))) EngineEventMessage_i {
 public:
   EngineEventMessage_i();
@@ -14,7 +13,7 @@ public:
   EngineEventMessage_i(const EngineEventMessage_i&) = delete;
   EngineEventMessage_i& operator=(const EngineEventMessage_i&) = delete;
 
-  /// Hands the record to the event log; the caller keeps it. Throws std::runtime_error when the log refuses it.
+  /// Hands the record to the event log; the caller keeps it. Throws std::runtime_error if the log rejects it.
   void SendEventMessage(const Event::Message& message);
 
 private:

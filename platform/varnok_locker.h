@@ -4,8 +4,8 @@
 
 namespace Varnok {
 
-/// The framework lock, held from construction to destruction of the object.
-/// The lock is the process's own: another thread that constructs a Locker waits until the holder has destroyed its.
+/// The framework lock, held from construction to destruction of the object. There is one lock per process: another
+/// thread that constructs a Locker waits until the holder destroys its Locker.
 class __attribute__((visibility("default"))) Locker {
 public:
   /// Takes the lock, waiting without limit.

@@ -16,7 +16,7 @@ double start_time(const char* side) {
   return Child("started_process", {side}).number();
 }
 
-/// The bare entities, and the loader's own work on the library.
+/// The bare entities, and the loader's work on the library.
 double unavoidable() {
   return start_time("listener") + start_time("loader");
 }

@@ -7,7 +7,7 @@
 //                                     sets the LED
 //   started_process waitset [topic]   likewise; a thread that waits on a waitset sets the LED
 //
-// Writes the nanoseconds that it took on a line; then the process's resident bytes for each line of input.
+// Writes one line with the nanoseconds taken; then, for each line of input, one line with the process's resident bytes.
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -42,7 +42,7 @@ double load_library() {
   return time;
 }
 
-/// Nothing calls the object that is in the way.
+/// Placeholder for the hardware object; nothing calls it.
 double load_library_without_its_object() {
   static char object = 0;
   Hardware = reinterpret_cast<BASE_HARDWARE*>(&object);

@@ -17,7 +17,7 @@ double version_list() {
   return benchmarks::time_of([&] { hardware.GetVersionList(list); });
 }
 
-/// What the list cannot do without, beside the waits.
+/// The list's unavoidable costs besides the waits.
 void gather() {
   benchmarks::read_file("/sys/class/omappci/FPGA_ver");
   benchmarks::read_file("/sys/class/omappci/Board_rev");

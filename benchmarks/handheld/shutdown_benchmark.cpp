@@ -21,7 +21,7 @@ using benchmarks::Aim;
 constexpr int SHUTDOWN_REQUEST = 0x100;
 constexpr char QUESTION[] = "System Prompt";
 
-/// Answers the question with Ok as soon as it is shown, while it lives.
+/// During its lifetime, answers the question with Ok as soon as it is shown.
 class Answerer {
 public:
   Answerer() : thread_([this] { run(); }) {}
@@ -61,7 +61,7 @@ typename Service::_var_type find(CORBA::ORB_ptr orb, std::initializer_list<const
   return Service::_narrow(object.in());
 }
 
-/// What a shutdown cannot do without: its remote calls and its script.
+/// The unavoidable costs of a shutdown: its remote calls and its script.
 void bare_shutdown(CORBA::ORB_ptr orb) {
   const auto gui = find<Halcyra::gui::GUIManager>(orb, {"Halcyra", "local", "GUIManager"});
   const auto everybody = find<Varnok::EverybodyEng::Interfaces>(orb, {"Halcyra", "local", "EVERYBODYENG", "1"});

@@ -9,7 +9,7 @@ namespace {
 
 using benchmarks::Aim;
 
-/// Those of one RF conversion.
+/// Nanoseconds that one RF conversion waits.
 constexpr double WAITS = 450000;
 
 double temperature_list() {
@@ -18,7 +18,7 @@ double temperature_list() {
   return benchmarks::time_of([&] { hardware.GetTemperature(list); });
 }
 
-/// What the list cannot do without, beside the waits.
+/// The list's unavoidable costs besides the waits.
 void gather() {
   PSdriver->GetPowerSupplyTemperatureValue();
   semPowerSupplyTempIrq.wait();

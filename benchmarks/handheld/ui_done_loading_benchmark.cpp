@@ -17,7 +17,7 @@ const char WAITSET_TOPIC[] = "Halcyra/local/UIDoneLoadingWaitset";
 const char LISTENER_TOPIC[] = "Halcyra/local/UIDoneLoadingListener";
 constexpr int UI_LOADED = 12;
 constexpr auto START_UP = std::chrono::milliseconds(200);
-/// Between two messages, so that the listener's threads are asleep.
+/// Pause between two messages, so that the listener's threads are asleep.
 constexpr auto PAUSE = std::chrono::milliseconds(2);
 
 /// The user interface's side: a writer and a process that listens to it.
@@ -69,7 +69,7 @@ double through_a_bare_listener() {
   return listening.time();
 }
 
-/// OpenDDS's own, on the machine of docs/performance.md.
+/// Measured with OpenDDS on the machine of docs/performance.md.
 double through_opendds() {
   return 55e3;
 }

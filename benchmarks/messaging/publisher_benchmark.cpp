@@ -43,7 +43,7 @@ double bare_write() {
   });
 }
 
-/// Gives each writer a reader, in one and the same other process.
+/// Gives each writer a reader; all readers are in one other process.
 void give_readers() {
   static Child& readers = *new Child("reading_process", {TOPIC, BARE_TOPIC});
   static const double count = readers.number();

@@ -1,5 +1,5 @@
-// A process that reads boolean attributes: reading_process TOPIC… Writes the number of its readers on a line once each
-// of them has a writer. Ends with its input.
+// A process that reads boolean attributes: reading_process TOPIC… Writes one line with the number of its readers once
+// each of them has a writer. Exits at the end of its input.
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-// What the built library shows to others, and what it leaves to its host.
+// The built library's exported symbols, and those that it expects from its host.
 
 #include <gmock/gmock.h>
 
@@ -36,7 +36,7 @@ TEST(Exports, ExactlyTheNamedSymbolsAreExported) {
           "PowerSupplyTemperatureValueResponse(int)", "BatteryTemperatureResponse(int)",
           "BatteryAverageTimeToEmptyResponse(int)", "BatteryRunTimeToEmptyResponse(int)",
           ATTRIBUTE_TEXT + TEXT + ", " + TEXT + ")", ATTRIBUTE_TEXT + TEXT + ", int)", ATTRIBUTE_TEXT + TEXT + ")",
-          // Destructors twice each: of a complete object, and of a base.
+          // Each destructor appears twice: for complete objects and for bases.
           "BASE_HARDWARE::~BASE_HARDWARE()", "BASE_HARDWARE::~BASE_HARDWARE()",
           "Handheld_Hardware::~Handheld_Hardware()", "Handheld_Hardware::~Handheld_Hardware()", "HARDWARE::~HARDWARE()",
           "HARDWARE::~HARDWARE()", "vtable for BASE_HARDWARE", "vtable for Handheld_Hardware", "vtable for HARDWARE",

@@ -24,7 +24,7 @@ void PrintTo(const Member& member, std::ostream* out) {
   *out << member.name << " at " << member.offset;
 }
 
-/// Text of an XML attribute, its angle brackets as they are in C++.
+/// Text of an XML attribute with its angle brackets unescaped.
 std::string attribute(const std::string& line, const std::string& name) {
   const std::string key = " " + name + "='";
   const std::size_t begin = line.find(key);

@@ -1,4 +1,4 @@
-// Which source files bring the engines' start-up calls, read from the library's object files.
+// The source files that contain the engines' start-up calls, read from the library's object files.
 
 #include <gmock/gmock.h>
 
@@ -11,7 +11,7 @@ namespace {
 using testing::Contains;
 using testing::IsSupersetOf;
 
-/// The names that each object file of a list separated by "|" leaves to others.
+/// The undefined symbols of each object file in a list separated by "|".
 std::vector<std::vector<std::string>> undefined_names(const std::string& object_files) {
   std::vector<std::vector<std::string>> names;
   std::istringstream files(object_files);

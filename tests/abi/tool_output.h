@@ -7,7 +7,7 @@
 
 namespace abi_test {
 
-/// The lines that a command writes on standard output. Throws std::runtime_error when it fails.
+/// The lines that a command writes on standard output. Throws std::runtime_error if the command fails.
 inline std::vector<std::string> lines_of(const std::string& command) {
   FILE* const pipe = popen(command.c_str(), "r");
   if (!pipe) {

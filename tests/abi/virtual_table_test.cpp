@@ -46,10 +46,10 @@ std::multimap<std::string, Symbol> symbols() {
   return found;
 }
 
-/// The names of one function: the compiler gives functions with the same code one address.
+/// The names of one function: functions with identical code may share one address.
 using Names = std::set<std::string>;
 
-/// Names of what the library's relocations put at each address.
+/// The symbols that the library's relocations store at each address.
 std::map<unsigned long, Names> relocation_targets() {
   std::map<unsigned long, Names> names_at;
   for (const auto& [name, symbol] : symbols()) {

@@ -6,7 +6,7 @@
 #include "tests/contract/power_supply_side.h"
 #include "tests/doubles/heard.h"
 
-// What the power-supply driver promises, whichever controller is behind it.
+// The power-supply driver's contract, for every implementation.
 namespace {
 
 using doubles::hear;
@@ -23,7 +23,7 @@ protected:
   }
   ~PsdriverContract() override { delete driver_; }
 
-  /// Waits until everything asked before has been delivered.
+  /// Waits until all replies to earlier requests have been delivered.
   void settle() {
     driver_->SetSoftwareVersionNumberCallback(hear<'.'>);
     driver_->GetSoftwareVersionNumber();

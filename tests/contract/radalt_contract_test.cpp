@@ -3,7 +3,7 @@
 
 #include "tests/contract/board_side.h"
 
-// What the board driver promises, whichever board is behind it.
+// The board driver's contract, for every implementation.
 namespace {
 
 constexpr unsigned RF_REQUEST = 252;

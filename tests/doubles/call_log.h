@@ -9,14 +9,13 @@
 
 namespace doubles {
 
-/// What the doubles were asked to do, one text a call, in the order in which it happened whichever double was asked.
-/// Any thread.
+/// The calls to all doubles, one text per call, in the order of the calls. Any thread.
 class CallLog {
 public:
   void record(const std::string& call);
   /// Every call since the last clear().
   std::vector<std::string> all() const;
-  /// Those that begin with `prefix`.
+  /// The calls that begin with `prefix`.
   std::vector<std::string> starting_with(const std::string& prefix) const;
   unsigned int count(const std::string& call) const;
   void clear();

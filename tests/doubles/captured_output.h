@@ -4,8 +4,8 @@
 
 namespace doubles {
 
-/// Takes what the process writes to standard output and standard error while it lives, each by itself. Nothing is
-/// flushed on the writer's behalf: text that still stands in a buffer is not there yet. One at a time.
+/// Captures the process's standard output and standard error separately during its lifetime. Does not flush the
+/// streams: text still in a buffer is missing. One at a time.
 class CapturedOutput {
 public:
   CapturedOutput();

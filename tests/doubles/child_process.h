@@ -7,11 +7,11 @@
 
 namespace doubles {
 
-/// A program run as a child, killed at the latest by the destructor or with the thread that has started it.
+/// A program run as a child process, killed by the destructor or when the thread that started it ends.
 class ChildProcess {
 public:
-  /// Starts it with these variables added to the environment; what it writes to both streams goes to the file
-  /// `output`. Throws std::system_error.
+  /// Starts it with these variables added to the environment; both its output streams go to the file `output`. Throws
+  /// std::system_error.
   ChildProcess(const std::vector<std::string>& arguments, const std::vector<std::string>& variables,
                const std::string& output);
   ~ChildProcess();
@@ -19,9 +19,9 @@ public:
   ChildProcess& operator=(const ChildProcess&) = delete;
 
   pid_t id() const { return id_; }
-  /// Does nothing once the end has been noticed.
+  /// Does nothing once the child's exit has been seen.
   void send(int signal) const;
-  /// Waits for the end; returns the exit status, or minus the signal that ended it.
+  /// Waits until it exits; returns the exit status, or the negative number of the signal that killed it.
   int wait();
   bool running();
 

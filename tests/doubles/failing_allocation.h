@@ -2,11 +2,10 @@
 
 #include <cstddef>
 
-/// The program's operator new, replaced by one that can be told to fail. Linking this double replaces it for the whole
-/// program.
+/// Replaces operator new by a version that tests can make fail. Linking this double replaces it for the whole program.
 namespace doubles {
 
-/// The `nth` allocation that this thread makes from now on throws std::bad_alloc, once. One at a time a thread.
+/// The `nth` allocation that this thread makes from now on throws std::bad_alloc, once. One at a time per thread.
 class FailingAllocation {
 public:
   /// `size`: only allocations of that many bytes count; 0: all do.
@@ -15,7 +14,7 @@ public:
   FailingAllocation(const FailingAllocation&) = delete;
   FailingAllocation& operator=(const FailingAllocation&) = delete;
 
-  /// Whether the allocation has come and failed.
+  /// Whether the allocation was made and failed.
   bool has_failed() const;
 };
 
@@ -34,7 +33,7 @@ public:
   bool has_ended() const;
 };
 
-/// Allocations by operator new that are alive in the whole program.
+/// Number of unreleased allocations by operator new in the whole program.
 long living_allocations();
 
 }  // namespace doubles

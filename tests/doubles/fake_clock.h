@@ -3,10 +3,10 @@
 #include <ctime>
 #include <string>
 
-/// The C library's time(), played. Linking this double replaces the function for the whole program.
+/// A fake of the C library's time(). Linking this double replaces the function for the whole program.
 namespace doubles {
 
-/// Stops the wall clock, and sets the process's time zone, while it lives. One at a time.
+/// During its lifetime, stops the wall clock and sets the process's time zone. One at a time.
 class StoppedClock {
 public:
   /// `utc_seconds` since 1970-01-01 00:00 UTC; `zone` as in the environment variable TZ ("UTC0", "EAST-2").

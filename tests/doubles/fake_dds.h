@@ -17,8 +17,8 @@
 
 namespace doubles {
 
-/// A participant that stands in front of the real one: everything is forwarded, except for the steps that are told to
-/// be refused. Any thread; keeps its state alive for the entities made through it.
+/// A fake participant that forwards everything to the real one except the steps that are set to fail. Any thread; keeps
+/// its state alive for the entities made through it.
 ///
 /// Steps, by their names in the log (each behind "dds "): create_publisher, create_topic, get_default_datawriter_qos,
 /// create_datawriter, narrow_writer, register_instance, write, delete_contained_entities of publisher,
@@ -32,31 +32,32 @@ public:
   FakeDds(const FakeDds&) = delete;
   FakeDds& operator=(const FakeDds&) = delete;
 
-  /// The step gives nil or RETCODE_ERROR from now on; "narrow_writer": writers are made that have no type. Deletions
-  /// that are refused are made all the same.
+  /// The step returns nil or RETCODE_ERROR from now on; "narrow_writer": new writers have no type. Deletions that are
+  /// set to fail still delete the entity.
   FakeDds& refuses(const std::string& step);
-  /// Every such step from now on runs `action` first.
+  /// From now on every such step runs `action` first.
   FakeDds& runs_first(const std::string& step, std::function<void()> action);
   /// The real entity is made, and `action` runs before the step returns.
   FakeDds& runs_last(const std::string& step, std::function<void()> action);
 
-  /// The next reader is made, and this one is returned in its stead. Takes over the reference.
+  /// The next reader is made, but this one is returned instead. Takes over the reference.
   FakeDds& hands_out(DDS::DataReader_ptr reader);
 
   DDS::DomainParticipant_ptr participant() const;
 
-  /// What the last writer and the last reader were made with.
+  /// The QoS of the last writer and the last reader made.
   DDS::DataWriterQos writer_qos() const;
   DDS::DataReaderQos reader_qos() const;
-  /// The listener of the last reader; nil when there was none. The caller owns the reference.
+  /// The listener of the last reader; nil if it had none. The caller owns the reference.
   DDS::DataReaderListener_ptr reader_listener() const;
-  /// The status masks of all that was made, and whether any of it but the reader was given a listener.
+  /// The status masks of all entities made.
   std::set<DDS::StatusMask> masks() const;
-  /// Writers made here that somebody still refers to.
+  /// Number of writers made here that still have references.
   unsigned int living_writers() const;
+  /// Whether an entity other than a reader was given a listener.
   bool listeners_given() const;
 
-  /// What the stand-ins share.
+  /// State shared by the fake entities.
   class State;
 
 private:
@@ -64,8 +65,8 @@ private:
   DDS::DomainParticipant_var participant_;
 };
 
-/// A participant of its own that knows the type name of attribute `Taken` as that of another type, so that registering
-/// `Taken` with it is refused.
+/// A separate participant on which the type name of attribute `Taken` is registered for another type, so that
+/// registering `Taken` fails.
 template <typename Taken, typename Other>
 class TypeNameTaken {
 public:
@@ -91,14 +92,14 @@ private:
   DDS::DomainParticipant_var participant_;
 };
 
-/// A typed reader of void attributes that yields what it is told.
+/// A typed reader of void attributes with preset results.
 class ScriptedReader : public virtual OpenDDS::DCPS::LocalObject<Varnok::QTNN_DDS::ATTR_VOIDDataReader> {
 public:
-  /// The next take yields this, and so do all after it.
+  /// Every take returns this.
   ScriptedReader(DDS::ReturnCode_t result, bool valid_data, DDS::InstanceStateKind state);
   ~ScriptedReader() override;
 
-  /// Readers of this kind that still live.
+  /// Number of readers of this kind that still exist.
   static unsigned int alive();
 
   unsigned int takes() const { return takes_; }

@@ -6,7 +6,7 @@
 
 namespace doubles {
 
-/// Told by the tests, asked by the stand-ins.
+/// Set by the tests, read by the fake entities.
 class FakeDds::State {
 public:
   void refuse(const std::string& step) {
@@ -14,7 +14,7 @@ public:
     refused.insert(step);
   }
 
-  /// Logs the step and runs what is to come first. False: the step is refused.
+  /// Logs the step and runs its first action. Returns false if the step is to fail.
   bool begin(const std::string& step, const std::string& details = "") {
     calls().record("dds " + step + details);
     run(first, step);
@@ -22,7 +22,7 @@ public:
   }
   void end(const std::string& step) { run(last, step); }
 
-  /// What a deletion returns that has given `result`.
+  /// The return code of a deletion whose real result is `result`.
   DDS::ReturnCode_t unless_refused(const std::string& step, DDS::ReturnCode_t result) {
     return is_refused(step) ? DDS::RETCODE_ERROR : result;
   }
@@ -69,11 +69,11 @@ private:
   }
 };
 
-/// The real entity behind a stand-in; the entity itself where it is none. Nothing is added to the reference count.
+/// The real entity behind a fake one; the entity itself if it is real. Does not change the reference count.
 DDS::Publisher_ptr behind(DDS::Publisher_ptr publisher);
 DDS::Subscriber_ptr behind(DDS::Subscriber_ptr subscriber);
 
-/// Stand-ins in front of real entities; they take over the reference.
+/// Fake entities in front of real ones; they take over the reference.
 DDS::Publisher_ptr new_fake_publisher(const std::shared_ptr<FakeDds::State>& state, DDS::Publisher_ptr real);
 DDS::Subscriber_ptr new_fake_subscriber(const std::shared_ptr<FakeDds::State>& state, DDS::Subscriber_ptr real);
 

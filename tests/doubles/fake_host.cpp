@@ -1,4 +1,4 @@
 #include "base/base_hardware.h"
 
-/// What the host process defines.
+/// Defined by the host process.
 BASE_HARDWARE* Hardware = nullptr;

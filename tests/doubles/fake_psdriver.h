@@ -16,33 +16,33 @@
 
 namespace doubles {
 
-/// The power-supply driver behind platform/psdriver.h, played. The one that lives is the one that every psdriver object
-/// reaches; without one, operations throw psdriverError. Any thread.
+/// A fake of the power-supply driver behind platform/psdriver.h. Every psdriver object uses the existing fake; without
+/// one, operations throw psdriverError. Any thread.
 ///
-/// Each request is answered by one call of its registered function on the driver's own thread, with 0 unless told.
-/// Operations go by their names; the opening of the device is "psdriver". Calls in the log: the operation's name, for
-/// registrations and requests; "psdriver /dev/i2c-3"; "SetSystemLEDStatus 12 0" with its arguments.
+/// Each request is answered by one call of its registered function on the driver's own thread, with 0 unless set.
+/// Operations are identified by their names; opening the device is "psdriver". Calls in the log: the operation's name,
+/// for registrations and requests; "psdriver /dev/i2c-3"; "SetSystemLEDStatus 12 0" with its arguments.
 class FakePsdriver {
 public:
   FakePsdriver();
-  /// Ends the driver's thread; what is still held or queued is dropped.
+  /// Ends the driver's thread; replies still held or queued are dropped.
   ~FakePsdriver();
   FakePsdriver(const FakePsdriver&) = delete;
   FakePsdriver& operator=(const FakePsdriver&) = delete;
 
-  /// What the request is answered with from now on.
+  /// Sets the answer to the request from now on.
   FakePsdriver& answers(const std::string& request, int value);
-  /// The request is taken and never answered.
+  /// The request is accepted but never answered.
   FakePsdriver& stays_silent(const std::string& request);
   /// The `nth` call of the operation from now on throws psdriverError, once.
   FakePsdriver& fails(const std::string& operation, unsigned int nth = 1);
-  /// Every call of the operation from now on runs `action` first; what that throws leaves the operation.
+  /// From now on every call of the operation runs `action` first; its exceptions leave the operation.
   FakePsdriver& runs_first(const std::string& operation, std::function<void()> action);
-  /// Replies are kept back until release().
+  /// Holds replies back until release().
   FakePsdriver& holds_replies();
   FakePsdriver& release();
 
-  /// The function registered with that registration; null when there is none.
+  /// The function registered with that registration; null if there is none.
   psdriver::Callback registered(const std::string& registration) const;
   /// Calls the switch handler on the driver's thread and waits until it has returned.
   void interrupt(int value);
@@ -53,7 +53,7 @@ public:
   /// The driver's own thread.
   std::thread::id thread_id() const;
 
-  /// @name What the driver's operations do
+  /// @name Implementation of the driver's operations
   /// @{
   void operation(const std::string& name, const std::string& logged);
   void registration(const std::string& name, psdriver::Callback function);

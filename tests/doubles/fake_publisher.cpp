@@ -6,11 +6,11 @@ namespace {
 
 using Boolean = Varnok::DDS_Attribute<bool>;
 
-/// What instances are registered as: a type without key needs no handle, so that the real writer may give none.
+/// Handle of registered instances: a type without key needs none, so the real writer may return HANDLE_NIL.
 constexpr DDS::InstanceHandle_t SOME_HANDLE = 4711;
 using State = std::shared_ptr<FakeDds::State>;
 
-/// A writer in front of a real one. `Interface` is DDS::DataWriter for one that has no type.
+/// A fake writer in front of a real one. `Interface` is DDS::DataWriter for a writer without a type.
 template <typename Interface>
 class FakeWriter : public virtual OpenDDS::DCPS::LocalObject<Interface> {
 public:

@@ -15,7 +15,7 @@ FakeRadalt* board = nullptr;
 constexpr std::pair<unsigned int, unsigned int> RF_REQUEST(1, 252);
 constexpr unsigned int FIRST_RF_REGISTER = 128;
 
-/// The C library's own clock, which tests may play.
+/// The C library's clock, which tests may replace.
 std::chrono::system_clock::time_point now() {
   std::timespec time{};
   clock_gettime(CLOCK_REALTIME, &time);

@@ -15,8 +15,8 @@
 
 namespace doubles {
 
-/// The radar-altimeter board behind platform/radalt.h, played. The one that lives is the one that the driver calls
-/// reach; without one they fail with status -1. Any thread.
+/// A fake of the radar-altimeter board behind platform/radalt.h. Driver calls use the existing fake; without one they
+/// fail with status -1. Any thread.
 ///
 /// Calls in the log: "init", "read <space> <address>", "write <space> <address> <value>", "lock", "unlock".
 class FakeRadalt {
@@ -26,29 +26,29 @@ public:
   FakeRadalt(const FakeRadalt&) = delete;
   FakeRadalt& operator=(const FakeRadalt&) = delete;
 
-  /// What opening the board returns; 7 unless told.
+  /// Result of opening the board; 7 unless set.
   FakeRadalt& opens_with(int result);
-  /// Contents of a register; 0 unless told.
+  /// Contents of a register; 0 unless set.
   FakeRadalt& holds(unsigned int space, unsigned int address, unsigned int value);
-  /// What the next reads of a register yield, one after the other; afterwards its contents again.
+  /// Results of the next reads of a register, in order; later reads return its contents.
   FakeRadalt& reads_next(unsigned int space, unsigned int address, std::initializer_list<unsigned int> values);
-  /// Each read of the request register shows a requested transfer as pending that many times; 0 unless told.
+  /// Number of reads of the request register that show a requested transfer as pending; 0 unless set.
   FakeRadalt& transfer_pending_for(unsigned int reads);
   FakeRadalt& transfer_never_ends();
 
-  /// Statuses that the operations return from now on. A failed read leaves the caller's word as it is, or sets it.
+  /// Statuses that the operations return from now on. A failed read leaves the caller's word unchanged, or sets it.
   FakeRadalt& read_fails(int status, std::optional<unsigned int> left_behind = std::nullopt);
   FakeRadalt& write_fails(int status);
   FakeRadalt& lock_fails(int status);
   FakeRadalt& unlock_fails(int status);
 
   unsigned int contents(unsigned int space, unsigned int address) const;
-  /// The handles with which the board was called.
+  /// The handles passed to the board.
   std::set<int> handles() const;
-  /// When, by the system clock, each of the log's reads and writes was made.
+  /// The system-clock times of the reads and writes in the log.
   std::vector<std::chrono::system_clock::time_point> access_times() const;
 
-  /// @name What the driver's functions do
+  /// @name Implementation of the driver's functions
   /// @{
   int init() const;
   int read(int handle, unsigned int space, unsigned int address, unsigned int* value);

@@ -12,7 +12,7 @@ namespace doubles {
 
 namespace {
 
-/// No naming service is asked; the port is never used.
+/// No naming service is contacted; the port is never used.
 constexpr unsigned int NO_NAMING_PORT = 1;
 
 PortableServer::POA_ptr running_root_poa() {
@@ -24,7 +24,7 @@ PortableServer::POA_ptr running_root_poa() {
   return poa;
 }
 
-/// What the servants are told.
+/// Settings of the servants.
 struct Orders {
   void begin(const std::string& operation, const std::string& logged) {
     calls().record(logged);

@@ -11,8 +11,8 @@
 
 namespace doubles {
 
-/// The unit's three remote services, as real servants of this process's ORB. bind() makes them what the fake
-/// framework's lookups find; each operation can be given something to do first, which may throw a CORBA exception.
+/// The unit's three remote services, as real servants of this process's ORB. After bind() the fake framework's lookups
+/// find them; each operation can be given an action to run first, which may throw a CORBA exception.
 ///
 /// Calls in the log: "ShowDialog [<title>] [<text>] [<buttons>] <wait>", "SetDialogSize [<title>] [<size>]",
 /// "GetShutdown", "ShutdownAll <process> <serial>", "ShutdownEngine <engine>".
@@ -29,11 +29,11 @@ public:
 
   /// Binds all three services to their paths.
   FakeServices& bind();
-  /// What the user answers a dialog that waits with; 0 unless told.
+  /// The user's answer to a dialog that waits; 0 unless set.
   FakeServices& user_answers(CORBA::Long answer);
   /// The everybody engine has no shutdown interface: it returns nil.
   FakeServices& has_no_shutdown_interface();
-  /// Every call of the operation from now on runs `action` first; what that throws is what the caller gets.
+  /// From now on every call of the operation runs `action` first; the caller receives its exceptions.
   FakeServices& runs_first(const std::string& operation, std::function<void()> action);
 
   Halcyra::gui::GUIManager_ptr gui_manager() const;

@@ -5,11 +5,11 @@
 
 #include "tests/doubles/call_log.h"
 
-/// The C library's system(), played: it records "system <command>". Linking this double replaces the function for the
+/// A fake of the C library's system(): it records "system <command>". Linking this double replaces the function for the
 /// whole program.
 namespace doubles {
 
-/// Runs the commands of system() with `action` while it lives; the action's result is the status that system() returns.
+/// During its lifetime, passes the commands of system() to `action`, whose result is the status that system() returns.
 /// Without one, commands go to the real shell. One at a time.
 class FakeShell {
 public:

@@ -134,7 +134,7 @@ int __wrap_sched_yield() {
   return 0;
 }
 
-// Boost sleeps by waiting for a condition that nobody signals.
+// Boost sleeps by waiting for a condition that is never signalled.
 int __wrap_pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec* deadline) {
   if (!played) {
     return __real_pthread_cond_timedwait(condition, mutex, deadline);

@@ -22,13 +22,13 @@ struct Framework {
   std::function<void()> in_sends;
   std::map<std::string, CORBA::Object_var> services;
   std::map<std::string, std::function<void()>> in_lookups;
-  std::set<const ORB_wrapper_base*> wrappers;  // the library keeps them by no pointer of its own
+  std::set<const ORB_wrapper_base*> wrappers;  // the library keeps no pointer to them
   unsigned int wrappers_made = 0;
   unsigned int wrappers_destroyed = 0;
   std::uint64_t core_serial = 0;
 };
 
-/// Outlives everything: the library's static objects use it while they are made and at exit.
+/// Never destroyed: the library's static objects use it during their construction and at exit.
 Framework& framework() {
   static Framework& one = *new Framework;
   return one;

@@ -12,8 +12,8 @@
 #include "varnok_events.h"
 #include "varnok_locker.h"
 
-/// The engine framework behind platform/varnok_*.h and platform/orb_wrapper.h, played. One framework a process, usable
-/// from any thread; reset_framework() brings it back to its beginnings.
+/// A fake of the engine framework behind platform/varnok_*.h and platform/orb_wrapper.h. One framework per process,
+/// usable from any thread; reset_framework() restores its initial state.
 ///
 /// Calls in the log: "event <source>", "lookup <name>/<name>/…", "take framework lock", "make locker core",
 /// "give framework lock back".
@@ -28,7 +28,7 @@ DDS::DomainId_t real_domain();
 /// The process's real participant, on the network that the engine is configured for; made on first use.
 DDS::DomainParticipant_ptr real_participant();
 
-/// Makes `participant` the process's participant while it lives; nil for a process without one.
+/// Makes `participant` the process's participant during its lifetime; nil for a process without one.
 class ParticipantInUse {
 public:
   explicit ParticipantInUse(DDS::DomainParticipant_ptr participant);
@@ -41,7 +41,7 @@ public:
 /// @name Event channel
 /// @{
 
-/// One event as it was sent.
+/// One event that was sent.
 struct SentEvent {
   std::string source;
   std::int32_t category;
@@ -57,7 +57,7 @@ struct SentEvent {
 std::ostream& operator<<(std::ostream& stream, const SentEvent& event);
 
 std::vector<SentEvent> sent_events();
-/// Runs `action` in every send from now on, before the event counts as sent; what it throws leaves the send.
+/// From now on runs `action` in every send, before the event counts as sent; its exceptions leave the send.
 void run_first_in_sends(std::function<void()> action);
 /// @}
 
@@ -68,9 +68,9 @@ void run_first_in_sends(std::function<void()> action);
 /// CORBA::OBJECT_NOT_EXIST.
 void bind_service(const std::string& path, CORBA::Object_ptr object);
 void unbind_service(const std::string& path);
-/// Runs `action` in every lookup of the path from now on, before it is resolved.
+/// From now on runs `action` in every lookup of the path, before it is resolved.
 void run_first_in_lookups(const std::string& path, std::function<void()> action);
-/// ORB wrappers made, and those destroyed again, since the process began.
+/// Numbers of ORB wrappers made and destroyed since the process started.
 unsigned int wrappers_made();
 unsigned int wrappers_destroyed();
 /// @}

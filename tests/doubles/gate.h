@@ -5,7 +5,7 @@
 
 namespace doubles {
 
-/// A gate that stays shut until it is opened. Any thread.
+/// A gate that is closed until it is opened. Any thread.
 class Gate {
 public:
   void open() {
@@ -25,7 +25,7 @@ private:
   bool open_ = false;
 };
 
-/// Opens the gate at the end of its own life.
+/// Opens the gate when destroyed.
 class OpensAtEnd {
 public:
   explicit OpensAtEnd(Gate& gate) : gate_(gate) {}

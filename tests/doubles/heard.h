@@ -9,7 +9,7 @@
 
 namespace doubles {
 
-/// What the driver's call-backs were called with, in order: the letter of the call-back and its argument. Any thread.
+/// The calls of the driver's call-backs, in order: the letter of the call-back and its argument. Any thread.
 class Heard {
 public:
   using Calls = std::vector<std::pair<char, int>>;
@@ -20,7 +20,7 @@ public:
     threads_.push_back(std::this_thread::get_id());
     changed_.notify_all();
   }
-  /// All calls, once there are at least `number`; what there is after a minute.
+  /// Waits for at least `number` calls, at most a minute, and returns all calls so far.
   Calls at_least(std::size_t number) {
     std::unique_lock guard(mutex_);
     changed_.wait_for(guard, std::chrono::minutes(1), [&] { return calls_.size() >= number; });
@@ -45,7 +45,7 @@ private:
 
 inline Heard heard;
 
-/// The call-back of that letter.
+/// The call-back with that letter.
 template <char What>
 void hear(int value) {
   heard.add(What, value);

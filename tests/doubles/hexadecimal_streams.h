@@ -4,7 +4,7 @@
 
 namespace doubles {
 
-/// The standard streams as a careless host leaves them, while it lives: hexadecimal, with base and plus sign.
+/// During its lifetime, sets the standard streams to hexadecimal with base and plus sign, as a host might.
 class HexadecimalStreams {
 public:
   HexadecimalStreams() : out_(std::cout.flags()), err_(std::cerr.flags()) {

@@ -11,7 +11,7 @@
 
 namespace doubles {
 
-/// A folder of a test's own, removed with everything in it.
+/// A temporary folder for one test, removed with its contents.
 class TemporaryFolder {
 public:
   TemporaryFolder() {

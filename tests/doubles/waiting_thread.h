@@ -11,7 +11,7 @@
 
 namespace doubles {
 
-/// A thread of which a test can tell that it waits. Joined at the end.
+/// A thread whose waiting a test can detect. Joined by the destructor.
 class WaitingThread {
 public:
   explicit WaitingThread(std::function<void()> work)
@@ -25,8 +25,8 @@ public:
   WaitingThread(const WaitingThread&) = delete;
   WaitingThread& operator=(const WaitingThread&) = delete;
 
-  /// Returns once the kernel has put the thread to sleep, in a lock, a wait or a pause, or the thread has ended. False:
-  /// it has ended.
+  /// Returns true once the kernel has put the thread to sleep (in a lock, a wait or a pause), false if the thread has
+  /// ended.
   bool waits() const {
     while (!ended_) {
       if (sleeps()) {

@@ -6,7 +6,7 @@
 
 namespace system_test {
 
-/// A unit that "unit run" has started, and the commands on it.
+/// A unit started by "unit run", and commands on it.
 class CommandTest : public testing::Test {
 protected:
   CommandTest() : run_({built_program("unit"), "run", "--json", "--state", state_}) {

@@ -31,7 +31,7 @@ std::string text_in(int file) {
 
 }  // namespace
 
-// The streams are files that the program appends to, so that looking at them does not disturb it.
+// The streams are files that the program appends to, so that reading them does not affect it.
 OutsideProgram::OutsideProgram(std::vector<std::string> line, const std::string& input,
                                const std::function<void()>& prepare)
     : out_(memory_file("out")), err_(memory_file("err")) {

@@ -8,19 +8,20 @@
 
 namespace system_test {
 
-/// A program of the machine, outside any unit: started by the object, ended with it at the latest. One thread.
+/// A program on the machine, outside any unit, started by the constructor and ended by the destructor at the latest.
+/// One thread.
 class OutsideProgram {
 public:
-  /// `input` is what it reads; `prepare` runs in the new process before the program does.
+  /// `input` is its standard input; `prepare` runs in the new process before the program.
   explicit OutsideProgram(std::vector<std::string> line, const std::string& input = {},
                           const std::function<void()>& prepare = {});
   ~OutsideProgram();
   OutsideProgram(const OutsideProgram&) = delete;
   OutsideProgram& operator=(const OutsideProgram&) = delete;
 
-  /// Waits for its end. Throws std::runtime_error when it does not come.
+  /// Waits until it exits. Throws std::runtime_error on timeout.
   Ending wait();
-  /// Sends it a signal; does nothing once its end has been seen.
+  /// Sends it a signal; does nothing once its exit has been seen.
   void kill(int signal) const;
   std::string out() const;
   std::string err() const;
@@ -35,14 +36,14 @@ private:
   Ending ending_;
 };
 
-/// The command line of the simulated unit with these arguments, to its end.
+/// Runs the simulated unit's command line with these arguments until it exits.
 Ending unit_command(std::vector<std::string> arguments, const std::string& input = {},
                     const std::function<void()>& prepare = {});
 
-/// The program of that name in the build folder.
+/// The program with that name in the build folder.
 std::string built_program(const std::string& name);
 
-/// A file of this test's own outside any unit, gone with the object.
+/// A temporary file for one test, outside any unit, removed by the destructor.
 class OutsideFile {
 public:
   explicit OutsideFile(const std::string& text);

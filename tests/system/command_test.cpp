@@ -1,4 +1,4 @@
-// The commands that look after a unit which runs, and "unit exec".
+// The commands that control a running unit, and "unit exec".
 
 #include <signal.h>
 
@@ -10,7 +10,7 @@ using namespace system_test;
 using testing::HasSubstr;
 namespace fs = std::filesystem;
 
-/// A unit of which the user can be asked.
+/// A unit that can ask its user a question.
 class DialogTest : public CommandTest {
 protected:
   /// The question, once it is on the screen.

@@ -1,10 +1,10 @@
 // Another process of the unit on its DDS topics.
 //
-//   dds_peer orders   publishes done-loading messages as it is told: reads "write", "dispose", "unregister" or "leave"
-//                     from the FIFO /run/unit/peer, a line each, and says "done" after each. Says "joined" once its
-//                     messages reach a hardware object.
+//   dds_peer orders   publishes done-loading messages on command: reads "write", "dispose", "unregister" or "leave"
+//                     from the FIFO /run/unit/peer, one per line, and writes "done" after each. Writes "joined" once
+//                     its messages reach a hardware object.
 //   dds_peer flood    publishes done-loading messages without end
-//   dds_peer listen   says each external voltage that is published, 0 or 1, a line each, without end
+//   dds_peer listen   writes each published external voltage, 0 or 1, one per line, without end
 
 #include <sys/stat.h>
 
@@ -27,7 +27,7 @@ using simulator::model::UnitModel;
 
 constexpr int USER_INTERFACE_LOADED = 12;
 
-/// What both sides of a topic are made with.
+/// Common base of both peers: the process's participant, and topics on it.
 class Peer : Varnok::DDS_BaseObj {
 protected:
   DDS::DomainParticipant_ptr participant() const { return DdsBase().participant; }
@@ -42,7 +42,7 @@ protected:
 
 class DoneLoading : Peer {
 public:
-  /// The end of its messages disposes their instance only on demand.
+  /// Unregistering does not dispose the instance; "dispose" does.
   DoneLoading() {
     topic_ = topic("Halcyra/local/UIDoneLoading", type_.in());
     publisher_ =
@@ -145,7 +145,7 @@ public:
   }
 
 private:
-  /// The value, and what else the sample carries where that is not zero.
+  /// The value, and the sample's other fields if they are not zero.
   static std::string describe(const Voltage::Sample& sample) {
     const std::string value = sample.value ? "1" : "0";
     const bool plain = sample.quality == 0 && sample.source == 0 && sample.timestamp == 0;

@@ -1,5 +1,5 @@
-// A host that is linked with the library and uses what is not virtual: writes the three attribute texts, a line each,
-// destroys the object, says "destroyed", and leaves when SIGTERM comes.
+// A host that is linked to the library and uses its non-virtual functions: writes the three attribute texts, one per
+// line, destroys the object, writes "destroyed", and exits on SIGTERM.
 
 #include <signal.h>
 

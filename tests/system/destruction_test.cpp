@@ -1,4 +1,4 @@
-// A host that uses what the library exports, and destroys the object.
+// A host that uses the library's exports and destroys the object.
 
 #include <signal.h>
 
@@ -21,7 +21,7 @@ TEST(DestructionTest, AHostUsesTheAttributeTextsAndDestroysTheObject) {
   EXPECT_EQ(ending.err, "");
 }
 
-// The power-supply driver goes on without the object.
+// The power-supply driver continues without the object.
 TEST(DestructionTest, InterruptsThatComeAfterTheObjectHasGoneDoNotUseIt) {
   SimulatedUnit unit;
   unit.recorded().start();

@@ -1,4 +1,4 @@
-// Engines with unicast ports of their own choice, as OpenDDS has them, and the unit's participants find each other.
+// The unit's participants and engines with arbitrary unicast ports, such as OpenDDS, discover each other.
 
 #include "tests/system/unit_fixture.h"
 

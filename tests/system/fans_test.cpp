@@ -19,7 +19,7 @@ protected:
     EXPECT_EQ(ending.err, "");
     return ending.out;
   }
-  /// What the library has written, once `line` is its last on standard error.
+  /// The library's output, once `line` is its last line on standard error.
   void expect_last_error(const std::string& line) {
     EXPECT_TRUE(eventually([&] { return errors_ != errors() && testing::Value(errors(), testing::EndsWith(line)); }))
         << errors();

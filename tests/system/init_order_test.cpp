@@ -1,4 +1,5 @@
-// The library linked in every order of its three layers: what the hardware object needs is alive when it is made.
+// The library linked in every order of its three layers: everything that the hardware object needs exists when it is
+// made.
 
 #include "tests/system/unit_fixture.h"
 
@@ -23,7 +24,7 @@ TEST_P(InitOrderTest, TheEventChannelIsAliveWhileTheObjectIsMade) {
                                                 "Power Supply Driver Failure: Initialize Handheld_Hardware")));
 }
 
-// A construction that fails takes the subscriber down again, under the mutex that serialises it.
+// A failing construction destroys the subscriber, under the mutex that serialises it.
 TEST_P(InitOrderTest, TheSubscribersMutexIsAliveWhileTheObjectIsMade) {
   unit_.fault(Point::PSDRIVER_OPEN, {FaultKind::FAIL}).start();
   const Ending ending = unit_.run_to_end({"load_probe", library()});

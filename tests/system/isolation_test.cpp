@@ -1,4 +1,4 @@
-// What a unit shares with the machine and with other units: nothing but what it was given.
+// A unit shares nothing with the machine and with other units except the folders that it was given.
 
 #include <fcntl.h>
 #include <sched.h>
@@ -43,7 +43,7 @@ TEST(IsolationTest, TwoUnitsSideBySideDoNotMeet) {
   EXPECT_EQ(other.model().power_supply().communication_status(), -1);
 }
 
-/// A folder of the machine with something in it, to be found as it was.
+/// A folder of the machine with contents that must not change.
 class Canary {
 public:
   Canary() : folder_(fs::temp_directory_path() / ("canary-" + std::to_string(getpid()))) {
@@ -57,7 +57,7 @@ public:
 
   const fs::path& folder() const { return folder_; }
 
-  /// Every path in it with its text.
+  /// Every path in it with the file's text.
   std::map<std::string, std::string> contents() const {
     std::map<std::string, std::string> contents;
     for (const auto& entry : fs::recursive_directory_iterator(folder_)) {
@@ -72,7 +72,7 @@ private:
   fs::path folder_;
 };
 
-// The name is put into a command line as it is, so it runs commands of its own; they try to reach out.
+// The name is put into a command line unquoted, so it can run other commands; here they try to reach outside.
 TEST(IsolationTest, ANameThatWouldWriteOutsideChangesNothingThere) {
   const Canary canary;
   const auto before = canary.contents();
@@ -113,7 +113,7 @@ TEST(UnitFileTest, AMissingUnitFileIsRefused) {
   EXPECT_EQ(ending.err, "unit: /tmp/no-such-unit.json: cannot be read: No such file or directory\n");
 }
 
-// A unit file that is refused, and why.
+// A rejected unit file, and the reason.
 struct Refused {
   std::string text;
   std::string reason;
@@ -178,7 +178,7 @@ void write_text(const char* path, const std::string& text) {
   close(file);
 }
 
-/// Makes this process an ordinary user of a machine that hands out no user namespaces.
+/// Makes this process an ordinary user on a machine without user namespaces.
 void forbid_user_namespaces() {
   const std::string user = std::to_string(getuid());
   const std::string group = std::to_string(getgid());

@@ -7,7 +7,7 @@ namespace {
 using namespace system_test;
 using testing::HasSubstr;
 
-/// The settings as JSON rows by name; what they are in words, which is for people, is taken out.
+/// The settings as JSON rows by name, without their descriptions.
 std::map<std::string, json> listed() {
   const Ending ending = unit_command({"list", "--json"});
   EXPECT_THAT(ending, ExitedWith(0));

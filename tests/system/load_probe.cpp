@@ -3,7 +3,7 @@
 // A load that ended in an exception has "exception": {"type","what"}.
 //
 //   load_probe [--stay] [--occupy TOPIC boolean|void] LIBRARY…
-// --stay keeps the process once it has loaded, without a report. --occupy makes a topic of that name and type before
+// --stay keeps the process once it has loaded, without a report. --occupy makes a topic with that name and type before
 // loading, on the participant that the library will use.
 
 #include <dlfcn.h>
@@ -62,7 +62,7 @@ DDS::TypeSupport_ptr type_named(const std::string& name) {
 
 json load(const char* library) {
   try {
-    // Declared as never throwing; through this pointer an initialiser's exception can be caught.
+    // dlopen() is declared noexcept; a call through this pointer lets an initialiser's exception be caught.
     void* (*volatile open_library)(const char*, int) = dlopen;
     const void* const handle = open_library(library, RTLD_NOW | RTLD_LOCAL);
     return {{"error", handle ? json(nullptr) : json(dlerror())}};

@@ -1,4 +1,4 @@
-// What loading the library does, in processes of its own and with the real engines.
+// Loading the library, in separate processes and with the real engines.
 
 #include <signal.h>
 
@@ -20,7 +20,7 @@ const char NOT_CONNECTED[] = "Varnok::Connection_errors::Not_Connected";
 
 class LoadTest : public testing::Test {
 protected:
-  /// What the probe has found.
+  /// The probe's report.
   json report() const { return json::parse(unit_.text("/run/unit/report.json").value_or("null")); }
 
   SimulatedUnit unit_;
@@ -110,8 +110,8 @@ TEST_F(LoadTest, ABoardThatCannotBeOpenedEndsTheProcess) {
   EXPECT_THAT(unit_.call_names(), ElementsAre("dds.participant", "psdriver.open", "radalt.init"));
 }
 
-// The process leaves from inside the load, while the engine's threads, the subscriber's start-up thread and the
-// driver's thread are running.
+// The process exits during the load, while the engine's threads, the subscriber's start-up thread and the driver's
+// thread are running.
 TEST_F(LoadTest, ABoardThatCannotBeOpenedEndsTheProcessEveryTime) {
   unit_.fault(Point::RADALT_INIT, {FaultKind::FAIL, 5}).start();
   for (int run = 0; run < 30; ++run) {
@@ -145,7 +145,7 @@ TEST_F(LoadTest, APowerSupplyDriverThatThrowsEndsTheLoadWithItsException) {
   EXPECT_THAT(unit_.call_names(), ElementsAre("dds.participant", "psdriver.open"));
 }
 
-// What was built is destroyed again while the subscriber is still starting.
+// The objects made so far are destroyed while the subscriber is still starting.
 TEST_F(LoadTest, APowerSupplyDriverThatThrowsIsReportedByTheHostEveryTime) {
   unit_.fault(Point::PSDRIVER_OPEN, {FaultKind::FAIL, 6}).start();
   for (int run = 0; run < 20; ++run) {

@@ -1,4 +1,4 @@
-// Another program of the unit that uses the board: takes the board lock, says so, and keeps it until it is ended.
+// Another program of the unit that uses the board: takes the board lock, reports it, and keeps it until it is killed.
 
 #include <unistd.h>
 

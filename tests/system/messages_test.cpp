@@ -1,4 +1,4 @@
-// The library's two topics, with the rest of the unit in processes of its own.
+// The library's two topics, with the rest of the unit in separate processes.
 
 #include "tests/system/unit_fixture.h"
 
@@ -19,7 +19,7 @@ protected:
     EXPECT_EQ(host.call("GetChargerStatus")["result"], true);
   }
 
-  /// Starts a peer that publishes as it is told, once its messages reach the host.
+  /// Starts a peer that publishes on command; returns once its messages reach the host.
   void start_peer() {
     peer_.emplace(unit_.run({"dds_peer", "orders"}));
     peer_->wait_for("joined\n");
@@ -30,7 +30,7 @@ protected:
     peer_->wait_for("done\n", ++orders_);
   }
 
-  /// How often the system LED has been set while the unit was watched.
+  /// How often the system LED has been set, counted while the unit is watched.
   std::uint64_t led_calls() { return unit_.model().faults().calls(Point::SET_SYSTEM_LED_STATUS); }
 
   SimulatedUnit unit_;

@@ -14,7 +14,7 @@ using testing::MatchesRegex;
 using testing::Not;
 namespace fs = std::filesystem;
 
-/// One command that was handed to the shell, and what the root file system was before and after it.
+/// One command passed to the shell, and the state of the root file system before and after it.
 struct Command {
   std::string text;
   std::string before;
@@ -57,7 +57,7 @@ protected:
     return texts;
   }
 
-  /// What a shell inside says.
+  /// The output of a shell inside.
   std::string said_inside(const std::string& command) { return unit_.run_to_end({"sh", "-c", command}).out; }
 
   bool up(const std::string& interface) {
@@ -123,7 +123,7 @@ TEST_F(NetworkTest, EveryStartLeavesOneMoreClient) {
   EXPECT_EQ(clients(), 2);
 }
 
-/// Whether a process of this machine, inside some unit or not, was started with these words.
+/// Whether a process on this machine, inside a unit or not, was started with these words.
 bool runs(const std::vector<std::string>& words) {
   std::string line;
   for (const std::string& word : words) {
@@ -138,7 +138,7 @@ bool runs(const std::vector<std::string>& words) {
   return false;
 }
 
-// The client makes its three attempts, three seconds each, and goes to the background.
+// The client makes its three attempts, three seconds each, and moves to the background.
 TEST_F(NetworkTest, WithoutAServerTheClientGoesToTheBackgroundAndEndsWithTheUnit) {
   unit_.with_network();
   const std::string name = "net" + std::to_string(getpid());

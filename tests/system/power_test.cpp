@@ -17,7 +17,7 @@ protected:
     return *host_;
   }
 
-  /// How many replies the driver has handed over while the unit was watched.
+  /// How many replies the driver has delivered, counted while the unit is watched.
   std::uint64_t replies() { return unit_.model().faults().calls(Point::PSDRIVER_REPLY); }
 
   SimulatedUnit unit_;
@@ -98,7 +98,7 @@ TEST_F(PowerTest, TheUnitHasOneNetworkInterface) {
   EXPECT_EQ(host().call("GetMaxInterfaces")["result"], 1);
 }
 
-// A charger status and what it makes of the charge.
+// A charger status and the resulting charge.
 struct Corrected {
   int charger_status;
   int charge;

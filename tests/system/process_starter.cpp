@@ -1,8 +1,8 @@
-// The command of a unit under test: starts programs inside it as it is told, one line of JSON each.
+// The command of a unit under test: starts programs inside it on request, one line of JSON per request.
 //   in   {"number":3,"run":["unit-host"],"environment":{"NAME":"value"},"out":"…","err":"…"}
 //        {"kill":17,"signal":15}
 //   out  {"number":3,"pid":17}, then {"number":3,"status":0} or {"number":3,"signal":6}
-// Ends at the end of its input, and the unit with it.
+// Exits at the end of its input, which ends the unit.
 
 #include <fcntl.h>
 #include <poll.h>
@@ -79,7 +79,7 @@ void reap() {
   }
 }
 
-/// Obeys what can be read from standard input; false at its end.
+/// Executes the requests that can be read from standard input; false at its end.
 bool take_orders(std::string& received) {
   char block[4096];
   const ssize_t size = read(STDIN_FILENO, block, sizeof block);

@@ -1,6 +1,5 @@
-// An engine of somebody else's: as much of RTPS as discovery takes, on bare sockets. Announces itself by multicast on
-// the loopback interface, with a unicast port that follows from no rule, as OpenDDS does, and says, a line each and
-// once:
+// A foreign engine: the part of RTPS that discovery needs, on plain sockets. Announces itself by multicast on the
+// loopback interface, with an arbitrary unicast port, as OpenDDS does, and writes, one per line and once each:
 //
 //   seen     another participant's announcement has come by multicast
 //   answered another participant has sent to the announced port to exchange endpoints
@@ -24,7 +23,7 @@
 namespace {
 
 constexpr const char* DISCOVERY_GROUP = "239.255.0.1";
-/// Where every participant of domain 0 listens for announcements.
+/// The address on which every participant of domain 0 listens for announcements.
 constexpr std::uint16_t DISCOVERY_PORT = 7400;
 constexpr std::string_view GUID_PREFIX{
     "\xfe\xed"
@@ -103,7 +102,7 @@ bool is_announcement(std::string_view message) {
   return message.find(ANNOUNCER, HEADER_SIZE) != std::string_view::npos;
 }
 
-/// A UDP socket bound to that address; port 0: one of the system's choice.
+/// A UDP socket bound to that address; port 0: chosen by the system.
 int bound_socket(const char* address, std::uint16_t port) {
   const int descriptor = socket(AF_INET, SOCK_DGRAM, 0);
   const int yes = 1;

@@ -1,4 +1,4 @@
-// "unit run" and "unit shutdown": one command shows the library at work.
+// "unit run" and "unit shutdown": the library started by one command.
 
 #include <signal.h>
 #include <unistd.h>
@@ -58,7 +58,7 @@ TEST(RunTest, TheLibrarysDiagnosticsStayOutOfTheDocument) {
   const json state = json::parse(ending.out);
   EXPECT_EQ(state["versions"][0]["version"], "0");
   EXPECT_EQ(state["versions"][9]["version"], "");
-  // The library's two streams come out as one, each in its own order only; each is logged by itself.
+  // The library's two streams are merged, and only each stream's own order is kept; each is also logged separately.
   const std::string out = text_of(folder + "/run/unit/log/host.out").value_or("");
   const std::string err = text_of(folder + "/run/unit/log/host.err").value_or("");
   EXPECT_THAT(out, MatchesRegex(TRACE_LINE));

@@ -1,4 +1,4 @@
-// Commands that are not told which unit they are for. They look for it in /tmp, so each test has a /tmp of its own.
+// Commands without a named unit. They look for it in /tmp, so each test has its own /tmp.
 
 #include <sched.h>
 #include <sys/mount.h>
@@ -16,7 +16,7 @@ void write_text(const char* path, const std::string& text) {
   std::ofstream(path) << text;
 }
 
-/// Gives this process an empty /tmp that nobody else sees.
+/// Gives this process a private, empty /tmp.
 void take_own_tmp() {
   const std::string user = std::to_string(getuid());
   const std::string group = std::to_string(getgid());
@@ -35,7 +35,7 @@ void take_own_tmp() {
   }
 }
 
-/// A shell script with functions to start a unit, which names its process, and to end it.
+/// A shell script with functions to start a unit, which sets $unit to its process id, and to end it.
 Ending script(const std::string& text) {
   const char functions[] =
       "start() { unit run --json > /tmp/out 2> /tmp/err & until [ -s /tmp/out ]; do sleep 0.01; done; "

@@ -21,7 +21,7 @@ const char TAKE_SCREEN[] = "\x1b[?1049h\x1b[?25l";
 const char GIVE_SCREEN_BACK[] = "\x1b[?25h\x1b[?1049l";
 const char REDRAW[] = "\x1b[H";
 
-/// A terminal and what has been written on it.
+/// A terminal and the text written to it.
 class Terminal {
 public:
   Terminal() : screen_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK)) {
@@ -40,7 +40,7 @@ public:
   /// Makes it the standard output of this process.
   void take_over_output() const { dup2(line_, STDOUT_FILENO); }
 
-  /// All that has been written so far, lines ending as the writer ended them.
+  /// All text written so far, with the writer's line ends.
   const std::string& written() {
     char block[4096];
     for (ssize_t size = 0; (size = read(screen_, block, sizeof block)) > 0;) {
@@ -52,7 +52,7 @@ public:
     }
     return written_;
   }
-  /// Waits until `text` is there. False when it does not come.
+  /// Waits until `text` appears. False on timeout.
   bool shows(const std::string& text) {
     return eventually([&] { return written().find(text) != std::string::npos; });
   }
@@ -67,7 +67,7 @@ class ScreenTest : public testing::Test {
 protected:
   ~ScreenTest() override { fs::remove_all(state_); }
 
-  /// The last picture, its lines as they are to be read.
+  /// The text of the last screen.
   std::string picture() {
     std::string text = terminal_.written();
     text.erase(0, text.rfind(REDRAW) + sizeof REDRAW - 1);
@@ -76,7 +76,7 @@ protected:
     }
     return text.substr(0, text.find("\x1b[J"));
   }
-  /// What the library had to say while the unit started.
+  /// The library's output while the unit started.
   std::string before_the_screen() { return terminal_.written().substr(0, terminal_.written().find(TAKE_SCREEN)); }
   Ending end() {
     run_.kill(SIGINT);

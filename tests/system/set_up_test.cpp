@@ -1,4 +1,4 @@
-// What "unit exec" sets up in the root before its command runs: network, naming service and services.
+// The set-up that "unit exec" does in the root before its command runs: network, naming service and services.
 
 #include "tests/system/command_line.h"
 
@@ -10,7 +10,7 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
 
-/// A shell command's output on a fresh unit that was started with these options.
+/// A shell command's output on a new unit started with these options.
 std::string said(std::vector<std::string> options, const std::string& command) {
   options.insert(options.begin(), "exec");
   options.insert(options.end(), {"--", "bash", "-c", command});
@@ -21,7 +21,7 @@ std::string said(std::vector<std::string> options, const std::string& command) {
 }
 
 const char SHOW_LINKS[] = "ip -o link show up";
-/// Whether somebody listens on the naming service's port of the loopback.
+/// Whether a process listens on the naming service's loopback port.
 const char NAMING_SERVICE[] = "0100007F:0AF9 00000000:0000 0A";
 const char SHOW_LISTENERS[] = "cat /proc/net/tcp";
 
@@ -37,7 +37,7 @@ TEST(SetUpTest, ANetworkIsAnInterfaceWithoutAddressThatIsUp) {
   EXPECT_EQ(said({"--network"}, "ip -4 -o address show eth0"), "");
 }
 
-// The far end refuses the connection; where there is none, the address cannot be reached.
+// The far end refuses the connection; without a far end, the address cannot be reached.
 TEST(SetUpTest, AtTheFarEndOfTheNetworkThereIsAMachine) {
   EXPECT_THAT(said({"--network"}, "ip address add 10.77.0.9/24 dev eth0; { : < /dev/tcp/10.77.0.1/9; } 2>&1; true"),
               HasSubstr("Connection refused"));

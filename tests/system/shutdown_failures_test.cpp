@@ -1,5 +1,4 @@
-// A shutdown whose services are missing, of another interface, slow, dying or throwing: the unit is shut down all the
-// same.
+// A shutdown whose services are missing, of another interface, slow, dying or throwing: the unit is still shut down.
 
 #include "tests/system/shutdown_fixture.h"
 
@@ -8,7 +7,7 @@ namespace {
 using namespace system_test;
 using testing::ElementsAreArray;
 
-// How a service behaves, whether there is still a question, what is called and what is said.
+// A service's behaviour, whether the question is still shown, the calls made and the output.
 struct Failing {
   std::string name;
   Service service;
@@ -78,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(
         Failing{"SlowEnumeration", Service::HW_ENUMERATE, ServiceBehaviour::SLOW, true, ALL_CALLS, ALL_LINES, ""}),
     [](const auto& failing) { return failing.param.name; });
 
-// One call that goes wrong while its service is well, and what is called then.
+// One failing call of a working service, and the calls then made.
 struct FailingCall {
   Point point;
   Fault fault;
@@ -108,7 +107,7 @@ INSTANTIATE_TEST_SUITE_P(
                     FailingCall{Point::EVERYBODY_SHUTDOWN_ALL, {FaultKind::FAIL}, ALL_CALLS},
                     FailingCall{Point::HW_ENUMERATE_SHUTDOWN_ENGINE, {FaultKind::FAIL}, ALL_CALLS}));
 
-// A unit without naming service and services: whoever is there is shut down.
+// A unit without naming service and services: the power supply is still shut down.
 TEST(LonelyUnitTest, WithoutANamingServiceTheUnitIsShutDown) {
   SimulatedUnit unit;
   const Host host = unit.start().host();

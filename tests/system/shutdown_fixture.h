@@ -8,12 +8,12 @@ inline const char QUESTION[] = "System Prompt";
 inline const char BL_POWER[] = "/sys/class/backlight/omap-bl/bl_power";
 inline const char BRIGHTNESS[] = "/sys/class/backlight/omap-bl/brightness";
 
-/// What lookups that fail write on standard error.
+/// Output of failing lookups on standard error.
 inline const char NO_GUI[] = "Handheld_Hardware::FindGuiManagerInstance Missing GuiManager err\n";
 inline const char NO_EVERYBODY[] = "Handheld_Hardware::Missing Everybody Engine err, please load\n";
 inline const char NO_ENUMERATION[] = "Handheld_Hardware::Missing HW Enumeration Engine err, please load\n";
 
-/// What the power-switch handler writes on standard output.
+/// Output of the power-switch handler on standard output.
 inline std::string trace_line(int value) {
   return "PowerSwitch:Comm status interrupt value" + std::to_string(value) + "\n";
 }
@@ -39,7 +39,7 @@ inline std::vector<std::string> joined(std::initializer_list<std::vector<std::st
   return all;
 }
 
-/// A unit with all its services and a host, its record of calls on and empty.
+/// A unit with all its services and a host; its call record is on and empty.
 class ShutdownTest : public testing::Test {
 protected:
   ShutdownTest() : host_(unit_.with_services().start().host()) {
@@ -47,10 +47,10 @@ protected:
     unit_.recorded();
   }
 
-  /// Raises an interrupt that asks nothing and waits until it has been handled.
+  /// Raises an interrupt that asks no question and waits until it has been handled.
   void interrupt(int value) { ASSERT_TRUE(unit_.handled(unit_.interrupt(value))); }
 
-  /// Raises an interrupt that asks, answers, and waits until it has been handled.
+  /// Raises an interrupt that asks the question, answers it, and waits until the interrupt has been handled.
   void interrupt_and_answer(int value, const std::string& label) {
     const std::uint64_t number = unit_.interrupt(value);
     ASSERT_TRUE(unit_.model().gui().wait_shown(QUESTION, PATIENCE));
@@ -58,7 +58,7 @@ protected:
     ASSERT_TRUE(unit_.handled(number));
   }
 
-  /// What the library has written since it was loaded.
+  /// The library's output since it was loaded.
   std::string out() const { return host_.out().substr(load_trace_.size()); }
 
   SimulatedUnit unit_;

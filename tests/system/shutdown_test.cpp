@@ -1,5 +1,5 @@
-// The power switch and the cover: interrupts from the controller, services in processes of their own, one record of
-// calls across all of them.
+// The power switch and the cover: interrupts from the controller, services in separate processes, one call record for
+// all of them.
 
 #include <sys/stat.h>
 
@@ -80,7 +80,7 @@ TEST_F(ShutdownTest, ASecondRequestMakesASecondCore) {
   EXPECT_THAT(unit_.call_names(), ElementsAreArray(joined({REQUEST, ASK, SCREEN, EVERYBODY, ENUMERATION, HARDWARE})));
 }
 
-// The file of the cover step is a pipe here: whoever writes to it waits for its reader.
+// The file of the cover step is a pipe here: the writer waits for its reader.
 TEST_F(ShutdownTest, TheCoverStepComesLast) {
   unit_.fault(Point::SET_USER_INTERFACE_COMMUNICATION_STATUS, {FaultKind::FAIL});
   std::filesystem::remove(unit_.outside(BL_POWER));

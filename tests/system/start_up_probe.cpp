@@ -7,9 +7,9 @@
 //
 //   start_up_probe LIBRARY
 //
-// The functions are this program's own, which come before those of the shared libraries and call them. While a library
-// is loaded, the loader answers the loading thread only: calls of other threads are not looked at, and what is behind
-// each function has been looked up before.
+// This program's own functions replace those of the shared libraries and call them. While a library is being loaded,
+// only the loading thread can look up symbols: calls of other threads are ignored, and the replaced functions are
+// looked up before the load.
 
 #include <dlfcn.h>
 #include <pthread.h>
@@ -29,7 +29,7 @@ __attribute__((visibility("default"))) BASE_HARDWARE* Hardware = nullptr;
 
 namespace {
 
-/// The library whose calls on this thread are noted; null: no calls are.
+/// The library whose calls on this thread are recorded; null: none are.
 thread_local const char* library = nullptr;
 
 std::vector<const char*>& steps() {
@@ -44,7 +44,7 @@ void note(const char* step, const void* caller) {
   }
 }
 
-/// The function of that name behind this program's own.
+/// The library function with that name that this program's own replaces.
 template <typename Function>
 Function* the_real(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));

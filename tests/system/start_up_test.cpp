@@ -1,4 +1,4 @@
-// What the library does first when it is loaded: its source files' own initialisers.
+// The first steps of loading the library: its source files' own initialisers.
 
 #include <algorithm>
 #include <sstream>
@@ -12,8 +12,8 @@ using testing::AnyOf;
 using testing::Each;
 using Steps = std::vector<std::string>;
 
-/// What one source file begins with: the streams, then the object adapter if it knows of CORBA objects, then the
-/// monitor service if it knows of DDS entities.
+/// First steps of one source file: the streams, then the object adapter if it uses CORBA objects, then the monitor
+/// service if it uses DDS entities.
 const Steps PLAIN_FILE{"streams"};
 const Steps CORBA_FILE{"streams", "poa"};
 const Steps DDS_FILE{"streams", "poa", "monitor"};

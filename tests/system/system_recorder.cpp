@@ -1,5 +1,5 @@
-// Preloaded into a host: records every command that it hands to the shell, as lines of JSON in
-// /run/unit/commands.jsonl, with what the root file system was before and after it, and runs it.
+// Preloaded into a host: runs every command that the host passes to the shell and records it as a line of JSON in
+// /run/unit/commands.jsonl, with the state of the root file system before and after it.
 
 #include <dlfcn.h>
 #include <fcntl.h>

@@ -32,7 +32,7 @@ protected:
     return names;
   }
 
-  /// The temperature in the row of that name; null where there is no such row.
+  /// The temperature in the row with that name; null if there is no such row.
   json celsius(const std::string& name) {
     for (const json& row : temperatures()) {
       if (row["name"] == name) {
@@ -42,7 +42,7 @@ protected:
     return nullptr;
   }
 
-  /// Takes from everybody inside the right to write there.
+  /// Makes the path read-only for all processes inside.
   void make_read_only(const std::string& path) {
     const std::string command = "mount --bind " + path + " " + path + " && mount -o remount,ro,bind " + path;
     ASSERT_THAT(unit_.run_to_end({"sh", "-c", command}), ExitedWith(0));
@@ -178,7 +178,7 @@ TEST_F(TemperaturesTest, TheConversionHoldsTheBoardLockOnce) {
   EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_LOCK_PUT), 1U);
 }
 
-// One value of the unit and what its row shows.
+// One value of the unit and its row.
 struct Shown {
   std::string setting;
   json value;

@@ -32,7 +32,7 @@ std::vector<json> json_lines(const fs::path& path) {
   return lines;
 }
 
-/// Where a program of that name lies inside.
+/// The path inside of the program with that name.
 std::string place_inside(const std::string& name) {
   for (const char* folder : {"bin/tests/", "bin/"}) {
     if (name.find('/') == std::string::npos && fs::exists(fs::path(BUILD_FOLDER) / folder / name)) {
@@ -56,7 +56,7 @@ struct Pipe {
 
 SimulatedUnit::SimulatedUnit()
     : state_(std::make_unique<simulator::sysroot::StateFolder>(simulator::sysroot::StateFolder::make())) {
-  // A unit that has ended shows as an error of what is asked of it.
+  // Ignored, so that requests to a unit that has ended return an error.
   ::signal(SIGPIPE, SIG_IGN);
   state_->fill(UnitFile::load(UNIT_FILE));
   model_.reset(new UnitModel(UnitModel::open((state_->run() / "model").string())));

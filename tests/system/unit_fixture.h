@@ -25,13 +25,13 @@ using simulator::model::Point;
 using simulator::model::Service;
 using simulator::model::ServiceBehaviour;
 
-/// Far longer than anything here takes; only a failing test waits so long.
+/// Timeout: far longer than any step takes; only a failing test waits so long.
 inline constexpr std::chrono::milliseconds PATIENCE{20000};
 
 /// How a program ended.
 struct Ending {
   std::optional<int> status;  ///< its exit status, or
-  std::optional<int> signal;  ///< the signal that ended it
+  std::optional<int> signal;  ///< the signal that killed it
   std::string out;
   std::string err;
 };
@@ -42,7 +42,7 @@ void PrintTo(const Ending& ending, std::ostream* stream);
 MATCHER_P(ExitedWith, status, "exited with status " + std::to_string(status)) {
   return arg.status == status;
 }
-/// Ended by that signal.
+/// Killed by that signal.
 MATCHER_P(EndedBySignal, signal, "ended by signal " + std::to_string(signal)) {
   return arg.signal == signal;
 }
@@ -52,15 +52,15 @@ class SimulatedUnit;
 /// A program that runs, or ran, inside a unit. Copies stand for the same program; valid as long as the unit.
 class Program {
 public:
-  /// Waits for its end. Throws std::runtime_error when it does not come.
+  /// Waits until it exits. Throws std::runtime_error on timeout.
   Ending wait() const;
   bool running() const;
   /// Sends it a signal.
   void kill(int signal) const;
-  /// What it has written so far.
+  /// Its output so far.
   std::string out() const;
   std::string err() const;
-  /// Waits until it has written `text` on standard output, `times` times. Throws std::runtime_error.
+  /// Waits until it has written `text` to standard output `times` times. Throws std::runtime_error on timeout.
   void wait_for(const std::string& text, std::size_t times = 1) const;
   /// Its process id inside the unit.
   int pid() const;
@@ -73,7 +73,7 @@ protected:
   int number_;
 };
 
-/// A request that has been sent and may never be answered. Gives it up with the object.
+/// A request that has been sent and may never be answered. The destructor gives it up.
 class OpenCall {
 public:
   OpenCall(const std::filesystem::path& socket, const std::string& line);
@@ -82,7 +82,7 @@ public:
   OpenCall& operator=(const OpenCall&) = delete;
 
   bool answered() const;
-  /// Waits for the answer's line. Throws std::runtime_error when it does not come.
+  /// Waits for the answer's line. Throws std::runtime_error on timeout.
   std::string answer() const;
 
 private:
@@ -96,7 +96,7 @@ public:
   OpenCall begin(const std::string& operation, const json& arguments = json::array()) const;
   /// Calls an operation and returns the answer without its "id".
   json call(const std::string& operation, const json& arguments = json::array()) const;
-  /// Asks it to leave in good order and waits for its end.
+  /// Asks it to exit cleanly and waits until it has.
   Ending leave() const;
 
 private:
@@ -104,8 +104,8 @@ private:
   Host(const Program& program) : Program(program) {}
 };
 
-/// A simulated unit in a private root and a state folder of its own, with the shipped unit file's values. Set up first,
-/// then start(); all of it has gone when the object has. One thread.
+/// A simulated unit with its own private root and state folder, with the shipped unit file's values. Set up first, then
+/// start(); the destructor removes all of it. One thread.
 class SimulatedUnit {
 public:
   SimulatedUnit();
@@ -113,7 +113,7 @@ public:
   SimulatedUnit(const SimulatedUnit&) = delete;
   SimulatedUnit& operator=(const SimulatedUnit&) = delete;
 
-  /// What the unit is to have beside its programs. Before start().
+  /// Adds parts to the unit besides its programs. Before start().
   SimulatedUnit& with_services();
   SimulatedUnit& with_network();
   SimulatedUnit& with_dhcp_server();
@@ -122,21 +122,21 @@ public:
   SimulatedUnit& set(const std::string& name, const json& value);
   /// Arms a fault. Any time.
   SimulatedUnit& fault(Point point, const Fault& fault);
-  /// Switches the record of calls on, empty. Any time.
+  /// Empties the call record and switches it on. Any time.
   SimulatedUnit& recorded();
-  /// Makes the service behave so and waits until the naming service shows it. After start().
+  /// Sets the service's behaviour and waits until the naming service shows it. After start().
   SimulatedUnit& behave(Service service, ServiceBehaviour behaviour);
 
-  /// Does nothing where it has started.
+  /// Does nothing if it has started.
   SimulatedUnit& start();
-  /// Ends everything inside; returns when it has ended.
+  /// Ends everything inside; returns once it has ended.
   void stop();
 
   /// Starts a program inside. A name without a slash is looked for in the build's bin/tests/ and bin/, then in PATH.
   Program run(std::vector<std::string> line, const std::map<std::string, std::string>& environment = {});
-  /// As run(), and waits for its end.
+  /// As run(), and waits until it exits.
   Ending run_to_end(std::vector<std::string> line, const std::map<std::string, std::string>& environment = {});
-  /// Starts unit-host and waits until it serves requests. Throws std::runtime_error with its output when it ends.
+  /// Starts unit-host and waits until it serves requests. Throws std::runtime_error with its output if it exits.
   Host host(const std::vector<std::string>& arguments = {}, const std::map<std::string, std::string>& environment = {});
 
   simulator::model::UnitModel& model() { return *model_; }
@@ -144,16 +144,16 @@ public:
   std::vector<json> events() const;
   /// The crossings recorded so far.
   std::vector<json> calls() const;
-  /// Of every crossing recorded so far, its place: "radalt.read".
+  /// The place of every crossing recorded so far: "radalt.read".
   std::vector<std::string> call_names() const;
   /// Raises a switch interrupt and returns its number.
   std::uint64_t interrupt(int value) { return model_->power_supply().raise_interrupt(value); }
-  /// Waits until the handler of that interrupt has returned; false when it does not in time.
+  /// Waits until the handler of that interrupt has returned; false on timeout.
   bool handled(std::uint64_t number) { return model_->power_supply().wait_interrupt_handled(number, PATIENCE); }
 
-  /// Where a path of the unit lies outside ("/sys/…", "/tmp/…", "/run/…", "/root/…").
+  /// The path outside of a path of the unit ("/sys/…", "/tmp/…", "/run/…", "/root/…").
   std::filesystem::path outside(const std::string& path) const { return state_->path() / path.substr(1); }
-  /// The text of a file of the unit; none where there is no such file.
+  /// The text of a file of the unit; none if there is no such file.
   std::optional<std::string> text(const std::string& path) const;
   void write(const std::string& path, const std::string& text) const;
 
@@ -168,7 +168,7 @@ private:
   };
 
   void send(const json& order);
-  /// Takes in one report of the starter; false when none comes within `limit`.
+  /// Reads one report of the starter; false if none arrives within `limit`.
   bool take_report(std::chrono::milliseconds limit);
   void note(const json& report);
   std::string stream_file(int number, const char* stream) const;
@@ -184,7 +184,7 @@ private:
   std::map<int, Known> programs_;
 };
 
-/// Waits until `condition()` is true; false when it does not become so in time.
+/// Waits until `condition()` is true; false on timeout.
 template <typename Condition>
 bool eventually(Condition condition) {
   const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
@@ -197,7 +197,7 @@ bool eventually(Condition condition) {
   return true;
 }
 
-/// The event that a failure of the power-supply driver, or of another part of the unit, leads to.
+/// The event that a failure of the power-supply driver, or of another part of the unit, causes.
 json event(const std::string& source, const std::string& text);
 
 }  // namespace system_test

@@ -1,4 +1,4 @@
-// The version list of the real library against what the unit holds.
+// The version list of the real library compared with the unit's values.
 
 #include <signal.h>
 #include <sys/stat.h>
@@ -87,7 +87,7 @@ TEST_F(VersionsTest, AnRfBoardThatDoesNotAnswerShowsZeros) {
   EXPECT_EQ(list[1]["version"], "0");
   EXPECT_EQ(list[2]["version"], "0.00.00 ");
   EXPECT_EQ(list[3]["version"], "92881");
-  // For each of the three: one request, a hundred looks at the pending bits, no read.
+  // For each of the three: one request, a hundred reads of the pending bits, no read of the register.
   EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_WRITE), 3U);
   EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_READ), 303U);
 }
@@ -159,7 +159,7 @@ TEST_F(VersionsTest, AnEventCarriesTheLocalTimeCountedAsUtc) {
   EXPECT_THAT(sent["timestamp"].get<long>(), testing::AllOf(testing::Ge(before), testing::Le(after)));
 }
 
-// One value of the unit and what its row shows.
+// One value of the unit and its row.
 struct Shown {
   std::string setting;
   json value;

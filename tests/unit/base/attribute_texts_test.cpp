@@ -21,8 +21,8 @@ protected:
     return text.get();
   }
 
-  /// How many bytes the text's buffer is made with: the size at which an allocation that fails makes the call fail.
-  /// The arguments are short enough to need no allocation of their own.
+  /// The size of the text's buffer in bytes: the call fails if an allocation of this size fails. The arguments are
+  /// short enough to need no allocation of their own.
   template <typename... Arguments>
   std::size_t buffer_size(Arguments... arguments) {
     for (std::size_t size = 1; size < 100; ++size) {

@@ -5,7 +5,7 @@
 #include "base/base_hardware.h"
 #include "tests/doubles/captured_output.h"
 
-/// A unit that provides nothing but what it must: every other operation answers with its default.
+/// A unit that provides only the mandatory operations; all others are the defaults.
 class PlainHardware : public BASE_HARDWARE {
 public:
   explicit PlainHardware(int fan_count = 0) : BASE_HARDWARE(fan_count) {}
@@ -21,7 +21,7 @@ public:
   std::size_t fan_count() const { return fan_states.size(); }
 };
 
-/// Makes a unit without the line that its making writes.
+/// Makes a unit, and discards the line that its constructor writes.
 inline PlainHardware quiet_unit(int fan_count = 0) {
   const doubles::CapturedOutput unheard;
   return PlainHardware(fan_count);

@@ -20,18 +20,18 @@
 #include "tests/doubles/fake_radalt.h"
 #include "tests/doubles/fake_varnok.h"
 
-// Each case loads the library in a child process of its own, which ends with _Exit: what it found stands on its
-// standard error and in its exit status.
+// Each case loads the library in its own child process, which ends with _Exit and reports by its standard error and its
+// exit status.
 
 namespace {
 
 bool mutexes_fail = false;
-/// The semaphore that cannot be made, counted from 1; 0: all can.
+/// The semaphore whose creation fails, counted from 1; 0: none.
 unsigned int failing_semaphore = 0;
 
 }  // namespace
 
-/// The C library's functions, which can be told to fail.
+/// Replacements of C library functions that can be set to fail.
 extern "C" int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) noexcept {
   if (mutexes_fail) {
     return EAGAIN;
@@ -68,8 +68,8 @@ protected:
   EntryDeathTest() { testing::GTEST_FLAG(death_test_style) = "threadsafe"; }
 };
 
-/// Loads the library of this program's build. By the C library's own function: that of a sanitizer, which stands in
-/// front of it, lets no exception through.
+/// Loads the library of this program's build. Uses the C library's own function, because a sanitizer's replacement lets
+/// no exception through.
 void* load() {
   using Open = void* (*)(const char*, int);
   void* const c_library = dlopen("libc.so.6", RTLD_NOW | RTLD_NOLOAD);
@@ -164,7 +164,7 @@ TEST_F(EntryDeathTest, ABoardThatCannotBeOpenedEndsTheHostWithStatusOne) {
       ExitedWithCode(1), Eq(" HARDWARE::Init  critical error opening device, errno=-19\n"));
 }
 
-// What is registered before the load runs after everything that the library does at the end of its process.
+// Functions registered before the load run after all of the library's own exit handlers.
 TEST_F(EntryDeathTest, TheObjectIsNeverDestroyed) {
   EXPECT_EXIT(
       {

@@ -33,7 +33,7 @@ protected:
   FakePsdriver driver_;
 };
 
-/// The log without the DDS steps, which go on beside the construction.
+/// The log without the DDS steps, which run concurrently with the construction.
 Calls without_dds(const Calls& all) {
   Calls rest;
   for (const std::string& call : all) {

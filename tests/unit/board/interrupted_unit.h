@@ -9,8 +9,8 @@
 /// A unit whose sequences are left by an exception in the middle.
 class InterruptedUnit : public HARDWARE {
 public:
-  /// Runs `sequence` on a thread of its own, which is interrupted once it has written to register `address`. True if
-  /// the sequence was left by the interruption.
+  /// Runs `sequence` on a new thread, which is interrupted once it has written to register `address`. True if the
+  /// interruption ended the sequence.
   bool interrupted_at(unsigned int address, const std::function<void(HARDWARE&)>& sequence) {
     at_ = address;
     bool interrupted = false;
@@ -32,7 +32,7 @@ public:
     return interrupted;
   }
 
-  /// Reads of register `address` throw std::out_of_range from now on.
+  /// From now on reads of register `address` throw std::out_of_range.
   void throws_at(unsigned int address) { throws_at_ = address; }
 
   int write_hw(int handle, unsigned int space, unsigned int address, unsigned int value) override {

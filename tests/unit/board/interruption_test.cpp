@@ -1,6 +1,7 @@
 #include "tests/unit/board/interrupted_unit.h"
 
-// A sequence that is left in the middle gives back what it has taken.
+// A sequence that is interrupted or throws gives the board lock back; an RF ADC transfer also restores the control
+// register.
 
 namespace {
 

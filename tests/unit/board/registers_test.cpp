@@ -203,7 +203,7 @@ TEST_F(BoardRegistersTest, NoTimePassesBetweenTheReadsOfTheRequestRegister) {
   unit_->Peek_RFregister(196);
   const auto times = board_.access_times();
   ASSERT_EQ(times.size(), 101U);
-  // The played clock moves on with each reading; the board's own are the only ones.
+  // The fake clock advances with each reading; only the board reads it.
   for (std::size_t poll = 2; poll < times.size(); ++poll) {
     EXPECT_EQ(times[poll] - times[poll - 1], std::chrono::nanoseconds(1)) << "before read " << poll;
   }

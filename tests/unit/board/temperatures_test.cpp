@@ -16,7 +16,7 @@ protected:
   BoardTemperaturesTest() { board_.holds(1, 248, 1); }
 };
 
-/// A unit whose ADC yields what it is told.
+/// A unit whose ADC returns a preset value.
 class UnitWithAdc : public HARDWARE {
 public:
   unsigned int get_RFAdc(unsigned int channel) override {
@@ -77,7 +77,7 @@ TEST_F(BoardTemperaturesTest, TwoHundredMicrosecondsPassAfterEachSelectionAndFif
   const auto times = board_.access_times();
   ASSERT_EQ(times.size(), 7U);
   using std::chrono::microseconds;
-  // The wait ends on the clock that counts whole microseconds; up to one of them has passed when it begins.
+  // The wait ends on a clock that counts whole microseconds, so it may be up to one microsecond short.
   const microseconds step(1);
   EXPECT_GE(times[3] - times[2], microseconds(200) - step) << "from the first selection to the second";
   EXPECT_GE(times[4] - times[3], microseconds(200) - step) << "from the second selection to the request";
@@ -106,7 +106,7 @@ TEST_F(BoardTemperaturesTest, ATransferThatTimesOutGivesZeroAndStillRestoresTheC
   EXPECT_EQ(output.out() + output.err(), "");
 }
 
-/// A channel and what is written to select it.
+/// A channel and the value written to select it.
 struct Selection {
   unsigned int channel;
   const char* write;

@@ -10,7 +10,7 @@
 #include "tests/doubles/fake_radalt.h"
 #include "tests/doubles/fake_varnok.h"
 
-/// The radar-altimeter unit, with what only it and its derived classes see.
+/// The radar-altimeter unit with its protected members public.
 class OpenHardware : public HARDWARE {
 public:
   using BASE_HARDWARE::fan_states;

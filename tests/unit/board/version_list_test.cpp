@@ -81,7 +81,7 @@ TEST_F(VersionListTest, TheLockIsHeldForEachBoardsThreeReadsAndNotForFilesOrPowe
 class LockWhileReadingTest : public VersionListTest, public testing::WithParamInterface<const char*> {};
 
 // The file is a pipe: opening it for writing returns once the list has opened it for reading, and the list waits for
-// what is written.
+// the text.
 TEST_P(LockWhileReadingTest, TheBoardIsFreeWhileAFileIsRead) {
   remove_file(GetParam());
   ASSERT_EQ(mkfifo(GetParam(), 0600), 0);
@@ -132,7 +132,7 @@ TEST_F(VersionListTest, APowerSupplyThatCannotBeAskedLeavesItsVersionEmptyAndSen
   EXPECT_EQ(doubles::sent_events()[0].source, "Handheld_Hardware::GetPowerSupplyVersion()");
 }
 
-/// An RF card identifier and how its row shows it.
+/// An RF card identifier and the text of its row.
 struct Card {
   unsigned int identifier;
   const char* shown;

@@ -10,7 +10,7 @@
 #include "tests/unit/dcps/peer.h"
 #include "tests/unit/dcps/recording_listener.h"
 
-// One thread calls all listeners: what samples of another process do to it and to the threads of this one.
+// One thread calls all listeners: effects of another process's samples on it and on this process's threads.
 namespace dcps_test {
 namespace {
 
@@ -32,7 +32,7 @@ protected:
   const std::string topic_ = own_topic(testing::UnitTest::GetInstance()->current_test_info()->name());
 };
 
-/// Blocks when it is told of a second writer.
+/// Blocks when notified of a second writer.
 class BlockingOnMatch : public RecordingListener {
 public:
   void on_subscription_matched(DDS::DataReader_ptr, const DDS::SubscriptionMatchedStatus& status) override {
@@ -195,7 +195,7 @@ TEST_F(CallThreadTest, OneThreadCallsAllListenersOfAParticipant) {
   EXPECT_EQ(threads.count(std::this_thread::get_id()), 0U);
 }
 
-/// Deletes its reader and tells when it is destroyed.
+/// Deletes its reader and reports its own destruction.
 class SelfDeleting : public QuietListener {
 public:
   SelfDeleting(std::function<void()> in_call, Gate& destroyed) : in_call_(std::move(in_call)), destroyed_(destroyed) {}

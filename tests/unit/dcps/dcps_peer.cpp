@@ -1,7 +1,7 @@
-// dcps_peer <domain> <topic> [keep-all | no-autodispose | errors] writes on the topic, following the lines on its
-// standard input, and answers each with a line. The writer is transient-local; it keeps its last sample, or all; it
-// ends its instance by disposing it, or not. The topic "<topic>/back" is read by a listener that throws. "errors":
-// standard error is written to standard output.
+// dcps_peer <domain> <topic> [keep-all | no-autodispose | errors] writes on the topic as commanded by the lines on its
+// standard input, and answers each with one line. The writer is transient-local; it keeps its last sample, or all with
+// keep-all; it disposes its instance when it ends, unless no-autodispose is given. The topic "<topic>/back" is read by
+// a listener that throws. "errors": standard error is written to standard output.
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -97,7 +97,7 @@ int listener_threads() {
   return count;
 }
 
-/// Returns once the sample of that number has been taken from the topic that is read.
+/// Returns once the sample with that number has been taken from the topic that is read.
 void take(Peer& peer, int number) {
   ATTR_BOOLEAN sample{};
   DDS::SampleInfo info{};
@@ -153,7 +153,7 @@ int main(int argc, char* argv[]) {
   if (argc > 3 && std::string(argv[3]) == "errors") {
     dup2(STDOUT_FILENO, STDERR_FILENO);
   }
-  // Kept to the very end: "exit" leaves with everything in use.
+  // Kept until the process ends: "exit" exits with everything in use.
   static const std::unique_ptr<Peer> peer = make_peer(std::atoi(argv[1]), argv[2], argc > 3 ? argv[3] : "");
   std::cout << "ready" << std::endl;
   std::string line;

@@ -1,4 +1,4 @@
-// A library whose static initialiser subscribes on a thread of its own, and waits until a sample has been heard.
+// A library whose static initialiser subscribes on a separate thread and waits until a sample has been received.
 #include <condition_variable>
 #include <cstdlib>
 #include <mutex>

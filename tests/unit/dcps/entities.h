@@ -20,20 +20,21 @@ constexpr DDS::StatusMask ALL = OpenDDS::DCPS::DEFAULT_STATUS_MASK;
 /// This process's domain.
 DDS::DomainId_t own_domain();
 
-/// A topic name that no other process has.
+/// A topic name that no other process uses.
 std::string own_topic(const std::string& name);
 
-/// A sample told from others by its number.
+/// A sample identified by its number.
 Sample numbered(CORBA::Long number);
 
 DDS::DataWriterQos writer_qos();       ///< the default
-DDS::DataWriterQos keep_all_writer();  ///< keeps all; waits for room as long as it takes
+DDS::DataWriterQos keep_all_writer();  ///< keeps all; waits for room without limit
 DDS::DataWriterQos durable_writer();   ///< transient-local
 DDS::DataReaderQos reader_qos();       ///< the default
 DDS::DataReaderQos keep_all_reader();  ///< keeps all, reliable
 DDS::DataReaderQos durable_reader();   ///< keeps all, reliable, transient-local
 
-/// A participant with a publisher, a subscriber and the attribute type registered; goes with all that was made from it.
+/// A participant with a publisher, a subscriber and the attribute type registered; the destructor deletes it with all
+/// its entities.
 class Entities {
 public:
   explicit Entities(DDS::DomainId_t domain = own_domain());

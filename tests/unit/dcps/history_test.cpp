@@ -6,7 +6,7 @@
 #include "tests/unit/dcps/entities.h"
 #include "tests/unit/dcps/recording_listener.h"
 
-// What a reader keeps for its next take.
+// The samples that a reader keeps for its next take.
 namespace dcps_test {
 namespace {
 
@@ -14,7 +14,7 @@ constexpr DDS::InstanceHandle_t NIL = DDS::HANDLE_NIL;
 
 class HistoryTest : public testing::Test {
 protected:
-  /// The numbers of the samples that the reader now yields.
+  /// The numbers of the samples that the reader now returns.
   static std::vector<CORBA::Long> numbers(Reader* reader) {
     std::vector<CORBA::Long> numbers;
     Sample sample{};

@@ -11,7 +11,7 @@
 namespace dcps_test {
 namespace {
 
-/// While it lives, processes that are started count as gone one second after their last sign of life.
+/// During its lifetime, processes that are started count as dead one second after their last sign of life.
 class ShortLease {
 public:
   ShortLease() {
@@ -114,7 +114,7 @@ TEST_F(LateJoinerTest, SeesAnotherProcessLeave) {
   EXPECT_EQ(taken[1].state, DDS::NOT_ALIVE_DISPOSED_INSTANCE_STATE);
 }
 
-/// Knows when its reader has no writers any more.
+/// Detects that its reader has no writers left.
 class UnmatchedListener : public RecordingListener {
 public:
   void on_subscription_matched(DDS::DataReader_ptr, const DDS::SubscriptionMatchedStatus& status) override {

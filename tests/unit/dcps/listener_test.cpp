@@ -14,7 +14,7 @@ namespace {
 
 constexpr DDS::InstanceHandle_t NIL = DDS::HANDLE_NIL;
 
-/// In each test the entities are made after what their listeners use, and so are gone before it is.
+/// In each test the entities are made after the objects that their listeners use, and so are destroyed before them.
 class ListenerTest : public testing::Test {
 protected:
   const std::string topic_ = own_topic(testing::UnitTest::GetInstance()->current_test_info()->name());
@@ -217,7 +217,7 @@ TEST_F(ListenerTest, WhatIsNotInTheMaskIsNotTold) {
   EXPECT_TRUE(listener.taken().empty());
 }
 
-/// Counts the matches that it is told of.
+/// Counts the matches that it is notified of.
 class MatchListener : public QuietListener {
 public:
   void on_subscription_matched(DDS::DataReader_ptr, const DDS::SubscriptionMatchedStatus& status) override {

@@ -7,23 +7,23 @@
 
 namespace dcps_test {
 
-/// The folder of this test program, where its helpers lie too.
+/// The folder of this test program and of its helpers.
 std::string test_folder();
 
-/// The program dcps_peer in a process of its own.
+/// The program dcps_peer in a separate process.
 class Peer {
 public:
   explicit Peer(const std::vector<std::string>& arguments);
-  /// Ends it, if it still runs.
+  /// Ends it if it is still running.
   ~Peer();
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
 
-  /// Gives it a command and waits until it has answered: its answer.
+  /// Sends it a command, waits for its answer and returns it.
   std::string ask(const std::string& command);
-  /// Gives it its last command and waits for its end, if it has not ended already: the status as waitpid gives it.
+  /// Sends it its last command, waits until it exits and returns the status as waitpid() gives it.
   int finish(const std::string& command);
-  /// The next line that it writes; empty: it has ended, or written none for twenty seconds.
+  /// The next line that it writes; empty if it has exited, or has written none for twenty seconds.
   std::string line();
 
 private:

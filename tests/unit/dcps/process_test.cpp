@@ -7,7 +7,7 @@
 #include "tests/unit/dcps/entities.h"
 #include "tests/unit/dcps/peer.h"
 
-// How processes start and end with the engine in use.
+// Start and end of processes that use the engine.
 namespace dcps_test {
 namespace {
 

@@ -7,7 +7,7 @@
 namespace dcps_test {
 namespace {
 
-/// A writer and a reader of Cyclone's own.
+/// A writer and a reader made with Cyclone's own API.
 class ReaderCacheTest : public testing::Test {
 protected:
   ReaderCacheTest()

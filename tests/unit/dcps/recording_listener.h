@@ -38,7 +38,7 @@ public:
 
   void on_data_available(DDS::DataReader_ptr reader) override;
 
-  /// Waits, at most ten seconds, for so many notifications; gives all there are then.
+  /// Waits, at most ten seconds, for that many notifications; returns all notifications so far.
   std::vector<Taken> wait_for(std::size_t count);
   std::vector<Taken> taken();
 
@@ -54,7 +54,7 @@ class Gate {
 public:
   void open();
   void wait();
-  /// False: not within ten seconds.
+  /// False if the gate is not opened within ten seconds.
   bool wait_briefly();
   bool is_open();
 

@@ -6,7 +6,7 @@
 namespace dcps_test {
 namespace {
 
-/// Counts how many of it there are.
+/// Counts its instances.
 class Counted : public QuietListener {
 public:
   Counted() { ++alive; }

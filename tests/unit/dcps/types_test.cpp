@@ -81,7 +81,7 @@ TEST_F(TypesTest, TypesAreForgottenWithTheParticipantsEntities) {
   EXPECT_TRUE(CORBA::is_nil(topic));
 }
 
-/// Forwards what a type support and a topic need; has the real participant's handle, or none.
+/// Forwards the calls that a type support and a topic need; has the real participant's handle, or none.
 class StandIn : public OpenDDS::DCPS::LocalObject<DDS::DomainParticipant> {
 public:
   StandIn(DDS::DomainParticipant_ptr real, bool has_handle)

@@ -7,7 +7,7 @@ namespace {
 
 constexpr DDS::InstanceHandle_t NIL = DDS::HANDLE_NIL;
 
-/// What one take gave.
+/// The result of one take.
 struct Taken {
   DDS::ReturnCode_t result;
   Sample sample;

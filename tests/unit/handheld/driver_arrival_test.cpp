@@ -11,8 +11,8 @@ namespace {
 
 using handheld::DriverArrival;
 
-/// Waits on this thread and runs `action` when it looks for the `nth` time. Returns how often it looked, and 0 if the
-/// driver did not come.
+/// Waits on this thread and runs `action` at the `nth` poll. Returns the number of polls, or 0 if the driver was not
+/// made.
 unsigned int looks_until_arrival(const DriverArrival& arrival, unsigned int nth, const std::function<void()>& action) {
   const std::thread::id waiting = std::this_thread::get_id();
   unsigned int looks = 0;

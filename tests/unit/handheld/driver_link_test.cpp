@@ -32,7 +32,7 @@ Function* real(const char* name) {
 
 }  // namespace
 
-/// The C library's functions, watched.
+/// Monitored C library functions.
 extern "C" int sem_post(sem_t* semaphore) noexcept {
   if (in_posts) {
     in_posts();
@@ -57,7 +57,7 @@ interprocess_semaphore* const ALL_SEMAPHORES[] = {&semBatteryStatusIrq, &semBatt
                                                   &semExtVoltStatusIrq, &semPowerSupplyVerIrq, &semPowerSupplyTempIrq,
                                                   &semBatteryTempIrq};
 
-/// What the link holds when the library has been loaded and nothing has happened.
+/// The link's state directly after the library has been loaded.
 struct AfterLoading {
   AfterLoading() {
     loading = false;
@@ -100,7 +100,7 @@ TEST_F(ReportTest, AFailureGoesThroughTheLibrarysChannel) {
   EXPECT_THAT(doubles::sent_events(), ElementsAre(failure_event("Class::operation()", "something failed")));
 }
 
-/// A reply function that stores its argument as it comes.
+/// A reply function that stores its argument unchanged.
 struct PlainReply {
   const char* name;
   void (*reply)(int);
@@ -150,7 +150,7 @@ INSTANTIATE_TEST_SUITE_P(
                    &semBatteryStatusIrq}),
     [](const auto& reply) { return reply.param.name; });
 
-/// A charge as the driver reports it, the charger status at that moment, and the charge that is stored.
+/// A charge reported by the driver, the charger status at that moment, and the stored charge.
 struct Charge {
   std::int32_t status;
   int reported;

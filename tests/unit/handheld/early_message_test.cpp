@@ -9,7 +9,7 @@
 #include "tests/unit/handheld/user_interface.h"
 #include "varnok_errors.h"
 
-// Done-loading messages that come while the object is still being constructed.
+// Done-loading messages that arrive while the object is still being constructed.
 
 namespace {
 
@@ -56,8 +56,8 @@ protected:
     dds_.runs_last("create_datareader", [this] { start_ups_.on_this_thread(); });
   }
 
-  /// To be called while the object is constructed: a message comes, and a thread of the engine waits with it for the
-  /// driver when this returns.
+  /// To be called while the object is being constructed: publishes a message; when this returns, a thread of the engine
+  /// waits with it for the driver.
   void message_comes() {
     ASSERT_TRUE(start_ups_.wait_for(++objects_));
     std::promise<void> waiting;
@@ -124,7 +124,7 @@ TEST_F(EarlyMessageTest, AnExceptionOfItsEventGoesToTheDeliveryAndNotOutOfTheCon
   EXPECT_THROW(delivery.get(), std::runtime_error);
 }
 
-/// A construction that fails while a message waits, and then one that does not.
+/// A construction that fails while a message waits, followed by one that succeeds.
 class FailedConstructionTest : public EarlyMessageTest {
 protected:
   void expect_nothing_of_it_survives() {

@@ -5,8 +5,8 @@
 #include "tests/doubles/fake_services.h"
 #include "tests/unit/handheld/handheld_under_test.h"
 
-// The reference to the everybody engine, held by a plain pointer. The ORB's own release is watched, so this is built on
-// omniORB only.
+// The reference to the everybody engine, held by a plain pointer. The test monitors the ORB's own release, so it is
+// built on omniORB only.
 
 namespace {
 
@@ -15,7 +15,7 @@ std::atomic<unsigned int> releases{0};
 
 }  // namespace
 
-/// The ORB's function that CORBA::release() ends in, watched.
+/// Monitors the ORB function that CORBA::release() calls.
 void omni::releaseObjRef(omniObjRef* object) {
   if (object && object == watched) {
     ++releases;

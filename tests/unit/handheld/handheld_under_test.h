@@ -16,8 +16,8 @@
 #include "tests/doubles/fake_psdriver.h"
 #include "tests/doubles/fake_varnok.h"
 
-/// The handheld layer on a board that answers at once. What it is asked stands in the log: "rftemp",
-/// "getDigitalBoardTemp <scale>".
+/// The handheld layer on a board that answers at once. Its board calls are logged: "rftemp", "getDigitalBoardTemp
+/// <scale>".
 class PlainHandheld : public Handheld_Hardware {
 public:
   explicit PlainHandheld(int fans = 0) : Handheld_Hardware(fans) {}
@@ -52,16 +52,17 @@ public:
   using Handheld_Hardware::wait_for_subscription;
 };
 
-/// The moment at which the clock stands in these tests, and what events carry then: the unit's zone is two hours east.
+/// The time of the stopped clock in these tests, and the resulting time stamp of events: the unit's zone is two hours
+/// east.
 constexpr std::time_t NOON_UTC = 1275220800;
 constexpr std::int64_t LOCAL_STAMP = NOON_UTC + 7200;
 
-/// The failure event of that source and text, sent through the library's channel while the clock stands.
+/// The failure event with that source and text, sent through the library's channel while the clock is stopped.
 inline doubles::SentEvent failure_event(const std::string& source, const std::string& text) {
   return {source, 3, text, 3, 0x10000, 0, LOCAL_STAMP, &Attr_EventMessage};
 }
 
-/// The layer's file-scope state as it is when the library has been loaded.
+/// Resets the layer's file-scope state to its state after loading.
 inline void reset_driver_link() {
   using boost::interprocess::interprocess_semaphore;
   for (interprocess_semaphore* semaphore :
@@ -96,7 +97,7 @@ protected:
   doubles::FakePsdriver driver_;
 };
 
-/// A handheld object whose registrations are made; the log begins afterwards.
+/// A handheld object after its registrations; the log begins afterwards.
 class HandheldTest : public HandheldSurroundings {
 protected:
   HandheldTest() {

@@ -14,7 +14,7 @@ using doubles::FakeShell;
 using doubles::put_file;
 using testing::ElementsAre;
 
-/// Commands end in a shell that only takes note of them.
+/// Commands go to a shell that only records them.
 class NetworkTest : public HandheldTest {
 protected:
   int status_ = 0;
@@ -76,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(Names, InterfaceNameTest,
                          testing::Values("", " ", "eth0 eth1", "\"eth0\"", "'", "eth0; touch /tmp/mark", "$(reboot)",
                                          "`reboot`", "a|b", "eth0\n", "\\", "../eth0", "%s%n", std::string(5000, 'x')));
 
-/// Commands run in the real shell, and the programs they name are scripts that take note of their arguments.
+/// Commands run in the real shell, and the programs they name are scripts that record their arguments.
 class RealShellTest : public HandheldTest {
 protected:
   RealShellTest() : path_(std::getenv("PATH")) {

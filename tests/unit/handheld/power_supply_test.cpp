@@ -26,7 +26,7 @@ using testing::IsEmpty;
 
 const char CHARGER_REPLY[] = "SetCharger_BatteryStatusCallback";
 
-/// A handheld object whose publications stand in the log.
+/// A handheld object whose publications are logged.
 class PowerSupplyTest : public HandheldSurroundings {
 protected:
   PowerSupplyTest() {
@@ -153,7 +153,7 @@ TEST_F(PowerSupplyTest, BatteryPresentLooksAtBitFourOfTheLastStatusAndAsksNobody
   EXPECT_EQ(unit_->BatteryPresent(), 1);
 }
 
-/// Which of the three requests fails, and whether the charge has been set by then.
+/// The one of the three requests that fails, and the resulting charge.
 struct ChargeFailure {
   const char* request;
   int charge;

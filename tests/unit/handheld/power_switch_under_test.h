@@ -12,7 +12,7 @@ inline const char POWER_FILE[] = "/sys/class/backlight/omap-bl/bl_power";
 inline const char MAXIMUM_FILE[] = "/sys/class/backlight/omap-bl/max_brightness";
 inline const char BRIGHTNESS_FILE[] = "/sys/class/backlight/omap-bl/brightness";
 
-/// Steps of a shutdown as they stand in the log.
+/// Steps of a shutdown as logged.
 inline const char TAKE_LOCK[] = "take framework lock";
 inline const char GIVE_LOCK_BACK[] = "give framework lock back";
 inline const char FIND_GUI_MANAGER[] = "lookup Halcyra/local/GUIManager";
@@ -29,7 +29,7 @@ inline const char SHUTDOWN_HW_ENUMERATION[] = "ShutdownEngine SYSTEM_ENGINE1";
 inline const char SCRIPT[] = "system /root/.shutdown";
 inline const char USER_INTERFACE_GONE[] = "SetUserInterface_CommunicationStatus 256 0";
 
-/// Standard output, line by line in the log as "out <line>" while it lives. One at a time.
+/// During its lifetime, logs standard output line by line as "out <line>". One at a time.
 class OutputInLog : private std::streambuf {
 public:
   OutputInLog() : kept_(std::cout.rdbuf(this)) {}
@@ -57,8 +57,8 @@ inline std::string shutdown_all() {
   return "ShutdownAll 4711 " + std::to_string(doubles::last_core_serial());
 }
 
-/// A handheld object that is the process's hardware, three services that can be found, and commands that only stand in
-/// the log.
+/// A handheld object that is the process's hardware, three services that can be found, and commands that are only
+/// logged.
 class PowerSwitchSurroundings : public HandheldTest {
 protected:
   PowerSwitchSurroundings() {
@@ -73,7 +73,7 @@ protected:
     reset_driver_link();
   }
 
-  /// What the steps after the lookups are when everything is there and the user has agreed.
+  /// The steps after the lookups if all services exist and the user has agreed.
   static doubles::Calls whole_shutdown() {
     return {TAKE_LOCK,
             FIND_GUI_MANAGER,

@@ -157,7 +157,7 @@ TEST_F(RemoteServicesTest, AnyTypeOfExceptionOfAnEnginesLookupIsSwallowed) {
   EXPECT_EQ(output_.err(), std::string(NO_EVERYBODY) + NO_ENUMERATION);
 }
 
-/// Objects that cannot be asked for their type: nobody is at their address.
+/// Objects whose type cannot be queried: no process listens at their address.
 class UnreachableServicesTest : public RemoteServicesTest {
 protected:
   UnreachableServicesTest() {

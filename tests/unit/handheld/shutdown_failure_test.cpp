@@ -4,7 +4,7 @@
 #include "tests/doubles/failing_allocation.h"
 #include "tests/unit/handheld/power_switch_under_test.h"
 
-// What a shutdown does when a service is not there, is not what it should be, or fails in mid-call.
+// Shutdown with a service that is missing, has another type, or fails during a call.
 
 namespace {
 
@@ -22,7 +22,7 @@ const char WITHOUT_EVERYBODY[] = "Shutting down hardware enum\nHardware shutdown
 
 class ShutdownFailureTest : public PowerSwitchSurroundings {
 protected:
-  /// The whole shutdown, less the steps named.
+  /// The whole shutdown without the given steps.
   static Calls without(std::initializer_list<std::string> left_out) {
     Calls steps;
     for (const std::string& step : whole_shutdown()) {
@@ -103,7 +103,7 @@ TEST_F(ShutdownFailureTest, LookupsThatFailLaterUseWhatAnEarlierRequestFound) {
   EXPECT_EQ(output_.out().substr(written), trace(256) + PROGRESS);
 }
 
-/// A text that is handed to a service and cannot be copied, and the call that is missing then.
+/// A text for a service that cannot be copied, and the call that is then missing.
 struct FailedCopy {
   const char* name;
   std::size_t size;
@@ -153,7 +153,7 @@ TEST_F(ShutdownFailureTest, ACoverFileThatCannotBeWrittenForLackOfMemoryIsPassed
   EXPECT_THAT(sent_events(), testing::IsEmpty());
 }
 
-/// A step that fails, the call in the log that belongs to it, and the calls that are missing then.
+/// A failing step, its call in the log, and the calls that are then missing.
 struct FailingStep {
   const char* operation;
   std::vector<std::string> missing;

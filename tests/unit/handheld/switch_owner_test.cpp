@@ -1,7 +1,7 @@
 #include "tests/unit/base/plain_hardware.h"
 #include "tests/unit/handheld/power_switch_under_test.h"
 
-// Which object an interrupt is for.
+// The object that handles an interrupt.
 
 namespace {
 
@@ -10,7 +10,7 @@ using doubles::file_text;
 
 class SwitchOwnerTest : public PowerSwitchSurroundings {
 protected:
-  /// Whether an interrupt that asks for both raised the backlight, and shut the unit down.
+  /// Whether an interrupt that requests both raised the backlight and shut the unit down.
   bool brightens() const { return file_text(BRIGHTNESS_FILE) == "255"; }
   bool shuts_down() const { return calls().count(SCRIPT) == 1; }
 };

@@ -174,7 +174,7 @@ TEST_F(TemperatureListTest, AnExceptionOfTheDigitalBoardPassesThroughWithAPartly
   EXPECT_EQ(list.size(), 5U);
 }
 
-/// What the tool leaves in its file, and the degrees that are read from it.
+/// The text of the tool's file, and the degrees read from it.
 struct Reading {
   const char* text;
   int degrees;
@@ -231,7 +231,7 @@ TEST_F(TemperatureListTest, TheCommandsStatusIsNotLookedAt) {
   EXPECT_EQ(row("Slot 1 MIC284 Temperature"), "26");
 }
 
-/// A file that can be read and that not even the superuser can truncate, by its link, while it lives.
+/// During its lifetime, links the path to a file that can be read but that not even the superuser can truncate.
 class UnchangeableFile {
 public:
   UnchangeableFile(const char* path, const std::string& text)

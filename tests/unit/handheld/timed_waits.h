@@ -3,11 +3,11 @@
 #include <chrono>
 #include <functional>
 
-/// The C library's pthread_cond_timedwait(), watched. boost's sleeps end in it.
+/// Monitors the C library's pthread_cond_timedwait(), which boost's sleeps call.
 namespace doubles {
 
-/// Runs `action` before each timed wait that code of this program (not of its libraries) begins while this lives, on
-/// the thread that begins it, with the time from now to its deadline. One at a time.
+/// During its lifetime, runs `action` before each timed wait begun by this program's code (not by its libraries), on
+/// the waiting thread, with the time from now to its deadline. One at a time.
 class WatchedTimedWaits {
 public:
   explicit WatchedTimedWaits(std::function<void(std::chrono::nanoseconds)> action);

@@ -32,7 +32,7 @@ public:
   UserInterface(const UserInterface&) = delete;
   UserInterface& operator=(const UserInterface&) = delete;
 
-  /// Waits until somebody listens; fails the test after ten seconds.
+  /// Waits until a reader has joined; fails the test after ten seconds.
   void wait_for_listener() {
     DDS::PublicationMatchedStatus status{};
     for (int tries = 0; tries < 10000 && status.current_count == 0; ++tries) {

@@ -12,7 +12,7 @@ namespace {
 
 using nlohmann::json;
 
-/// What the accessor says of arguments that it refuses; empty where it takes them.
+/// The accessor's message for rejected arguments; empty if it accepts them.
 template <typename Accessor>
 std::string refusal(const json& values, Accessor accessor) {
   const std::string call = "Op";

@@ -14,7 +14,7 @@ using host_test::FakeHardware;
 using nlohmann::json;
 using testing::ElementsAre;
 
-/// Calls a board operation of an object that the host knows by the interface only.
+/// Calls a board operation of an object that the host knows only by its interface.
 json call(FakeHardware& hardware, const std::string& name, const json& values = json::array()) {
   return find_operation(name)->call(hardware, Arguments(name, values));
 }

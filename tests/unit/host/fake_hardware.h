@@ -7,8 +7,8 @@
 
 namespace host_test {
 
-/// A unit whose operations write down that they were called, and with what. Its board operations stand where a unit
-/// class declares them: after those of the interface, in this order.
+/// A unit whose operations record their calls and arguments. Its board operations are declared after those of the
+/// interface, in the order of the unit class.
 class FakeHardware : public BASE_HARDWARE {
 public:
   FakeHardware() : BASE_HARDWARE(2) {}

@@ -45,7 +45,7 @@ private:
   int socket_;
 };
 
-/// What outlives the server, as its answers do: a door that the request "block" waits at.
+/// Outlives the server, as its answers do: the request "block" waits until this is opened.
 struct Door {
   std::mutex mutex;
   std::condition_variable opened;

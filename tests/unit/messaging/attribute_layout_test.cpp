@@ -6,7 +6,7 @@
 
 #include "varnok_attributes.h"
 
-// Attribute samples are shared with processes that know only their layout: two words, a double word, the value.
+// Other processes know only the layout of attribute samples: two words, a double word, the value.
 
 namespace {
 

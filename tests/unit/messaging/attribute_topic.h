@@ -49,7 +49,7 @@ public:
     topic_.participant()->delete_publisher(publisher_.in());
   }
 
-  /// Waits until a reader has joined. Throws std::runtime_error when none does within ten seconds.
+  /// Waits until a reader has joined. Throws std::runtime_error if none does within ten seconds.
   void wait_for_reader() const { wait_for_readers(1); }
   void wait_for_readers(int count) const {
     DDS::PublicationMatchedStatus status{};
@@ -72,7 +72,7 @@ private:
   typename Attribute::DataWriter_var writer_;
 };
 
-/// Reads the samples of a topic; with the usual durability, those of writers that were there before it included.
+/// Reads the samples of a topic; with the default durability, also those of writers that existed before it.
 template <typename Attribute>
 class AttributeReader {
 public:
@@ -96,7 +96,7 @@ public:
 
   DDS::DataReader_ptr reader() const { return reader_.in(); }
 
-  /// The next `count` samples with data; fewer when they do not come within ten seconds.
+  /// The next `count` samples with data; fewer if they do not arrive within ten seconds.
   std::vector<typename Attribute::Sample> take(std::size_t count) {
     std::vector<typename Attribute::Sample> samples;
     for (int tries = 0; tries < 10000 && samples.size() < count; ++tries) {

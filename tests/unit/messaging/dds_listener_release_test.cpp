@@ -7,7 +7,7 @@
 #include "tests/doubles/fake_time.h"
 #include "tests/doubles/fake_varnok.h"
 
-// An engine's thread may hold the listener after its reader is deleted. Time is played for the thread that destroys the
+// An engine's thread may hold the listener after its reader is deleted. Time is faked for the thread that destroys the
 // subscriber.
 
 namespace {

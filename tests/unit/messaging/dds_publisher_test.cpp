@@ -39,7 +39,7 @@ protected:
     calls().clear();
   }
 
-  /// What the constructor throws; "" where it throws nothing.
+  /// The text of the constructor's exception; "" if it throws nothing.
   static std::string failure() {
     try {
       const DDS_Publisher<bool> publisher(TOPIC);

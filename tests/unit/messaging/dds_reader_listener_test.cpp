@@ -27,7 +27,7 @@ const std::string SIGNATURE =
 
 using ScriptedReaderVar = ScriptedReader::_var_type;
 
-/// A subscriber that is ready, its listener at hand.
+/// A started subscriber and its listener.
 class DdsReaderListenerTest : public testing::Test {
 protected:
   DdsReaderListenerTest() {
@@ -40,7 +40,7 @@ protected:
   }
   ~DdsReaderListenerTest() override { listener_ = DDS::DataReaderListener::_nil(); }
 
-  /// The text of what the listener throws for a reader that yields this; "" where it throws nothing.
+  /// The text of the listener's exception for a reader that returns this; "" if it throws nothing.
   std::string thrown(DDS::ReturnCode_t result, bool valid, DDS::InstanceStateKind state) {
     const DDS::DataReader_var reader = new ScriptedReader(result, valid, state);
     try {

@@ -8,8 +8,8 @@
 #include "tests/doubles/fake_varnok.h"
 #include "tests/doubles/gate.h"
 
-// Who waits for a subscription's start-up looks at it once a millisecond until its thread has ended. Time is played for
-// the thread that waits; its third sleep lets start-up go on and end.
+// Waiting for a subscription's start-up polls once per millisecond until its thread has ended. Time is faked for the
+// waiting thread; its third sleep lets start-up continue and end.
 
 namespace {
 
@@ -24,13 +24,13 @@ using Varnok::DDS_VoidMessage;
 
 constexpr std::chrono::microseconds POLL{1000};
 
-/// The base by itself, so that the test has the start-up thread in its hands.
+/// The base class alone, so that the test controls the start-up thread.
 class OpenBase : public Varnok::DDS_SubscriberBase<DDS_VoidMessage, void(const char*)> {
 public:
   OpenBase() : DDS_SubscriberBase("Halcyra/local/UIDoneLoading", [](const char*) { calls().record("heard"); }) {}
 };
 
-/// A subscription whose start-up thread has done its work and not ended.
+/// A subscription whose start-up thread has done its work but not ended.
 class DdsStartUpTest : public testing::Test {
 protected:
   DdsStartUpTest() {

@@ -8,7 +8,7 @@
 #include "tests/doubles/fake_dds.h"
 #include "tests/doubles/fake_varnok.h"
 
-// A start-up that fails: the text is printed and thrown, and the exception ends the process.
+// A failing start-up prints and throws the text, and the exception terminates the process.
 
 namespace {
 
@@ -32,14 +32,14 @@ std::string type_name() {
   return name.in();
 }
 
-/// What a process leaves on standard error that ends by an exception of that text.
+/// The standard error of a process terminated by an exception with that text.
 std::string last_words(const std::string& text) {
   return text +
          "\nterminate called after throwing an instance of 'Varnok::Connection_errors::Not_Connected'\n  what():  " +
          text + "\n";
 }
 
-/// A step of the start-up that is refused, and the text that says so.
+/// A failing step of the start-up, and its message.
 struct Refusal {
   const char* name;
   const char* step;
@@ -50,8 +50,8 @@ void PrintTo(const Refusal& refusal, std::ostream* stream) {
   *stream << refusal.step << " fails";
 }
 
-/// The base by itself, so that start-up can be run on the test's own thread. It is never destroyed: its destruction
-/// would wait for a start-up that never ends.
+/// The base class alone, so that start-up can run on the test's own thread. Never destroyed: its destructor would wait
+/// for a start-up that never ends.
 class OpenBase : public Varnok::DDS_SubscriberBase<DDS_VoidMessage, void(const char*)> {
 public:
   OpenBase() : DDS_SubscriberBase(TOPIC, [](const char*) {}) {}

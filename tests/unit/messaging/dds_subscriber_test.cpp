@@ -102,7 +102,7 @@ TEST_F(DdsSubscriberTest, NoOtherQosFieldDiffersFromTheDefaults) {
   EXPECT_EQ(qos.destination_order.kind, defaults.destination_order.kind);
 }
 
-/// The base by itself, for start-up work with other arguments.
+/// The base class alone, for start-up work with other arguments.
 class OpenBase : public Varnok::DDS_SubscriberBase<DDS_VoidMessage, void(const char*)> {
 public:
   OpenBase() : DDS_SubscriberBase(TOPIC, &hear) {}

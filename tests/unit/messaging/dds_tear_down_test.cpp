@@ -10,7 +10,7 @@
 #include "tests/doubles/fake_varnok.h"
 #include "tests/unit/messaging/attribute_topic.h"
 
-// What publisher and subscriber let go of before they delete their entities, and what they do not look at.
+// References that publisher and subscriber release before they delete their entities, and results that they ignore.
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "tests/unit/messaging/attribute_topic.h"
 
-/// Joins the topic of that name and prints the first value that it gets.
+/// Joins the topic with that name and prints the first value that it receives.
 int main(int argc, char* argv[]) {
   if (argc != 2) {
     return 2;

@@ -14,7 +14,7 @@
 
 namespace tool_test {
 
-/// A host of a test's own: answers each request of one connection with the next of the lines given, then closes it.
+/// A fake host for one test: answers each request of one connection with the next of the given lines, then closes it.
 class FakeHost {
 public:
   explicit FakeHost(std::vector<std::string> answers) : answers_(std::move(answers)) {
@@ -37,7 +37,7 @@ public:
 
   const std::string& path() const { return path_; }
 
-  /// The requests taken; to be read once the connection has ended.
+  /// The requests received; to be read once the connection has ended.
   std::string requests() {
     thread_.join();
     thread_ = std::thread([] {});

@@ -12,7 +12,7 @@ using tool::CommandError;
 using tool::HostClient;
 using tool_test::FakeHost;
 
-/// How the call of "Beep" ends.
+/// The outcome of calling "Beep".
 std::string error_of(HostClient& client, int status) {
   try {
     return client.call("Beep", {1, "two"}).dump();

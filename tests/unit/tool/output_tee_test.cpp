@@ -19,7 +19,7 @@ protected:
   OutputTeeTest() { write_text(log_, "earlier\n"); }
   ~OutputTeeTest() override { ::close(target_); }
 
-  /// Copies the text through the tee to its end.
+  /// Copies the whole text through the tee.
   static void copy(OutputTee& tee, const std::string& text) {
     const int writer = ::dup(tee.writing_end());
     tee.start();

@@ -6,7 +6,7 @@
 
 #include "tests/unit/simulator/model/this_unit.h"
 
-// How processes end that never delete their driver. Each runs in a child process of its own.
+// Exit of processes that never delete their driver. Each case runs in its own child process.
 namespace {
 
 using simulator_test::ThisUnit;
@@ -21,7 +21,7 @@ protected:
   }
 };
 
-/// The driver as its users keep it: reachable until the end, never deleted.
+/// The driver as its users keep it: reachable until the process ends, never deleted.
 psdriver* kept_driver() {
   static psdriver* kept = nullptr;
   kept = new psdriver(DEVICE);

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-// A library whose initialiser opens the driver and then ends the process, with the driver's thread alive.
+// A library whose initialiser opens the driver and then ends the process, with the driver's thread running.
 namespace {
 
 psdriver* open_and_end() {

@@ -22,7 +22,7 @@ protected:
   psdriver driver_{DEVICE};
 };
 
-/// What the refusal of the operation says.
+/// The message of the operation's exception.
 template <typename Operation>
 std::string refusal(Operation operation) {
   try {
@@ -110,7 +110,7 @@ TEST_F(PsdriverFaultsTest, AGarbledReplyCarriesTheWrongValue) {
   EXPECT_EQ(heard.at_least(2), (Heard::Calls{{'e', -99}, {'e', 27}}));
 }
 
-/// The operations of one reply and the name of what it is.
+/// The operations of one reply kind, and its name.
 struct ReplyOperations {
   const char* name;
   void (psdriver::*request)();
@@ -119,7 +119,7 @@ struct ReplyOperations {
 
 class PsdriverPointsTest : public PsdriverFaultsTest, public ::testing::WithParamInterface<ReplyOperations> {
 protected:
-  /// Arms a failure at the point of that name.
+  /// Arms a failure at the point with that name.
   void fail(const std::string& point) {
     unit_.faults().arm(simulator::model::point_named(point).value(), {FaultKind::FAIL, EBUSY});
   }

@@ -13,7 +13,7 @@ using simulator::model::FaultKind;
 using simulator::model::Point;
 using simulator_test::ThisUnit;
 
-/// Shows what the base hides.
+/// Exposes the base's protected context.
 struct Entity : Varnok::DDS_BaseObj {
   const Varnok::DDS_Context& context() const { return DdsBase(); }
 };

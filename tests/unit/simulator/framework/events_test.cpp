@@ -37,7 +37,7 @@ protected:
     ThisUnit::get().reset();
   }
 
-  /// What the refusal of the event says.
+  /// The message of the exception for a rejected event.
   std::string refusal() {
     try {
       channel_.SendEventMessage(message_of("a", "b"));

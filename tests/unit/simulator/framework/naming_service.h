@@ -15,7 +15,7 @@
 
 namespace simulator_test {
 
-/// A naming service of a test's own, on a loopback port, ended by the destructor.
+/// A naming service for one test, on a loopback port, ended by the destructor.
 class NamingService {
 public:
   explicit NamingService(int port) : port_(port) {

@@ -18,7 +18,7 @@ using simulator_test::NamingService;
 using simulator_test::ThisUnit;
 using ClientInfo = ORB_wrapper_base::ClientInfo;
 
-/// A loopback port that nobody listens on.
+/// A loopback port on which no process listens.
 int free_port() {
   const int probe = ::socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in address{};
@@ -31,7 +31,7 @@ int free_port() {
   return ntohs(address.sin_port);
 }
 
-/// The naming service that this process's ORB knows; it holds the path "Halcyra"/"local"/"GUIManager".
+/// The naming service that this process's ORB uses; it contains the path "Halcyra"/"local"/"GUIManager".
 class OrbWrapperTest : public ::testing::Test {
 protected:
   static void SetUpTestSuite() {
@@ -128,7 +128,7 @@ TEST_F(OrbWrapperTest, LookupsAreRecordedWithTheirPath) {
   EXPECT_NE(lines[0].find(R"("at":"orb.lookup","args":{"path":["Halcyra","local","GUIManager"]})"), std::string::npos);
 }
 
-/// Lookups in processes whose ORB is not started yet; each runs in a child process of its own.
+/// Lookups in processes whose ORB is not started yet; each runs in its own child process.
 class OrbStartTest : public ::testing::Test {
 protected:
   OrbStartTest() {
@@ -136,7 +136,7 @@ protected:
     ThisUnit::get().reset();
   }
 
-  /// The name of what a lookup throws with that port.
+  /// The name of the exception that a lookup throws with that port.
   static std::string refusal(const std::string& port) {
     ::setenv("UNIT_NAMING_PORT", port.c_str(), 1);
     std::vector<ClientInfo> clients{ClientInfo({"Halcyra", "local", "GUIManager"})};

@@ -23,7 +23,7 @@ protected:
   SharedMutex& lock_ = *new (memory_) SharedMutex(SharedMutex::Kind::CHECKED);
 };
 
-/// A child process that takes the mutex, says so, and then waits to be killed.
+/// A child process that takes the mutex, reports it, and then waits to be killed.
 pid_t child_that_holds(SharedMutex& lock) {
   int ready[2];
   EXPECT_EQ(::pipe(ready), 0);

@@ -13,7 +13,7 @@ using simulator::memory::Signal;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-/// Longer than any test may run.
+/// Timeout: longer than any test may run.
 constexpr std::chrono::hours LONG{1};
 
 TEST(SignalTest, CountsWhatWasRaised) {

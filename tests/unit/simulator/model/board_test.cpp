@@ -11,7 +11,7 @@ using simulator::model::Board;
 
 class BoardTest : public ::testing::Test {
 protected:
-  /// One RF register read the way the board wants it, with a transfer that is finished at once.
+  /// Reads one RF register by the board's protocol, with a transfer that finishes at once.
   std::uint32_t transferred(std::uint32_t address) {
     board_.set_rf_transfer_time(0);
     board_.write(1, Board::RF_REQUEST, address);

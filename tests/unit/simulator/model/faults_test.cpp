@@ -15,7 +15,7 @@ using simulator::model::Watch;
 
 class FaultsTest : public ::testing::Test {
 protected:
-  /// What the next calls of the point meet, one letter each: '.' nothing, '!' the fault.
+  /// Results of the next calls of the point, one character per call: '.' no fault, '!' the fault.
   std::string next_calls(Point point, int calls) {
     std::string met;
     for (int call = 0; call < calls; ++call) {

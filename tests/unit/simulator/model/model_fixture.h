@@ -8,7 +8,7 @@
 
 namespace simulator_test {
 
-/// A fresh unit for each test.
+/// A new unit for each test.
 class ModelTest : public ::testing::Test {
 protected:
   doubles::TemporaryFolder folder_;

@@ -39,7 +39,7 @@ TEST(PointsTest, NamesArePaired) {
   EXPECT_EQ(name_of(FaultKind::GARBAGE), "garbage");
 }
 
-/// The kinds that the point admits, by their first letters: none, fail, no_reply (r), late, twice, slow, garbage.
+/// The kinds that the point accepts, by their first letters: none, fail, no_reply (r), late, twice, slow, garbage.
 std::string admitted(Point point) {
   constexpr std::string_view LETTERS = "nfrltsg";
   std::string letters;

@@ -6,8 +6,8 @@
 
 namespace simulator_test {
 
-/// The unit that the test process belongs to: made by the first call, before anything behind the closed interfaces asks
-/// for it, and removed at exit.
+/// The unit that the test process belongs to: made by the first call, before the simulated closed libraries use it, and
+/// removed at exit.
 class ThisUnit {
 public:
   static ThisUnit& get() {
@@ -19,7 +19,7 @@ public:
   std::string run_folder() const { return folder_ / "run/unit"; }
   std::string file(const std::string& name) const { return folder_ / ("run/unit/" + name); }
 
-  /// Back to the initial values, no faults, no record.
+  /// Restores the initial values, disarms all faults, clears the events, and stops the call record and call counting.
   void reset() {
     model().faults().disarm_all();
     model().faults().forget_calls();

@@ -23,7 +23,7 @@ using simulator::process::start_program;
 
 class ChildProcessTest : public ::testing::Test {
 protected:
-  /// Runs the shell command to its end with its streams in the log; returns its status as a shell gives it.
+  /// Runs the shell command until it exits, with its streams in the log; returns its status as a shell does.
   int run(const std::string& command, ChildOptions options = {}) {
     options.log = log_;
     return shell_status(reap(start_program({"sh", "-c", command}, options), true).value());
@@ -67,7 +67,7 @@ TEST_F(ChildProcessTest, DescriptorsTakeTheirPlacesWhereverTheyComeFrom) {
   write_text(folder_ / "two", "two");
   const int one = ::open((folder_ / "one").c_str(), O_RDONLY | O_CLOEXEC);
   const int two = ::open((folder_ / "two").c_str(), O_RDONLY | O_CLOEXEC);
-  // Where the starter itself would open the log next.
+  // The path at which the starter itself would open the log next.
   const int next = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
   ::close(next);
   ChildOptions options;

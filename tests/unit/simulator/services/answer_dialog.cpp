@@ -1,4 +1,4 @@
-// Presses a button of a dialog of the unit: answer_dialog TITLE LABEL. Exit status 0: there was such a button.
+// Presses a button of a dialog of the unit: answer_dialog TITLE LABEL. Exit status 0 if there is such a button.
 
 #include "simulator/model/unit_model.h"
 

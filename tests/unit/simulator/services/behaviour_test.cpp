@@ -1,4 +1,4 @@
-// Services that are slow, die or throw, each of the three by itself.
+// Services that are slow, die or throw; each of the three services separately.
 
 #include <chrono>
 #include <functional>
@@ -13,7 +13,7 @@ class Behaviour : public UnitWithServices {
 protected:
   Behaviour() { start_services(); }
 
-  /// A call of the service's own operation, by a reference that has been looked up already.
+  /// Calls the service's own operation through a reference that has already been looked up.
   std::function<void()> call_of(Service service) {
     switch (service) {
       case Service::GUI_MANAGER:

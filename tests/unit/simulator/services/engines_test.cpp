@@ -1,4 +1,4 @@
-// The everybody engine and the hardware enumeration engine as their callers see them.
+// The everybody engine and the hardware enumeration engine from their callers' point of view.
 
 #include <set>
 

@@ -1,4 +1,4 @@
-// Faults armed at single operations of the services.
+// Faults armed for single operations of the services.
 
 #include <future>
 

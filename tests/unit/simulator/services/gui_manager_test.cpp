@@ -1,4 +1,4 @@
-// The GUI manager's dialogs: what its callers get, and what the unit's model shows.
+// The GUI manager's dialogs: the callers' results and the state in the unit's model.
 
 #include <future>
 
@@ -17,7 +17,7 @@ class GuiManagerService : public UnitWithServices {
 protected:
   GuiManagerService() { start_services(); }
 
-  /// Puts the question from a thread of its own and returns once it is on the screen.
+  /// Asks the question from a separate thread and returns once it is on the screen.
   std::future<CORBA::Long> ask(const std::string& title, const std::string& buttons) {
     auto answer = std::async(std::launch::async, [gui = gui_manager(), title, buttons]() mutable {
       return gui->ShowDialog(title.c_str(), "Do you want to shutdown?", buttons.c_str(), 1);

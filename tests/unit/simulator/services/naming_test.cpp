@@ -1,4 +1,4 @@
-// The names under which the services are found.
+// The names under which the services are registered.
 
 #include "tests/unit/simulator/services/unit_with_services.h"
 

@@ -1,4 +1,4 @@
-// How unit-services starts and ends as a program.
+// Start and exit of the program unit-services.
 
 #include <signal.h>
 
@@ -11,7 +11,7 @@ namespace {
 
 class Program : public UnitWithServices {
 protected:
-  /// Runs unit-services to its end and returns its exit status.
+  /// Runs unit-services until it exits and returns its exit status.
   int run(const std::vector<std::string>& arguments, const std::vector<std::string>& variables) {
     std::vector<std::string> command{UNIT_SERVICES};
     command.insert(command.end(), arguments.begin(), arguments.end());

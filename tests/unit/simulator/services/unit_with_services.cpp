@@ -22,7 +22,7 @@ sockaddr_in loopback(unsigned port) {
   return address;
 }
 
-/// A port on loopback that nobody listens on.
+/// A loopback port on which no process listens.
 unsigned free_port() {
   const int probe = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address = loopback(0);

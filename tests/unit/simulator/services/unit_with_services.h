@@ -27,29 +27,29 @@ using simulator::model::Point;
 using simulator::model::Service;
 using simulator::model::ServiceBehaviour;
 
-/// Far longer than anything here takes; only a failing test waits so long.
+/// Timeout: far longer than any step takes; only a failing test waits so long.
 inline constexpr std::chrono::milliseconds PATIENCE{20000};
 
-/// Waits until the condition holds; false when PATIENCE passes first.
+/// Waits until the condition holds; false if PATIENCE passes first.
 bool comes_true(const std::function<bool()>& condition);
 
 inline const std::vector<std::string> GUI_MANAGER_PATH{"Halcyra", "local", "GUIManager"};
 inline const std::vector<std::string> EVERYBODY_ENGINE_PATH{"Halcyra", "local", "EVERYBODYENG", "1"};
 inline const std::vector<std::string> HW_ENUMERATE_PATH{"Halcyra", "local", "HWENUM_ABLE", "1"};
 
-/// A unit with a model, a real naming service and the real services, each in processes of their own; and this process
-/// as their client.
+/// A unit with a model, a real naming service and the real services, each in a separate process; this process is their
+/// client.
 class UnitWithServices : public testing::Test {
 protected:
   UnitWithServices();
   ~UnitWithServices() override;
 
-  /// Starts unit-services and waits until every service stands as it is set.
+  /// Starts unit-services and waits until every service has its set behaviour.
   void start_services(const std::vector<std::string>& arguments = {});
-  /// Sets the behaviour and waits until it shows.
+  /// Sets the behaviour and waits until it takes effect.
   void behave(Service service, ServiceBehaviour behaviour);
 
-  /// What the path leads to. Throws CosNaming::NamingContext::NotFound.
+  /// Resolves the path. Throws CosNaming::NamingContext::NotFound.
   CORBA::Object_var resolve(const std::vector<std::string>& path);
   bool bound(const std::vector<std::string>& path);
   Halcyra::gui::GUIManager_var gui_manager();
@@ -58,9 +58,9 @@ protected:
 
   /// The lines of the call record.
   std::vector<nlohmann::json> calls() const;
-  /// Of every line, what was called with what: "gui.SetDialogSize {…}".
+  /// The call and the arguments of every line: "gui.SetDialogSize {…}".
   std::vector<std::string> call_texts() const;
-  /// What unit-services has written to both streams.
+  /// The output of unit-services on both streams.
   std::string services_output() const;
 
   simulator::model::UnitModel& model() { return *model_; }
@@ -74,7 +74,7 @@ protected:
 private:
   void start_naming_service();
   CosNaming::NamingContext_var naming_root();
-  /// Asks the naming service until it answers: it listens before it knows its own root.
+  /// Queries the naming service until it answers: it listens before its root context is ready.
   void await_naming_service();
 
   std::string folder_;

@@ -41,7 +41,7 @@ std::string point_table() {
   return table;
 }
 
-/// The page with the tables in the place of those that it has, each found by its header's first word.
+/// The page with its tables replaced by the given ones; each table is found by the first word of its header.
 std::string with_table(const std::string& page, const std::string& table) {
   const std::size_t begin = page.find(table.substr(0, table.find('|', 1)));
   if (begin == std::string::npos) {

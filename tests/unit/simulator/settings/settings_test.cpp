@@ -47,7 +47,7 @@ std::string documented(const Setting& setting) {
   return "| `" + setting.name + "` | " + takes + " | " + setting.unit + " | " + setting.doc + " |";
 }
 
-/// A value that the setting takes and that differs from every initial one.
+/// A value that the setting accepts and that differs from every initial one.
 json other_value(const Setting& setting) {
   switch (setting.type) {
     case SettingType::FLAG:
@@ -64,7 +64,7 @@ json other_value(const Setting& setting) {
 
 class SettingsTest : public simulator_test::ModelTest {
 protected:
-  /// What the refusal of the value says.
+  /// The message for the rejected value.
   std::string refusal(const std::string& name, const json& value) {
     try {
       set_setting(unit_, name, value);
@@ -106,7 +106,7 @@ TEST_F(SettingsTest, TheDocumentationHasARowForEverySettingAndNoOther) {
   }
   std::vector<std::string> expected;
   for (const Setting& setting : settings()) {
-    // Faults have a page of their own.
+    // Faults have their own page.
     if (setting.type != SettingType::FAULT) {
       expected.push_back(documented(setting));
     }

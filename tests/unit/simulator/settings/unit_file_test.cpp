@@ -13,7 +13,7 @@ using simulator::settings::settings;
 using simulator::settings::UnitFile;
 using simulator::settings::UnitFileError;
 
-/// The refusal of a unit file of that text, called unit.json.
+/// The error message for a unit file with that text, called unit.json.
 UnitFileError refusal_of(const std::string& text) {
   try {
     UnitFile::parse(text, "unit.json");

@@ -14,7 +14,7 @@ using Words = std::vector<std::string>;
 
 class BwrapCommandTest : public ::testing::Test {
 protected:
-  /// Whether the line holds these words in a row.
+  /// Whether the line contains these words in sequence.
   bool has(const Words& sequence) const {
     return std::search(line_.begin(), line_.end(), sequence.begin(), sequence.end()) != line_.end();
   }

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Comes first: services that run would say that they are ready.
+/// Runs first: running services would report that they are ready.
 TEST(NamingTest, ServicesWhosePortIsNoNumberAreNotWaitedFor) {
   const std::string port = ::getenv("UNIT_NAMING_PORT");
   ::setenv("UNIT_NAMING_PORT", "none", 1);

@@ -21,7 +21,7 @@ protected:
     unit_.sensors().set_i2c_read_prints(true);
   }
 
-  /// Runs the tool; returns its exit status and keeps what it wrote.
+  /// Runs the tool; returns its exit status and keeps its output.
   int run(const std::string& arguments, const std::string& environment = "") {
     const std::string command = environment + " " I2C_READ_TOOL " " + arguments + " >" + ThisUnit::get().file("out") +
                                 " 2>" + ThisUnit::get().file("err");
