@@ -16,11 +16,11 @@ dds_topic_descriptor_t renamed(const dds_topic_descriptor_t& type, const char* n
 }  // namespace
 
 TopicImpl::TopicImpl(ParticipantImpl& participant, std::string name, std::string type_name,
-                     Reference<OpenDDS::DCPS::TypeSupportImpl> type_support)
+                     const Reference<OpenDDS::DCPS::TypeSupportImpl>& type_support)
     : participant_(add_reference(&participant)),
       name_(std::move(name)),
       type_name_(std::move(type_name)),
-      type_support_(std::move(type_support)) {}
+      type_support_(type_support) {}
 
 TopicImpl::~TopicImpl() = default;
 

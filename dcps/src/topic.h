@@ -13,7 +13,7 @@ class ParticipantImpl;
 class TopicImpl final : public EntityImpl<DDS::Topic> {
 public:
   TopicImpl(ParticipantImpl& participant, std::string name, std::string type_name,
-            Reference<OpenDDS::DCPS::TypeSupportImpl> type_support);
+            const Reference<OpenDDS::DCPS::TypeSupportImpl>& type_support);
   ~TopicImpl() override;
 
   /// False if Cyclone refuses.
