@@ -251,10 +251,10 @@ TEST_F(LoadTest, MessagesThatComeBeforeTheDriverWaitForIt) {
   peer.wait_for("flooding\n");
   const Host host = unit_.host();
   ASSERT_TRUE(eventually([this] { return unit_.model().power_supply().led_status() == 12; }));
+  EXPECT_THAT(host.leave(), ExitedWith(0));
   const std::vector<std::string> calls = unit_.call_names();
   const auto opened = std::find(calls.begin(), calls.end(), "psdriver.open");
   EXPECT_LT(opened, std::find(calls.begin(), calls.end(), "psdriver.SetSystemLEDStatus"));
-  EXPECT_THAT(host.leave(), ExitedWith(0));
 }
 
 TEST_F(LoadTest, ExitsWhileTheLoadIsCaughtUpByMessages) {
