@@ -90,7 +90,7 @@ dds_entity_t BareEngine::make_reader(const dds_topic_descriptor_t& type, const s
   return reader;
 }
 
-void BareEngine::start_thread(dds_entity_t reader, Listener& listener) {
+void BareEngine::start_thread(dds_entity_t reader, Listener& listener) const {
   const dds_entity_t waitset = require(dds_create_waitset(participant_), "waitset");
   require(dds_set_status_mask(reader, DDS_DATA_AVAILABLE_STATUS), "status mask");
   require(dds_waitset_attach(waitset, reader, 0), "attachment");

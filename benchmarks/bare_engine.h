@@ -35,7 +35,7 @@ public:
 
 private:
   dds_entity_t make_topic(const dds_topic_descriptor_t& type, const std::string& topic) const;
-  void start_thread(dds_entity_t reader, Listener& listener);
+  void start_thread(dds_entity_t reader, Listener& listener) const;
 
   dds_entity_t participant_;
   std::vector<std::unique_ptr<Listener>> listeners_;

@@ -1,4 +1,4 @@
-# The DDS and CORBA engine behind messaging/ and the simulator. Both engines give
+# The DDS and CORBA engine behind messaging/ and the simulator. Both engines provide
 #   dcps                                    the target to link for the DCPS API and CORBA
 #   dcps_corba_interfaces(<target> <idl>…)  adds the stubs and skeletons of each IDL file (<stem>C.h, <stem>S.h)
 #   dcps_topic_types(<target> <idl>…)       adds the types and type supports of each IDL file

@@ -1,4 +1,4 @@
-# The engine made of Cyclone DDS and omniORB, behind the DCPS API of dcps/.
+# The engine of Cyclone DDS and omniORB, behind the DCPS API of dcps/.
 
 find_package(CycloneDDS CONFIG QUIET)
 if(NOT CycloneDDS_FOUND)
@@ -28,7 +28,7 @@ endif()
 
 set(DCPS_TEMPLATE_DIR ${CMAKE_CURRENT_LIST_DIR}/cyclone)
 
-# Where the generated files of this folder go. Their users take them as system headers: the code is not ours.
+# Folder of the generated files. They are included as system headers because the code is not ours.
 function(_dcps_generated_dir target directory_variable)
   set(directory ${CMAKE_CURRENT_BINARY_DIR}/idl)
   file(MAKE_DIRECTORY ${directory})
@@ -36,7 +36,8 @@ function(_dcps_generated_dir target directory_variable)
   set(${directory_variable} ${directory} PARENT_SCOPE)
 endfunction()
 
-# Runs omniidl: <stem>C.h and <stem>C.cpp. `depends`: every IDL file of the call, because one may include another.
+# Runs omniidl: generates <stem>C.h and <stem>C.cpp. `depends`: all IDL files of the call, because one may include
+# another.
 function(_dcps_omniidl target idl directory depends)
   get_filename_component(stem ${idl} NAME_WE)
   get_filename_component(idl_directory ${idl} DIRECTORY)
@@ -49,8 +50,8 @@ function(_dcps_omniidl target idl directory depends)
   target_sources(${target} PRIVATE ${directory}/${stem}C.h ${directory}/${stem}C.cpp)
 endfunction()
 
-# dcps_corba_interfaces(<target> <idl>…): stubs and skeletons. omniidl puts both into <stem>C.h; <stem>S.h, where the
-# skeletons are looked for, forwards to it.
+# dcps_corba_interfaces(<target> <idl>…): stubs and skeletons. omniidl writes both to <stem>C.h; <stem>S.h, where
+# skeletons are expected, includes it.
 function(dcps_corba_interfaces target)
   _dcps_generated_dir(${target} directory)
   list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ OUTPUT_VARIABLE idls)
@@ -61,12 +62,12 @@ function(dcps_corba_interfaces target)
   endforeach()
 endfunction()
 
-# The types that an IDL file marks as topic types, in their order: "Module::Type;…".
+# The types marked as topic types in an IDL file, in order: "Module::Type;…".
 function(_dcps_topic_type_names idl names_variable)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${idl})
   file(STRINGS ${idl} keys REGEX "^[ \t]*#[ \t]*pragma[ \t]+DCPS_DATA_KEY")
   if(keys)
-    message(FATAL_ERROR "${idl}: this engine carries topic types without keys only; it has DCPS_DATA_KEY")
+    message(FATAL_ERROR "${idl}: this engine supports only topic types without keys; found DCPS_DATA_KEY")
   endif()
   file(STRINGS ${idl} pragmas REGEX "^[ \t]*#[ \t]*pragma[ \t]+DCPS_DATA_TYPE")
   set(names)
@@ -77,12 +78,12 @@ function(_dcps_topic_type_names idl names_variable)
     list(APPEND names ${CMAKE_MATCH_1})
   endforeach()
   if(NOT names)
-    message(FATAL_ERROR "${idl}: no #pragma DCPS_DATA_TYPE, so there is no topic type in it")
+    message(FATAL_ERROR "${idl}: no topic type: #pragma DCPS_DATA_TYPE is missing")
   endif()
   set(${names_variable} ${names} PARENT_SCOPE)
 endfunction()
 
-# Fills the per-type template into a variable: one block for each of `names`.
+# Expands the per-type template into a variable: one block per name in `names`.
 function(_dcps_per_type template names blocks_variable)
   file(READ ${DCPS_TEMPLATE_DIR}/${template} text)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${DCPS_TEMPLATE_DIR}/${template})
@@ -102,8 +103,8 @@ function(_dcps_per_type template names blocks_variable)
   set(${blocks_variable} "${blocks}" PARENT_SCOPE)
 endfunction()
 
-# dcps_topic_types(<target> <idl>…): the types (<stem>C.h, by omniidl), their description for the wire (by idlc, for
-# this folder only) and their type supports, writers and readers (<stem>TypeSupportC.h, <stem>TypeSupportImpl.h).
+# dcps_topic_types(<target> <idl>…): the types (<stem>C.h, by omniidl), their wire descriptions (by idlc, for this
+# folder only) and their type supports, writers and readers (<stem>TypeSupportC.h, <stem>TypeSupportImpl.h).
 function(dcps_topic_types target)
   _dcps_generated_dir(${target} directory)
   set(wire_directory ${CMAKE_CURRENT_BINARY_DIR}/wire)

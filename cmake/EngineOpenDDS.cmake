@@ -1,13 +1,13 @@
-# The genuine engine: OpenDDS on ACE and TAO. It is found by its own CMake package where it has one (OpenDDS 3.14 and
-# later), else by the environment variables that OpenDDS's setenv script sets.
+# The genuine engine: OpenDDS on ACE and TAO. It is found by its CMake package (OpenDDS 3.14 and later) or by the
+# environment variables that OpenDDS's setenv script sets.
 #   dcps          the DCPS API and CORBA; its headers are system headers
-#   dcps_runtime  copies the engine's shared libraries beside ours, so that the build folder runs where only it is seen
+#   dcps_runtime  copies the engine's shared libraries next to ours, so that the build folder is self-contained
 
-# The package refuses to be found a second time.
+# The package cannot be found twice.
 if(NOT OpenDDS_FOUND)
   find_package(OpenDDS CONFIG QUIET)
 endif()
-# Kept, so that the build folder configures itself again outside the environment that it was made in.
+# Cached, so that the build folder can be reconfigured outside its original environment.
 foreach(root DDS_ROOT ACE_ROOT TAO_ROOT)
   set(DCPS_${root} "$ENV{${root}}" CACHE PATH "${root} of the OpenDDS that has no CMake package")
 endforeach()
@@ -20,13 +20,13 @@ elseif(DCPS_DDS_ROOT AND DCPS_ACE_ROOT AND DCPS_TAO_ROOT)
   endforeach()
 else()
   message(FATAL_ERROR
-    "DCPS=OpenDDS, and OpenDDS is not found. Looked for its CMake package (OpenDDSConfig.cmake; give OpenDDS_ROOT or "
+    "DCPS=OpenDDS, but OpenDDS was not found. Looked for its CMake package (OpenDDSConfig.cmake; set OpenDDS_ROOT or "
     "CMAKE_PREFIX_PATH) and for the environment variables DDS_ROOT, ACE_ROOT and TAO_ROOT (source OpenDDS's setenv.sh). "
-    "DCPS=Cyclone builds on Debian's packages instead.")
+    "DCPS=Cyclone uses Debian packages instead.")
 endif()
 find_package(Threads REQUIRED)
 
-# What follows is looked for in these folders only: a header of one OpenDDS never meets a library of another.
+# Search only in these folders, so that headers and libraries of different OpenDDS installations are never mixed.
 set(dcps_program_hints
   ${OPENDDS_BIN_DIR} ${DDS_ROOT}/bin ${ACE_BIN_DIR} ${TAO_BIN_DIR} ${ACE_ROOT}/bin ${TAO_ROOT}/bin)
 set(dcps_library_hints ${OPENDDS_LIB_DIR} ${DDS_ROOT}/lib ${ACE_LIB_DIR} ${TAO_LIB_DIR} ${ACE_ROOT}/lib)
@@ -59,7 +59,7 @@ foreach(header ace/ACE.h tao/corba.h orbsvcs/CosNamingC.h dds/DCPS/Service_Parti
 endforeach()
 list(REMOVE_DUPLICATES dcps_include_dirs)
 
-# Takes the package's own target where there is one, for the definitions that come with it.
+# Use the package's target if there is one, for its definitions.
 set(dcps_libraries)
 set(dcps_library_files)
 foreach(library OpenDDS_Rtps_Udp OpenDDS_Rtps OpenDDS_Dcps TAO_CosNaming TAO_Svc_Utils TAO_PortableServer
@@ -88,10 +88,10 @@ message(STATUS "OpenDDS is found by ${dcps_origin}")
 add_library(dcps INTERFACE)
 target_include_directories(dcps INTERFACE ${PROJECT_SOURCE_DIR}/dcps/opendds/include)
 target_include_directories(dcps SYSTEM INTERFACE ${dcps_include_dirs})
-# The engine's libraries are made with its inline files inlined; whoever uses its headers has to do the same.
+# The engine's libraries are built with inline files inlined; users of its headers must match.
 target_compile_definitions(dcps INTERFACE __ACE_INLINE__)
-# The engine's libraries name no folder for those that they need and those that they load by name. The old kind of run
-# path in ours holds for them too (the new kind would not), and what they load by name is loaded before.
+# The engine's libraries have no run path for their dependencies and the libraries that they load by name. RPATH in ours
+# also applies to them (RUNPATH would not), and what they load by name is loaded beforehand.
 target_link_options(dcps INTERFACE LINKER:--disable-new-dtags,--no-as-needed)
 set(CMAKE_BUILD_RPATH "$ORIGIN")
 target_link_libraries(dcps INTERFACE ${dcps_libraries} Threads::Threads)
@@ -120,8 +120,8 @@ set(DCPS_IDL_ENVIRONMENT ${CMAKE_COMMAND} -E env
   "LD_LIBRARY_PATH=${dcps_library_path}:$ENV{LD_LIBRARY_PATH}")
 list(TRANSFORM dcps_include_dirs PREPEND -I OUTPUT_VARIABLE DCPS_IDL_INCLUDES)
 
-# Where the generated files of this folder go, and the macro that exports what is in them. Their users take them as
-# system headers: the code is not ours.
+# Folder of the generated files, and their export macro. They are included as system headers because the code is not
+# ours.
 function(_dcps_generated_dir target directory_variable)
   set(directory ${CMAKE_CURRENT_BINARY_DIR}/idl)
   file(CONFIGURE OUTPUT ${directory}/${target}_export.h
@@ -130,7 +130,7 @@ function(_dcps_generated_dir target directory_variable)
   set(${directory_variable} ${directory} PARENT_SCOPE)
 endfunction()
 
-# The options that let the IDL files of a call include one another.
+# Options that let the IDL files of a call include each other.
 function(_dcps_idl_includes options_variable)
   list(TRANSFORM ARGN REPLACE "/[^/]*$" "")
   list(REMOVE_DUPLICATES ARGN)
@@ -138,8 +138,8 @@ function(_dcps_idl_includes options_variable)
   set(${options_variable} ${ARGN} ${DCPS_IDL_INCLUDES} PARENT_SCOPE)
 endfunction()
 
-# Runs tao_idl: <stem>C.h, <stem>C.cpp and, unless `options` has -SS, <stem>S.h and <stem>S.cpp. `depends`: every IDL
-# file that this one may include.
+# Runs tao_idl: generates <stem>C.h, <stem>C.cpp and, unless `options` contains -SS, <stem>S.h and <stem>S.cpp.
+# `depends`: all IDL files that this one may include.
 function(_dcps_tao_idl target idl directory options depends)
   get_filename_component(stem ${idl} NAME_WE)
   _dcps_idl_includes(includes ${depends})

@@ -1,25 +1,25 @@
 # project_test(<name> LABEL unit|contract|system SOURCES … LIBRARIES … [IN_PRIVATE_ROOT] [WITH_MAIN] [TIMEOUT s])
 #
-# One test program of GoogleTest, bin/tests/<name>, run by CTest under that name. IN_PRIVATE_ROOT runs it inside a fresh
-# private root, where the unit's fixed paths exist. WITH_MAIN: the sources bring their own main.
+# A GoogleTest program, bin/tests/<name>, run by CTest under that name. IN_PRIVATE_ROOT runs it in a new private root,
+# where the unit's fixed paths exist. WITH_MAIN: the sources define main.
 find_package(GTest REQUIRED)
 
 set(TEST_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/tests)
-# ThreadSanitizer looks for the file beside each program that it runs in, the tests and what they start.
+# ThreadSanitizer looks for the file next to each program: the tests and the programs that they start.
 foreach(folder IN ITEMS ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${TEST_OUTPUT_DIRECTORY})
   configure_file(${PROJECT_SOURCE_DIR}/tests/tsan.supp ${folder}/tsan.supp COPYONLY)
 endforeach()
 configure_file(${PROJECT_SOURCE_DIR}/tests/cyclonedds.xml ${PROJECT_BINARY_DIR}/cyclonedds.xml COPYONLY)
 configure_file(${PROJECT_SOURCE_DIR}/tests/opendds.ini ${PROJECT_BINARY_DIR}/opendds.ini COPYONLY)
 
-# What scripts/test builds under the sanitizers: unit and contract tests.
+# The targets that scripts/test builds for the sanitizers: unit and contract tests.
 add_custom_target(sanitized_tests)
 
 function(project_test name)
   cmake_parse_arguments(TEST "IN_PRIVATE_ROOT;WITH_MAIN" "LABEL;TIMEOUT" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} GTest::gmock project_warnings)
-  # What is tested is built as it ships; the tests themselves only have to be built soon.
+  # The code under test is built as shipped; for the tests themselves, build time matters more than speed.
   target_compile_options(${name} PRIVATE -O0 -g1)
   if(NOT TEST_WITH_MAIN)
     target_link_libraries(${name} PRIVATE GTest::gmock_main)

@@ -6,8 +6,8 @@ namespace host {
 
 /// The answer to one request.
 struct Answer {
-  std::string line;    ///< without a line end
-  bool leave = false;  ///< the host is to end once the answer is out
+  std::string line;    ///< without line terminator
+  bool leave = false;  ///< the host exits after sending the answer
 };
 
 }  // namespace host

@@ -28,7 +28,7 @@ constexpr const char* FAN_ROWS = "an array of {\"name\": text, \"word1\": number
 
 void Arguments::refuse(std::size_t index, const char* name, const char* expected) const {
   throw RequestError(call_ + ": argument " + std::to_string(index + 1) + " (" + name + "): expected " + expected +
-                     (index < values_.size() ? ", got " + values_[index].dump() : ", got nothing"));
+                     (index < values_.size() ? ", got " + values_[index].dump() : "; missing"));
 }
 
 const json& Arguments::at(std::size_t index, const char* name, const char* expected) const {
@@ -40,13 +40,13 @@ const json& Arguments::at(std::size_t index, const char* name, const char* expec
 
 void Arguments::at_most(std::size_t most) const {
   if (values_.size() > most) {
-    throw RequestError(call_ + ": expected at most " + std::to_string(most) + " arguments, got " +
-                       std::to_string(values_.size()));
+    throw RequestError(call_ + ": expected at most " + std::to_string(most) +
+                       (most == 1 ? " argument, got " : " arguments, got ") + std::to_string(values_.size()));
   }
 }
 
 int Arguments::number(std::size_t index, const char* name) const {
-  constexpr const char* EXPECTED = "a whole number of 32 bits with sign";
+  constexpr const char* EXPECTED = "a signed 32-bit integer";
   const json& value = at(index, name, EXPECTED);
   if (!fits<std::int32_t>(value)) {
     refuse(index, name, EXPECTED);
@@ -55,7 +55,7 @@ int Arguments::number(std::size_t index, const char* name) const {
 }
 
 unsigned int Arguments::word(std::size_t index, const char* name) const {
-  constexpr const char* EXPECTED = "a whole number of 32 bits without sign";
+  constexpr const char* EXPECTED = "an unsigned 32-bit integer";
   const json& value = at(index, name, EXPECTED);
   if (!fits<std::uint32_t>(value)) {
     refuse(index, name, EXPECTED);
@@ -82,7 +82,7 @@ bool Arguments::flag(std::size_t index, const char* name) const {
 }
 
 std::string Arguments::text(std::size_t index, const char* name) const {
-  constexpr const char* EXPECTED = "a text";
+  constexpr const char* EXPECTED = "text";
   const json& value = at(index, name, EXPECTED);
   if (!value.is_string()) {
     refuse(index, name, EXPECTED);
@@ -91,7 +91,7 @@ std::string Arguments::text(std::size_t index, const char* name) const {
 }
 
 void Arguments::null(std::size_t index, const char* name) const {
-  constexpr const char* EXPECTED = "null: objects of the engine framework cannot be named in a request";
+  constexpr const char* EXPECTED = "null (a request cannot name engine framework objects)";
   if (!at(index, name, EXPECTED).is_null()) {
     refuse(index, name, EXPECTED);
   }
@@ -158,7 +158,7 @@ json shortest(float value) {
   if (!std::isfinite(value)) {
     return nullptr;
   }
-  // The double that reads and prints as the float's own shortest decimal.
+  // The double that prints as the float's shortest decimal.
   char digits[64];
   const std::to_chars_result end = std::to_chars(digits, digits + sizeof digits - 1, value);
   *end.ptr = '\0';

@@ -11,24 +11,24 @@
 
 namespace host {
 
-/// A request that cannot be served; what() says what is wrong with it, where, and what was expected.
+/// A rejected request; what() names the error, its place and the expected form.
 class RequestError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
 };
 
-/// The arguments of one call, checked as they are taken. Every accessor throws RequestError on an argument that is
-/// missing, of the wrong kind or out of range. Not shared between threads.
+/// The arguments of one call, checked on access. Every accessor throws RequestError if an argument is missing, has the
+/// wrong type or is out of range. Not shared between threads.
 class Arguments {
 public:
-  /// `values`: the array of the request, kept by the caller.
+  /// `values`: the request's array, owned by the caller.
   Arguments(const std::string& call, const nlohmann::json& values) : call_(call), values_(values) {}
 
   std::size_t count() const noexcept { return values_.size(); }
-  /// Refuses more than `most` arguments.
+  /// Rejects more than `most` arguments.
   void at_most(std::size_t most) const;
 
-  /// The argument at `index`, counted from 0; `name` is what it is called in errors.
+  /// The argument at `index`, counted from 0; `name` is its name in errors.
   int number(std::size_t index, const char* name) const;
   unsigned int word(std::size_t index, const char* name) const;
   double real(std::size_t index, const char* name) const;
@@ -36,7 +36,7 @@ public:
   std::string text(std::size_t index, const char* name) const;
   void null(std::size_t index, const char* name) const;
 
-  /// Lists and texts that an operation may change: what they hold before the call. Empty where left out.
+  /// Initial values of lists and texts that an operation may change; empty if omitted.
   std::string text_before(std::size_t index, const char* name) const;
   std::vector<VERSIONSDATA> versions_before(std::size_t index) const;
   std::vector<TEMPERATUREDATA> temperatures_before(std::size_t index) const;
@@ -51,14 +51,14 @@ private:
   const nlohmann::json& values_;
 };
 
-/// Lists as answers show them.
+/// Lists in the form used in answers.
 nlohmann::json as_json(const std::vector<VERSIONSDATA>& list);
 nlohmann::json as_json(const std::vector<TEMPERATUREDATA>& list);
 nlohmann::json as_json(const std::vector<FANDATA>& list);
 nlohmann::json as_json(const TEMPERATUREDATA& row);
 
-/// A single-precision number as the shortest decimal that names it: 25.3, not 25.299999. Infinities and not-a-number,
-/// which JSON does not have, become null.
+/// A single-precision number as its shortest decimal: 25.3, not 25.299999. Infinities and NaN, which JSON lacks, become
+/// null.
 nlohmann::json shortest(float value);
 
 }  // namespace host

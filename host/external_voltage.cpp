@@ -18,7 +18,7 @@ constexpr std::chrono::milliseconds POLL_INTERVAL{1};
 
 }  // namespace
 
-/// A reader of the topic on the process's own participant, for as long as the process lives.
+/// A reader of the topic on the process's participant. Lives until the process ends.
 class ExternalVoltage::Reader : private Varnok::DDS_BaseObj {
 public:
   Reader() {
@@ -28,7 +28,7 @@ public:
     }
     const Attribute::TypeSupport_var support = new Attribute::TypeSupportImpl;
     if (support->register_type(participant, "") != DDS::RETCODE_OK) {
-      fail("its type cannot be registered");
+      fail("cannot register the type");
     }
     const CORBA::String_var type = support->get_type_name();
     topic_ = participant->create_topic(TOPIC_NAME, type.in(), TOPIC_QOS_DEFAULT, DDS::TopicListener::_nil(),
@@ -36,7 +36,7 @@ public:
     subscriber_ = participant->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(),
                                                  OpenDDS::DCPS::NO_STATUS_MASK);
     if (CORBA::is_nil(topic_.in()) || CORBA::is_nil(subscriber_.in())) {
-      fail("its topic cannot be subscribed");
+      fail("cannot subscribe to the topic");
     }
     DDS::DataReaderQos qos;
     subscriber_->get_default_datareader_qos(qos);
@@ -46,7 +46,7 @@ public:
         topic_.in(), qos, DDS::DataReaderListener::_nil(), OpenDDS::DCPS::NO_STATUS_MASK);
     reader_ = Attribute::DataReader::_narrow(untyped.in());
     if (CORBA::is_nil(reader_.in())) {
-      fail("its reader cannot be made");
+      fail("cannot create the reader");
     }
   }
 

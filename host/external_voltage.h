@@ -6,15 +6,15 @@
 
 namespace host {
 
-/// What the rest of the unit knows of the external voltage: the last value published on its topic. Any thread.
+/// The external voltage as published to the rest of the unit. Any thread.
 class ExternalVoltage {
 public:
   ExternalVoltage();
   ~ExternalVoltage();
 
-  /// The last value published, false before there is one. As long as there is none, waits up to `patience` for it. The
-  /// first call starts to listen; a value published earlier reaches it too. Throws std::runtime_error where the process
-  /// has no DDS.
+  /// The last published value. Waits up to `patience` until one is published; false if none is in time. The first call
+  /// subscribes and also receives a value published earlier. Throws std::runtime_error if the process has no DDS
+  /// participant or the subscription fails.
   bool value(std::chrono::milliseconds patience);
 
 private:

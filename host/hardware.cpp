@@ -1,4 +1,4 @@
 #include "base/base_hardware.h"
 
-/// The global that the library looks for; it is exported from this program.
+/// The global variable that the library resolves; exported from this program.
 __attribute__((visibility("default"))) BASE_HARDWARE* Hardware = nullptr;

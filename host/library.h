@@ -5,15 +5,15 @@
 
 namespace host {
 
-/// A library that cannot be loaded; what() is the loader's own message.
+/// A library that cannot be loaded; what() is the loader's message.
 class LoadError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
 };
 
-/// Loads the library and runs its static initialisers on the calling thread; it stays loaded until the process ends.
-/// Its names stay its own: another copy of it, loaded later, has its own. Throws LoadError, and what the initialisers
-/// throw.
+/// Loads the library and runs its static initialisers on the calling thread. It stays loaded until the process ends.
+/// Its symbols are local: another copy loaded later has its own. Throws LoadError, and any exception of the
+/// initialisers.
 void load_library(const std::string& path);
 
 }  // namespace host

@@ -35,14 +35,14 @@ void leave_on_signal(int) {
   server_to_leave->leave();
 }
 
-/// What `Hardware` points to before loading, on request: never called, only compared.
+/// Initial value of `Hardware` with --preset-hardware: never called, only compared.
 BASE_HARDWARE* stand_in() {
   alignas(std::max_align_t) static unsigned char bytes[sizeof(BASE_HARDWARE)] = {};
   return reinterpret_cast<BASE_HARDWARE*>(bytes);
 }
 
 void serve(const Options& options) {
-  // Both outlive this function: a call that never returns keeps a thread in them until the process has ended.
+  // Both outlive this function: a call that never returns uses them until the process ends.
   auto* requests = new host::Requests(options.preset_hardware);
   auto* server =
       new host::Server(options.socket, [requests](const std::string& line) { return requests->serve(line); });
@@ -79,11 +79,10 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
   Options options;
   CLI::App app("Loads the hardware library and calls its operations by request.", "unit-host");
-  app.add_option("--library", options.libraries, "library to load; several are loaded one after the other")
-      ->capture_default_str();
-  app.add_option("--socket", options.socket, "UNIX socket on which requests are served")->capture_default_str();
-  app.add_flag("--preset-hardware", options.preset_hardware, "set Hardware to a stand-in before loading");
-  app.add_flag("--load-only", options.load_only, "load, serve nothing, and leave");
+  app.add_option("--library", options.libraries, "library to load; repeatable, loaded in order")->capture_default_str();
+  app.add_option("--socket", options.socket, "UNIX socket to listen on")->capture_default_str();
+  app.add_flag("--preset-hardware", options.preset_hardware, "set Hardware to a dummy before loading");
+  app.add_flag("--load-only", options.load_only, "load, then exit without serving requests");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -94,7 +93,7 @@ int main(int argc, char** argv) {
   } catch (const std::exception& error) {
     std::fprintf(stderr, "unit-host: %s\n", error.what());
   } catch (...) {
-    std::fprintf(stderr, "unit-host: an exception of type %s\n", host::current_exception_name().c_str());
+    std::fprintf(stderr, "unit-host: exception of type %s\n", host::current_exception_name().c_str());
   }
   return STATUS_NOT_LOADED;
 }

@@ -30,7 +30,7 @@ json describe_operations() {
   return {{"operations", names}};
 }
 
-/// The exception that is being handled, as the answer shows it.
+/// The exception being handled, in the form used in answers.
 json describe_exception() {
   json description = {{"type", current_exception_name()}};
   try {
@@ -65,8 +65,7 @@ Request read_request(const std::string& line) {
     } else if (key == "args" && value.is_array()) {
       request.arguments = value;
     } else {
-      throw RequestError("request: key \"" + key +
-                         "\": expected \"id\", \"call\" with a text or \"args\" with an array");
+      throw RequestError("request: key \"" + key + "\": expected \"id\", \"call\" (text) or \"args\" (array)");
     }
   }
   if (request.call.empty()) {
@@ -77,10 +76,10 @@ Request read_request(const std::string& line) {
 
 json call_operation(const Operation& operation, const Arguments& arguments, bool preset) {
   if (Hardware == nullptr) {
-    throw RequestError(std::string(operation.name) + ": there is no hardware object");
+    throw RequestError(std::string(operation.name) + ": no hardware object");
   }
   if (preset) {
-    throw RequestError(std::string(operation.name) + ": the hardware object is the host's stand-in");
+    throw RequestError(std::string(operation.name) + ": the hardware object is the host's dummy");
   }
   try {
     return operation.call(*Hardware, arguments);
@@ -128,7 +127,7 @@ Answer Requests::serve(const std::string& line) {
     } else if (const Operation* operation = find_operation(request.call)) {
       answer = call_operation(*operation, arguments, preset_);
     } else {
-      throw RequestError("request: there is no operation \"" + request.call + "\"; \"operations\" lists them");
+      throw RequestError("request: unknown operation \"" + request.call + "\"; \"operations\" lists them");
     }
   } catch (const RequestError& error) {
     answer = {{"error", error.what()}};
@@ -136,7 +135,7 @@ Answer Requests::serve(const std::string& line) {
     answer = {{"error", "host: " + std::string(error.what())}};
   }
   answer["id"] = id;
-  // Texts of the unit may hold any bytes; those that are no UTF-8 are shown as replacement characters.
+  // The unit's texts may contain any bytes; invalid UTF-8 becomes replacement characters.
   return {answer.dump(-1, ' ', false, json::error_handler_t::replace), leave};
 }
 

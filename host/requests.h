@@ -8,11 +8,11 @@
 
 namespace host {
 
-/// Serves requests: one line of JSON each, answered by one line of JSON. docs/host-protocol.md describes both.
-/// Any thread; a call runs on the thread that serves it, so one that blocks blocks nobody else.
+/// Serves requests: one line of JSON each, answered by one line of JSON (docs/host-protocol.md). Any thread. A call
+/// runs on the thread that serves it, so a blocking call does not delay others.
 class Requests {
 public:
-  /// `preset`: `Hardware` is the host's own stand-in, which no operation can be called on.
+  /// `preset`: `Hardware` is the host's own dummy, on which no operation can be called.
   explicit Requests(bool preset) : preset_(preset) {}
 
   /// The answer to one request.

@@ -33,7 +33,7 @@ bool send_all(int connection, const std::string& text) {
 
 }  // namespace
 
-/// Asks the server to leave. Shared with the connections' threads, which may outlive the server.
+/// Asks the server to exit. Shared with the connections' threads, which may outlive the server.
 class Server::Leave {
 public:
   Leave() : descriptor_(eventfd(0, EFD_CLOEXEC)) {}
@@ -41,7 +41,7 @@ public:
   Leave(const Leave&) = delete;
   Leave& operator=(const Leave&) = delete;
 
-  /// Readable once somebody has asked; -1 where the system has none to give.
+  /// Readable once ask() has been called; -1 if it could not be created.
   int descriptor() const noexcept { return descriptor_; }
   void ask() const noexcept {
     const std::uint64_t one = 1;
@@ -52,7 +52,8 @@ private:
   int descriptor_;
 };
 
-/// Answers the lines of one connection until its other side closes. Asks to leave after an answer that says so.
+/// Answers the lines of one connection until the client closes it. Asks the server to exit after an answer that
+/// requests it.
 void Server::serve(int connection, const Answers& answers, const Leave& leave) {
   std::string received;
   char block[4096];
@@ -109,7 +110,7 @@ void Server::run() {
     if ((events[0].revents & POLLIN) != 0) {
       const int connection = accept4(listening_, nullptr, nullptr, SOCK_CLOEXEC);
       if (connection != -1) {
-        // Copies what it needs: it may outlive this object when a call never returns.
+        // Copies what it needs: it outlives this object if a call never returns.
         std::thread([connection, answers = answers_, leave = leave_] { serve(connection, answers, *leave); }).detach();
       }
     }

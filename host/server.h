@@ -8,20 +8,20 @@
 
 namespace host {
 
-/// Answers lines on a UNIX socket, each connection on a thread of its own.
+/// Answers lines on a UNIX socket, one thread per connection.
 class Server {
 public:
   using Answers = std::function<Answer(const std::string& line)>;
 
-  /// Listens on `path`, in place of what is there. `answers` is called from many threads, as long as the process lives.
+  /// Listens on `path`, replacing any existing file. `answers` is called from many threads until the process ends.
   /// Throws std::system_error.
   Server(const std::string& path, Answers answers);
   ~Server();
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
-  /// Accepts connections until leave() has been called or an answer that says so is out. Calls that are still under way
-  /// then are given up.
+  /// Accepts connections until leave() is called or an answer that requests it has been sent. Calls still in progress
+  /// are abandoned.
   void run();
   /// Any thread, and signal handlers.
   void leave() const noexcept;

@@ -42,8 +42,8 @@ json alarm_annunciator_state(BASE_HARDWARE& hardware, const Arguments& arguments
   return json::object();
 }
 
-/// The status reading belongs to the engine framework, which is not in this process: operations that no unit provides
-/// get the address of a stand-in, which they do not look at.
+/// The status reading belongs to the engine framework and does not exist in this process. The operations, which no unit
+/// provides, get the address of a dummy and do not access it.
 template <void (BASE_HARDWARE::*Operation)(const std::string&, bool, Varnok::EngineReadingString_i&)>
 json copy_files(BASE_HARDWARE& hardware, const Arguments& arguments) {
   arguments.at_most(2);

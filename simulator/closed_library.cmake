@@ -1,7 +1,7 @@
-# closed_library(<target> <VARIABLE> <what it is>) makes the target of a closed library: the one at the path that the
-# cache variable holds, as an imported target, else nothing. Sets <VARIABLE>_STANDS_IN where the stand-in is to be built.
-# The real library is copied beside ours, so that a private root that sees only the build folder can load it; its file
-# must have the name by which it is to be loaded.
+# closed_library(<target> <VARIABLE> <description>) creates the imported target of a closed library if the cache
+# variable holds its path; otherwise sets <VARIABLE>_STANDS_IN, and the stand-in is built. The real library is copied
+# next to ours so that a private root, which sees only the build folder, can load it; its file must have the name under
+# which it is loaded.
 function(closed_library target variable what)
   set(${variable} "" CACHE FILEPATH "Path of the real ${what}; empty builds the simulated unit's stand-in")
   if(NOT ${variable})
@@ -18,8 +18,8 @@ function(closed_library target variable what)
   set_target_properties(${target} PROPERTIES IMPORTED_LOCATION ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${name})
 endfunction()
 
-# stand_in_exports(<target> <map>) keeps everything but the symbols of the map file inside the library, which
-# binds when it is loaded: the first call of an operation takes no longer than the next.
+# stand_in_exports(<target> <map>) exports only the symbols of the map file. The library binds when loaded, so the first
+# call of an operation takes no longer than later ones.
 function(stand_in_exports target map)
   target_link_options(${target} PRIVATE
     -Wl,--version-script=${CMAKE_CURRENT_SOURCE_DIR}/${map} -Wl,--exclude-libs,ALL -Wl,-z,nodelete -Wl,-z,now)

@@ -8,18 +8,18 @@
 
 namespace tool {
 
-/// The subcommands. Each runs to its end; it ends with status 0 by returning, else with CommandEnd or CommandError, or
-/// with what a bad unit file or state folder throws. Main thread only.
+/// The subcommands. Each runs to completion. Returning means status 0; failures are thrown as CommandEnd, CommandError,
+/// UnitFileError or StateFolderError. Main thread only.
 
-/// "run": a fresh unit, its state shown.
+/// "run": starts a new unit and shows its state.
 struct RunOptions {
   UnitChoice unit;
-  bool once = false;  ///< shown once; else once a second until a signal
+  bool once = false;  ///< once; otherwise every second until a signal
   bool json = false;
 };
 void run(const RunOptions& options);
 
-/// "exec": a command on a fresh unit, without a host.
+/// "exec": runs a command on a new unit without a host.
 struct ExecOptions {
   UnitChoice unit;
   bool services = false;
@@ -30,11 +30,11 @@ struct ExecOptions {
 /// Returns the command's exit status.
 int exec(const ExecOptions& options);
 
-/// "shutdown": presses the power switch, has the question answered from standard input, prints what was called.
+/// "shutdown": presses the power switch, reads the answer from standard input, prints the recorded calls.
 struct ShutdownOptions {
   RunningUnit running;
   UnitChoice unit;
-  bool on_running = false;  ///< `running` is used; else a fresh `unit`
+  bool on_running = false;  ///< use `running`; otherwise a new `unit`
   bool json = false;
 };
 void shut_down(const ShutdownOptions& options);

@@ -8,9 +8,9 @@ namespace tool {
 /// Exit statuses of the command.
 enum Status {
   STATUS_FINE = 0,
-  STATUS_FAILED = 1,       ///< the library cannot be loaded, a driver refused, something failed at run time
+  STATUS_FAILED = 1,       ///< load failure, driver error or other run-time failure
   STATUS_BAD_USAGE = 2,    ///< bad arguments or a bad unit file
-  STATUS_NO_UNIT_ROOT = 3  ///< this machine gives no private root
+  STATUS_NO_UNIT_ROOT = 3  ///< this machine cannot create a private root
 };
 
 /// Ends the command with a message on standard error and this status.
@@ -21,10 +21,10 @@ public:
   int status;
 };
 
-/// Ends the command with this status and no message of its own: the reason is known already.
+/// Ends the command with this status and no message: the reason is already known.
 struct CommandEnd {
   int status;
-  bool interrupted = false;  ///< a signal to this command ended it
+  bool interrupted = false;  ///< this command received a signal
 };
 
 }  // namespace tool

@@ -15,7 +15,7 @@ using simulator::sysroot::PrivateRoot;
 using simulator::sysroot::RootOptions;
 using simulator::sysroot::StateFolder;
 
-/// The command's status; that of the signal where one ends this command first.
+/// Returns the command's status, or that of the signal if this command receives one first.
 int wait_for_end(PrivateRoot& root, const Signals& signals) {
   for (;;) {
     if (const std::optional<int> status = root.poll()) {

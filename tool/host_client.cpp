@@ -14,7 +14,7 @@ namespace {
 
 using nlohmann::json;
 
-/// A connection to the socket, -1 where there is none to be had.
+/// Connects to the socket; -1 on failure.
 int connect_to(const std::filesystem::path& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -47,7 +47,7 @@ bool host_listens(const std::filesystem::path& socket) {
 HostClient::HostClient(const std::filesystem::path& socket, Wait wait, AtEnd at_end)
     : wait_(std::move(wait)), at_end_(std::move(at_end)), connection_(connect_to(socket)) {
   if (connection_ == -1) {
-    throw CommandError(STATUS_FAILED, socket.string() + ": no host answers there: " + std::strerror(errno));
+    throw CommandError(STATUS_FAILED, socket.string() + ": cannot connect to the host: " + std::strerror(errno));
   }
 }
 
@@ -59,7 +59,7 @@ json HostClient::call(const std::string& operation, const json& arguments) {
   const json request = {{"id", ++last_id_}, {"call", operation}, {"args", arguments}};
   const std::string line = request.dump() + '\n';
   if (send(connection_, line.data(), line.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(line.size())) {
-    throw CommandError(STATUS_FAILED, operation + ": the host does not take requests any more");
+    throw CommandError(STATUS_FAILED, operation + ": host closed the connection");
   }
   json answer = json::parse(read_line());
   answer.erase("id");
@@ -94,7 +94,7 @@ std::string HostClient::read_line() {
       if (at_end_) {
         at_end_();
       }
-      throw CommandError(STATUS_FAILED, "the host has ended");
+      throw CommandError(STATUS_FAILED, "the host exited");
     }
     received_.append(block, static_cast<std::size_t>(size));
   }

@@ -11,21 +11,19 @@ namespace tool {
 /// A connection to a unit's host. One thread at a time.
 class HostClient {
 public:
-  /// Called before each wait; returns after something has come in on the descriptor that it is given. It may throw to
-  /// give the call up.
+  /// Called to wait until the given descriptor is readable. It may throw to abandon the call.
   using Wait = std::function<void(int descriptor)>;
-  /// Called when the connection has ended during a call; it may throw what tells more of the end.
+  /// Called when the host closes the connection during a call; it may throw a more specific error.
   using AtEnd = std::function<void()>;
 
-  /// Connects to the socket. Throws CommandError where there is no host. `wait`: how to wait for answers; empty:
-  /// without limit.
+  /// Connects to the socket. Throws CommandError if there is no host. Without `wait`, waits for answers without limit.
   explicit HostClient(const std::filesystem::path& socket, Wait wait = {}, AtEnd at_end = {});
   ~HostClient();
   HostClient(const HostClient&) = delete;
   HostClient& operator=(const HostClient&) = delete;
 
-  /// Calls an operation and returns its answer without the id. Throws CommandError where the host refuses the request,
-  /// the operation ends in an exception, or the connection ends.
+  /// Calls an operation and returns its answer without the id. Throws CommandError if the host rejects the request, the
+  /// operation throws or the connection closes.
   nlohmann::json call(const std::string& operation, const nlohmann::json& arguments = nlohmann::json::array());
 
 private:
@@ -38,7 +36,7 @@ private:
   std::string received_;
 };
 
-/// Whether a host accepts connections on that socket.
+/// Whether a host accepts connections on the socket.
 bool host_listens(const std::filesystem::path& socket);
 
 }  // namespace tool

@@ -10,28 +10,28 @@
 
 namespace tool {
 
-/// A pipe whose readable end is copied, as it comes, into a log file and to a descriptor; keeps the last lines too.
+/// A pipe whose output is copied to a log file and a descriptor as it arrives. Keeps the last lines.
 class OutputTee {
 public:
   static constexpr std::size_t LINES_KEPT = 6;
 
-  /// `target`: where the bytes go beside the log, -1: nowhere.
+  /// `target`: descriptor that also receives the output, -1: none.
   OutputTee(std::filesystem::path log, int target);
   ~OutputTee();
   OutputTee(const OutputTee&) = delete;
   OutputTee& operator=(const OutputTee&) = delete;
 
-  /// The end to write to, for a child process.
+  /// The write end, for a child process.
   int writing_end() const noexcept { return write_; }
-  /// Lets go of the writing end and starts to copy, on a thread of its own. Call once the child has been started.
+  /// Closes the write end and starts copying on a new thread. Call after starting the child.
   void start();
-  /// Waits until the last writer has closed its end and everything has been copied.
+  /// Waits until all writers have closed the pipe and everything has been copied.
   void finish();
 
-  /// Copies into the log only from now on. Any thread.
+  /// Copies only to the log from now on. Any thread.
   void mute() { target_ = -1; }
 
-  /// The last whole lines, oldest first. Any thread.
+  /// The last complete lines, oldest first. Any thread.
   std::vector<std::string> last_lines() const;
 
 private:

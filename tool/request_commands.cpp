@@ -12,7 +12,7 @@ namespace {
 
 using nlohmann::json;
 
-/// An argument as typed: JSON where it is some, else text.
+/// A typed argument, parsed as JSON if valid, else taken as text.
 json argument(const std::string& text) {
   json value = json::parse(text, nullptr, false);
   return value.is_discarded() ? json(text) : value;
@@ -22,7 +22,7 @@ std::string shown(const json& value) {
   return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-/// A number as typed, in decimal or with 0x in hexadecimal; all 32 bits may be given with or without sign.
+/// A typed 32-bit integer, decimal or hexadecimal (0x), signed or unsigned.
 std::int32_t interrupt_value(const std::string& text) {
   std::size_t used = 0;
   long long value = 0;
@@ -33,7 +33,7 @@ std::int32_t interrupt_value(const std::string& text) {
   }
   if (used != text.size() || text.empty() || value < INT32_MIN || value > static_cast<long long>(UINT32_MAX)) {
     throw CommandError(STATUS_BAD_USAGE,
-                       "interrupt: expected a number of 32 bits such as 256 or 0x100, got \"" + text + "\"");
+                       "interrupt: expected a 32-bit integer such as 256 or 0x100, got \"" + text + "\"");
   }
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
 }

@@ -17,10 +17,10 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr std::chrono::milliseconds REFRESH_INTERVAL{1000};
-/// How long the first published value of the external voltage may take to arrive.
+/// Time limit for the first published external voltage.
 constexpr std::chrono::milliseconds FIRST_PATIENCE{200};
 
-/// The terminal while a unit is shown on it: a screen of its own, given back at the end.
+/// The terminal's alternate screen, restored by the destructor.
 class Screen {
 public:
   Screen() { std::fputs("\x1b[?1049h\x1b[?25l", stdout); }
@@ -49,7 +49,7 @@ void print_state(const ordered_json& state, bool json) {
 }
 
 std::string screen_text(const StartedUnit& unit, const ordered_json& state) {
-  std::string text = "Simulated unit   " + unit.state().string() + "   Ctrl-C ends it\n\n" + as_text(state);
+  std::string text = "Simulated unit   " + unit.state().string() + "   Ctrl-C stops it\n\n" + as_text(state);
   text += "Library's output\n";
   for (const std::string& line : unit.last_output()) {
     text += "  " + line + '\n';
@@ -57,7 +57,7 @@ std::string screen_text(const StartedUnit& unit, const ordered_json& state) {
   return text;
 }
 
-/// Shows the state once a second until something ends.
+/// Shows the state every second until the unit exits or a signal arrives.
 [[noreturn]] void show_forever(StartedUnit& unit, bool json, const Screen* screen) {
   for (std::chrono::milliseconds patience = FIRST_PATIENCE;; patience = std::chrono::milliseconds(0)) {
     const ordered_json state = read_unit_state(unit.host(), patience);
@@ -70,7 +70,7 @@ std::string screen_text(const StartedUnit& unit, const ordered_json& state) {
   }
 }
 
-/// The same on a screen of its own; what the host said last of errors is shown afterwards where it has ended by itself.
+/// The same on the alternate screen. If the host exits by itself, its last error output is shown afterwards.
 void show_on_screen(StartedUnit& unit) {
   unit.mute();
   try {
@@ -102,7 +102,7 @@ void run(const RunOptions& options) {
       show_forever(unit, options.json, nullptr);
     }
   } catch (const CommandEnd& end) {
-    // Being ended is this command's ordinary end.
+    // A termination signal is this command's normal end.
     if (!end.interrupted) {
       throw;
     }

@@ -11,20 +11,20 @@ namespace fs = std::filesystem;
 fs::path RunningUnit::state() const {
   if (!chosen.empty()) {
     if (!simulator::sysroot::is_running(chosen)) {
-      throw CommandError(STATUS_BAD_USAGE, chosen + ": no unit runs on that state folder");
+      throw CommandError(STATUS_BAD_USAGE, chosen + ": no unit is running on this state folder");
     }
     return chosen;
   }
   const std::vector<fs::path> units = simulator::sysroot::running_units();
   if (units.empty()) {
-    throw CommandError(STATUS_BAD_USAGE, "no unit runs; start one with \"unit run\"");
+    throw CommandError(STATUS_BAD_USAGE, "no unit is running; start one with \"unit run\"");
   }
   if (units.size() > 1) {
     std::string names;
     for (const fs::path& unit : units) {
       names += ' ' + unit.string();
     }
-    throw CommandError(STATUS_BAD_USAGE, "several units run; choose one with --unit-state:" + names);
+    throw CommandError(STATUS_BAD_USAGE, "several units are running; choose one with --unit-state:" + names);
   }
   return units.front();
 }

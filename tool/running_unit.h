@@ -7,14 +7,15 @@
 
 namespace tool {
 
-/// A unit that runs already, started by another command.
+/// A running unit, started by another command.
 struct RunningUnit {
-  /// Its state folder. Throws CommandError where no unit runs there, or not exactly one runs.
+  /// Its state folder. Throws CommandError if no unit is running there or, without a choice, if not exactly one is
+  /// running.
   std::filesystem::path state() const;
   simulator::model::UnitModel model() const;
   std::filesystem::path socket() const { return state() / "run/unit/host.sock"; }
 
-  std::string chosen;  ///< its state folder; empty: the only unit that runs
+  std::string chosen;  ///< its state folder; empty: the only running unit
 };
 
 }  // namespace tool

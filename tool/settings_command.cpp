@@ -52,7 +52,7 @@ ordered_json describe(const Setting& setting) {
   return row;
 }
 
-/// What the setting takes, in a few words.
+/// A short description of the values that the setting accepts.
 std::string kind(const Setting& setting) {
   std::string text = name_of(setting.type);
   if (is_ranged(setting.type)) {
@@ -64,7 +64,7 @@ std::string kind(const Setting& setting) {
   return setting.unit.empty() ? text : text + " (" + setting.unit + ")";
 }
 
-/// Runs `action`; a name or value that the unit does not take is bad usage.
+/// Runs `action`; an invalid name or value is bad usage.
 template <typename Action>
 auto with_usage_errors(Action action) {
   try {

@@ -26,13 +26,13 @@ constexpr const char* QUESTION = "System Prompt";
 constexpr std::chrono::milliseconds STEP{5};
 constexpr std::chrono::seconds PATIENCE{30};
 
-/// How this command waits: in a way that notices the end of what it has started.
+/// How this command waits; for a unit that it started, waiting throws when the unit exits.
 struct Waiting {
   std::function<void(int descriptor)> until_readable;
   std::function<void(std::chrono::milliseconds time)> pause;
 };
 
-/// One line of standard input; none at its end.
+/// One line of standard input; none at end of file.
 std::optional<std::string> read_line(const Waiting& waiting) {
   std::string line;
   for (char byte = 0;; line += byte) {
@@ -46,8 +46,8 @@ std::optional<std::string> read_line(const Waiting& waiting) {
   }
 }
 
-/// The answer typed for the dialog: a label of its buttons in any case, or its place counted from 1. Asks again until
-/// it is one.
+/// The label of the button chosen by typing its label (in any case) or its number, counted from 1. Asks again until the
+/// answer is valid.
 std::string ask(const Dialog& dialog, const Waiting& waiting, std::FILE* screen) {
   const std::vector<std::string> labels = button_labels(dialog);
   std::fputs(as_text(dialog).c_str(), screen);
@@ -63,7 +63,7 @@ std::string ask(const Dialog& dialog, const Waiting& waiting, std::FILE* screen)
         return labels[i];
       }
     }
-    std::fprintf(screen, "\"%s\" is none of the buttons\n", line->c_str());
+    std::fprintf(screen, "no button \"%s\"\n", line->c_str());
   }
 }
 
@@ -71,7 +71,7 @@ bool is_handled(UnitModel& model, std::uint64_t interrupt) {
   return model.power_supply().wait_interrupt_handled(interrupt, std::chrono::milliseconds(0));
 }
 
-/// The question on the screen of the unit; none when the handler has ended without one.
+/// The question on the unit's screen; none if the handler returns without asking.
 std::optional<Dialog> wait_for_question(UnitModel& model, std::uint64_t interrupt, const Waiting& waiting) {
   while (!is_handled(model, interrupt)) {
     for (const Dialog& dialog : model.gui().dialogs()) {
@@ -84,7 +84,7 @@ std::optional<Dialog> wait_for_question(UnitModel& model, std::uint64_t interrup
   return std::nullopt;
 }
 
-/// The record of calls from the first line that tells of the interrupt on.
+/// The recorded calls from line number `first` on.
 std::vector<json> calls_since(const std::filesystem::path& state, std::size_t first) {
   std::vector<json> calls;
   std::ifstream file(state / "run/unit/calls.jsonl");
@@ -106,7 +106,7 @@ void print_calls(const std::vector<json>& calls, bool shut_down, bool as_json) {
     std::printf("%s\n", document.dump().c_str());
     return;
   }
-  std::printf("\n%s, in this order:\n", shut_down ? "The unit has shut down" : "The unit stays on");
+  std::printf("\n%s; calls in order:\n", shut_down ? "The unit has shut down" : "The unit stays on");
   for (std::size_t i = 0; i < calls.size(); ++i) {
     const double ms = (calls[i]["t_ns"].get<double>() - calls[0]["t_ns"].get<double>()) / 1e6;
     std::printf("%3zu  %10.3f ms  %s %s\n", i + 1, ms, calls[i]["at"].get<std::string>().c_str(),
@@ -114,7 +114,8 @@ void print_calls(const std::vector<json>& calls, bool shut_down, bool as_json) {
   }
 }
 
-/// Presses the switch, has the question answered, waits for the end of it all and prints what happened.
+/// Presses the switch, gets the question answered, waits until the interrupt has been handled and prints the recorded
+/// calls.
 void press_switch(UnitModel& model, const std::filesystem::path& state, const Waiting& waiting, bool as_json) {
   std::FILE* const screen = as_json ? stderr : stdout;
   const std::filesystem::path mark = state / "run/unit/shutdown";
@@ -130,7 +131,7 @@ void press_switch(UnitModel& model, const std::filesystem::path& state, const Wa
   for (const auto end = std::chrono::steady_clock::now() + PATIENCE; !is_handled(model, interrupt);
        waiting.pause(STEP)) {
     if (std::chrono::steady_clock::now() > end) {
-      throw CommandError(STATUS_FAILED, "the unit does not come to the end of its shutdown");
+      throw CommandError(STATUS_FAILED, "the unit did not shut down within 30 s");
     }
   }
   const bool shut_down = std::filesystem::exists(mark);

@@ -4,8 +4,8 @@
 
 namespace tool {
 
-/// The signals that the command looks after while a unit runs: those that end it, and the end of a child process.
-/// Made on the main thread before any other thread starts; they are blocked from then on and taken by number here.
+/// The signals handled while a unit runs: termination signals and SIGCHLD. Create on the main thread before any other
+/// thread starts: the signals stay blocked and are read here.
 class Signals {
 public:
   Signals();
@@ -13,16 +13,16 @@ public:
   Signals(const Signals&) = delete;
   Signals& operator=(const Signals&) = delete;
 
-  /// Readable when take() has something to give.
+  /// Readable if a signal is pending.
   int descriptor() const noexcept { return descriptor_; }
-  /// The next signal that has arrived, none where there is none.
+  /// The next pending signal, if any.
   std::optional<int> take() const;
 
 private:
   int descriptor_;
 };
 
-/// The exit status of a command that this signal has ended.
+/// The exit status of a command killed by this signal.
 constexpr int status_of_signal(int number) {
   return 128 + number;
 }

@@ -45,7 +45,7 @@ std::vector<std::pair<std::string, std::string>> passed_environment() {
     const bool by_name = std::find(std::begin(NAMES), std::end(NAMES), name) != std::end(NAMES);
     const bool by_prefix = std::any_of(std::begin(PREFIXES), std::end(PREFIXES),
                                        [&name](const char* prefix) { return name.rfind(prefix, 0) == 0; });
-    // The unit's own folder and port are not the caller's to choose.
+    // The caller cannot choose the unit's folder and port.
     if ((by_name || by_prefix) && name != "UNIT_RUN" && name != "UNIT_NAMING_PORT") {
       passed.emplace_back(name, whole.substr(name.size() + 1));
     }
@@ -69,11 +69,11 @@ void require_private_root() {
 
 namespace {
 
-/// How long the unit may take to end once its host has.
+/// Time limit for the end of the unit after its host has exited.
 constexpr std::chrono::seconds PATIENCE_AT_END{5};
 
 StateFolder filled_state(const UnitChoice& choice) {
-  // What can be wrong with the choice is found before anything is made.
+  // Reject invalid options before creating anything.
   const UnitFile values = load_unit_file(choice.unit_file);
   require_private_root();
   StateFolder state = make_state(choice.state);
@@ -92,7 +92,7 @@ StartedUnit::StartedUnit(const UnitChoice& choice, const OutputTargets& targets,
   if (record) {
     model_.record().start();
   }
-  // The terminal's input is this command's own.
+  // This command keeps the terminal's input.
   const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
   RootOptions options = root_options(choice);
   options.input = nothing;
@@ -141,7 +141,7 @@ std::string StartedUnit::bring_inside(const std::string& library) const {
   const fs::path name = fs::path(library).filename();
   const fs::path copy = state_.run() / "library" / name;
   fs::copy_file(library, copy);
-  // The unit's programs may be another user than the one who owns the library.
+  // The unit's programs may run as a user other than the library's owner.
   fs::permissions(copy, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read, fs::perm_options::add);
   return (fs::path("/run/unit/library") / name).string();
 }

@@ -17,62 +17,63 @@
 
 namespace tool {
 
-/// Which unit is started, and on what.
+/// Options of a unit to start.
 struct UnitChoice {
-  std::string unit_file;  ///< empty: the one that comes with the build
-  std::string state;      ///< state folder, kept; empty: a new one, removed at the end
-  std::string library;    ///< as seen from outside or inside; empty: the build's own
+  std::string unit_file;  ///< empty: the one in the build folder
+  std::string state;      ///< state folder to keep; empty: temporary
+  std::string library;    ///< path outside or inside; empty: the one in the build folder
   bool dhcp_server = false;
 };
 
-/// The build folder that this program belongs to, from where the unit's programs are taken.
+/// The build folder of this program, which contains the unit's programs.
 std::filesystem::path build_folder();
-/// A path below the build folder as the unit sees it; others stay as they are.
+/// The path inside the unit of a file below the build folder; other paths are returned unchanged.
 std::string seen_inside(const std::string& path);
-/// What of this command's environment the unit's programs see: the sanitizers' and test frameworks' settings, UNIT_*
-/// (but for the unit's own), TZ and TERM.
+/// The environment variables passed on to the unit's programs: those of sanitizers and test frameworks, UNIT_* (except
+/// UNIT_RUN and UNIT_NAMING_PORT), TZ and TERM.
 std::vector<std::pair<std::string, std::string>> passed_environment();
-/// The chosen unit file's values. Throws UnitFileError.
+/// The values of the chosen unit file. Throws UnitFileError.
 simulator::settings::UnitFile load_unit_file(const std::string& path);
 /// The chosen state folder. Throws StateFolderError.
 simulator::sysroot::StateFolder make_state(const std::string& path);
-/// Throws CommandError where this machine gives no private root.
+/// Throws CommandError if this machine cannot create a private root.
 void require_private_root();
 
-/// Where the host's output goes beside the unit's logs, run/unit/log/host.out and host.err; -1: nowhere.
+/// Descriptors that receive the host's output in addition to the logs run/unit/log/host.out and host.err; -1: none.
 struct OutputTargets {
   int out = 1;
   int err = 2;
 };
 
-/// A unit that this command has started: its root with naming service, services and network, and the host with the
-/// library in it. Everything ends with the object. Main thread only.
+/// A unit started by this command: private root with naming service, services and network, and the host with the
+/// library. The destructor stops everything. Main thread only.
 class StartedUnit {
 public:
-  /// Starts the unit and waits until its host answers. `record`: the record of calls is on from the start. Throws
-  /// CommandEnd with the host's status where the host ends before, or on a signal that ends this command;
-  /// CommandError, UnitFileError, StateFolderError.
+  /// Starts the unit and waits until its host accepts connections. `record`: record calls from the start. Throws
+  /// CommandEnd with the host's status if the host exits first, CommandEnd on a termination signal, CommandError,
+  /// UnitFileError and StateFolderError.
   StartedUnit(const UnitChoice& choice, const OutputTargets& targets, const Signals& signals, bool record = false);
   ~StartedUnit();
 
   HostClient& host() { return *host_; }
   simulator::model::UnitModel& model() { return model_; }
   const std::filesystem::path& state() const { return state_.path(); }
-  /// Keeps the host's output to the unit's logs from now on.
+  /// Writes the host's output only to the logs from now on.
   void mute();
   std::vector<std::string> last_output() const { return out_.last_lines(); }
   std::vector<std::string> last_errors() const { return err_.last_lines(); }
 
-  /// Waits `time`, or less where something ends: throws CommandEnd as the constructor does.
+  /// Waits for `time`; throws CommandEnd as the constructor does.
   void pause(std::chrono::milliseconds time);
-  /// Waits until the descriptor is readable; throws as pause().
+  /// Waits until the descriptor is readable; throws like pause().
   void wait_readable(int descriptor) { wait(descriptor, std::chrono::milliseconds(-1)); }
 
 private:
   simulator::sysroot::RootOptions root_options(const UnitChoice& choice) const;
-  /// Where the library is inside; one that lies elsewhere than in the build folder is copied into the unit.
+  /// The path of the library inside. A library outside the build folder is copied into the unit.
   std::string bring_inside(const std::string& library) const;
-  /// Waits for `descriptor` (-1: none) or the time; throws CommandEnd when the unit or this command ends.
+  /// Waits for `descriptor` (-1: none) or the time; throws CommandEnd when the unit exits or this command receives a
+  /// termination signal.
   void wait(int descriptor, std::chrono::milliseconds time);
 
   const Signals& signals_;

@@ -27,7 +27,7 @@ std::string line(const std::string& name, const std::string& value) {
   return text + value + '\n';
 }
 
-/// Rows with their label first.
+/// The rows, name first.
 ordered_json labelled(const json& rows, const char* value) {
   ordered_json labelled_rows = ordered_json::array();
   for (const json& row : rows) {
@@ -45,7 +45,7 @@ std::string yes_or_no(const ordered_json& flag) {
 ordered_json read_unit_state(HostClient& host, std::chrono::milliseconds patience) {
   ordered_json state;
   state["versions"] = labelled(host.call("GetVersionList")["versions"], "version");
-  // The listener comes before the value: what the charger query publishes reaches it.
+  // Subscribe before the charger query, so that its publication is received.
   host.call("external_voltage");
   host.call("GetChargerStatus");
   const json charge = host.call("GetBatteryChargeStatus");

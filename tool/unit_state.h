@@ -10,10 +10,11 @@
 
 namespace tool {
 
-/// The unit's state as its hardware object tells it, as one JSON document: versions, temperatures, power.
+/// Reads the unit's state from its hardware object as one JSON document: versions, temperatures, power. `patience`:
+/// limit for the first published external voltage.
 nlohmann::ordered_json read_unit_state(class HostClient& host, std::chrono::milliseconds patience);
 
-/// The same as text for people, one line an item.
+/// The same as readable text, one item per line.
 std::string as_text(const nlohmann::ordered_json& state);
 
 }  // namespace tool

@@ -2,7 +2,7 @@
 
 #include "simulator/drivers/psdriver_link.h"
 
-// The power-supply driver's stand-in: the controller is the model's.
+// Stand-in of the power-supply driver; the controller is in the model.
 
 using simulator::model::Reply;
 

@@ -23,16 +23,17 @@ using simulator::model::Reply;
 using simulator::model::UnitModel;
 
 constexpr std::chrono::hours IDLE{1};
-/// How long the exiting process lets a running call-back finish.
+/// Time limit for running call-backs when the process exits.
 constexpr std::chrono::milliseconds LAST_CALL{100};
 
-/// Whether the process exits, and how many call-backs run: of all links, which nobody has to delete.
+/// Whether the process is exiting, and the number of running call-backs of all links. Global, because links need not be
+/// deleted.
 std::atomic<bool> exiting{false};
 std::atomic<int> calls_running{0};
 thread_local int calls_on_this_thread = 0;
 
-/// Runs at exit, before the file-scope objects made earlier are destroyed: no call-back begins any more, one that runs
-/// may go on for a moment.
+/// Runs at exit, before file-scope objects created earlier are destroyed: no further call-back starts, and running ones
+/// get a moment to finish.
 void fall_silent() noexcept {
   using Clock = std::chrono::steady_clock;
   exiting.store(true);
@@ -46,8 +47,8 @@ void fall_silent() noexcept {
   throw psdriverError(std::string(name_of(point)) + ": " + std::strerror(error));
 }
 
-/// Crosses at the point; throws psdriverError where its fault fails the operation or the record cannot be written, else
-/// hands the fault on.
+/// Crosses at the point and returns its fault. Throws psdriverError if the fault fails the operation or the record
+/// cannot be written.
 Fault cross(UnitModel& unit, Point point, const std::string& args) {
   Fault fault;
   try {
@@ -61,7 +62,7 @@ Fault cross(UnitModel& unit, Point point, const std::string& args) {
   return fault;
 }
 
-/// Records a call-back. One that cannot be recorded happens all the same.
+/// Records a call-back. If recording fails, the call-back is made anyway.
 void record(UnitModel& unit, Point point, const std::string& args) noexcept {
   try {
     unit.cross(point, args);

@@ -14,17 +14,17 @@
 
 #include "simulator/model/unit_model.h"
 
-/// The stand-in's link to the unit's controller: the queue of outstanding replies and the thread that delivers them and
-/// the switch interrupts. Any thread may use it, also from within a call-back; only its destruction may not.
+/// The stand-in's link to the unit's controller: the queue of outstanding replies and the thread that delivers replies
+/// and switch interrupts. Any thread, including from within a call-back, except destruction.
 class psdriver::Link {
 public:
-  /// Throws psdriverError where the device does not exist or refuses.
+  /// Throws psdriverError if the device does not exist or refuses.
   explicit Link(const std::string& device);
   ~Link();
   Link(const Link&) = delete;
   Link& operator=(const Link&) = delete;
 
-  /// Throw psdriverError where the operation's fault point says so; nothing has happened then.
+  /// Throw psdriverError, without any effect, if a fault at the operation's point fails it.
   void register_reply(simulator::model::Reply kind, Callback reply);
   void register_interrupt(Callback handler);
   void request(simulator::model::Reply kind);
@@ -34,10 +34,10 @@ public:
 private:
   using Clock = std::chrono::steady_clock;
 
-  /// One reply to come.
+  /// One outstanding reply.
   struct Delivery {
     simulator::model::Reply kind;
-    std::optional<int> garbage;  ///< delivered in place of the controller's value
+    std::optional<int> garbage;  ///< delivered instead of the controller's value
   };
 
   void enqueue(const Delivery& delivery, std::chrono::milliseconds lateness);

@@ -5,7 +5,7 @@
 
 namespace simulator::drivers {
 
-/// Where the function for a reply is registered and where the reply is requested.
+/// A reply's points: registration of its function, and request.
 struct ReplyPoints {
   model::Point registration;
   model::Point request;

@@ -8,7 +8,7 @@
 
 #include <radalt.h>
 
-// The radar-altimeter board driver's stand-in: the board is the model's.
+// Stand-in of the radar-altimeter board driver; the board is in the model.
 namespace {
 
 using simulator::model::UnitModel;
@@ -17,7 +17,7 @@ namespace drivers = simulator::drivers;
 /// The unit whose board is open; null before the first successful Radalt_Init().
 std::atomic<UnitModel*> opened{nullptr};
 
-/// The unit that the handle stands for; null where it stands for none.
+/// The unit of the handle; null if the handle is invalid.
 UnitModel* unit_of(int handle) noexcept {
   UnitModel* unit = opened.load(std::memory_order_acquire);
   return unit != nullptr && handle == unit->board().handle() ? unit : nullptr;

@@ -29,7 +29,7 @@ int status_of(const Fault& fault) noexcept {
   return fault.value == 0 ? EIO : fault.value;
 }
 
-/// Crosses at the point, then does the operation unless the point's fault fails it.
+/// Crosses at the point, then performs the operation unless the point's fault fails it.
 template <typename Operation>
 int cross_then(UnitModel& unit, Point point, const std::string& args, Operation operation) noexcept {
   try {

@@ -2,8 +2,8 @@
 
 #include "simulator/model/unit_model.h"
 
-/// The board driver's operations on a unit whose crossings are watched: recorded, counted and open to faults.
-/// Results as those of the operations themselves. A record that cannot be written fails the operation with EIO.
+/// The board driver's operations on a watched unit: recorded, counted and subject to faults. They return what the
+/// operations return. If the record cannot be written, the operation fails with EIO.
 namespace simulator::drivers {
 
 int watched_init(model::UnitModel& unit) noexcept;

@@ -6,8 +6,8 @@
 
 namespace simulator::framework {
 
-/// Crosses the framework's interface at the point: the call is counted and recorded with its arguments (JSON text).
-/// Returns what shall go wrong with it; nothing does in a process that belongs to no unit. Any thread.
+/// Crosses the framework's interface at the point: counts and records the call with its arguments (JSON text). Returns
+/// the fault to apply, none in a process that belongs to no unit. Any thread.
 model::Fault cross(model::Point point, const std::string& args) noexcept;
 
 }  // namespace simulator::framework

@@ -35,8 +35,8 @@ DDS_Context make_context() {
   return context;
 }
 
-/// The process's context. Never torn down: entities may be in use until the very end of the process, on threads that
-/// outlive every file-scope object.
+/// The process's context. Never destroyed: threads that outlive all file-scope objects may use entities until the
+/// process ends.
 const DDS_Context& the_context() {
   static const DDS_Context& context = *new DDS_Context(make_context());
   return context;

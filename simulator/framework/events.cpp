@@ -19,7 +19,7 @@ using simulator::model::FaultKind;
 using simulator::model::Point;
 using simulator::model::UnitModel;
 
-/// The record as one JSON object, its fields in their order.
+/// The record as one JSON object, fields in declaration order.
 std::string json_of(const Event::Message& message) {
   using simulator::model::json_text;
   return "{\"source\":" + json_text(message.source.in()) + ",\"category\":" + std::to_string(message.category) +
@@ -28,7 +28,7 @@ std::string json_of(const Event::Message& message) {
          ",\"timestamp\":" + std::to_string(message.timestamp) + "}";
 }
 
-/// Crosses the interface with the event; throws where the log is to refuse it.
+/// Crosses the interface with the event; throws if a fault makes the log reject it.
 void cross(UnitModel& unit, const std::string& event) {
   if (!unit.watched()) {
     return;
@@ -41,7 +41,7 @@ void cross(UnitModel& unit, const std::string& event) {
 
 }  // namespace
 
-/// The way to the unit's event log, events.jsonl in its run folder.
+/// Writes to the unit's event log, events.jsonl in its run folder.
 class EngineEventMessage_i::Channel {
 public:
   Channel() = default;

@@ -12,7 +12,7 @@ namespace {
 using simulator::framework::cross;
 using simulator::model::Point;
 
-/// The framework lock. Never destroyed: a holder may outlive every file-scope object.
+/// The framework lock. Never destroyed: a holder may outlive all file-scope objects.
 std::mutex& framework_lock() {
   static std::mutex& lock = *new std::mutex;
   return lock;

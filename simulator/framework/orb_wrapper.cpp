@@ -15,7 +15,7 @@ namespace {
 using simulator::model::FaultKind;
 using simulator::model::Point;
 
-/// The port of the unit's naming service. Throws CORBA::INITIALIZE where the unit names none.
+/// The port of the unit's naming service. Throws CORBA::INITIALIZE if none is set.
 unsigned naming_port() {
   const char* text = std::getenv("UNIT_NAMING_PORT");
   unsigned port = 0;
@@ -28,8 +28,7 @@ unsigned naming_port() {
   return port;
 }
 
-/// The process's ORB, started by the first call. Never shut down: references made by it may be in use until the very
-/// end of the process.
+/// The process's ORB, started by the first call. Never shut down: its references may be in use until the process ends.
 CORBA::ORB_ptr the_orb() {
   static std::mutex starting;
   static CORBA::ORB_ptr orb = CORBA::ORB::_nil();
@@ -59,7 +58,7 @@ CosNaming::Name name_of(const std::vector<std::string>& path) {
   return name;
 }
 
-/// Crosses the interface with the path; throws where the lookup is to fail.
+/// Crosses the interface with the path; throws if a fault makes the lookup fail.
 void cross(const std::vector<std::string>& path) {
   std::string names;
   for (const std::string& name : path) {
@@ -78,7 +77,7 @@ CORBA::Object_ptr look_up(const std::vector<std::string>& path) {
 
 }  // namespace
 
-/// The references that a wrapper has found and owns.
+/// The references that a wrapper has resolved and owns.
 class ORB_wrapper_base::Found {
 public:
   CORBA::Object_ptr keep(CORBA::Object_ptr object) {

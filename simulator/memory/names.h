@@ -7,18 +7,18 @@
 
 namespace simulator::memory {
 
-/// The name of one value of an enumeration. Tables may have rows of their own, with `key` and `name` and more.
+/// The name of one enumerator. Tables may use their own row types with `key`, `name` and more.
 template <typename Enum>
 struct Named {
   Enum key;
   std::string_view name;
 };
 
-/// A table with one row per value of an enumeration that ends with COUNT.
+/// A table with one row per enumerator of an enumeration that ends with COUNT.
 template <typename Enum, typename Row = Named<Enum>>
 using Table = std::array<Row, static_cast<std::size_t>(Enum::COUNT)>;
 
-/// Whether each value has its row, with a name, in the order of the enumerators; to be asserted of every table.
+/// Whether each enumerator has a named row, in order; assert this for every table.
 template <typename Row, std::size_t Size>
 constexpr bool is_complete(const std::array<Row, Size>& table) noexcept {
   for (std::size_t at = 0; at < Size; ++at) {
@@ -34,7 +34,7 @@ constexpr const Row& row_of(const std::array<Row, Size>& table, Enum key) noexce
   return table[static_cast<std::size_t>(key)];
 }
 
-/// The value of that name; none if no row has it.
+/// The enumerator of that name; none if no row has it.
 template <typename Row, std::size_t Size>
 constexpr auto named_in(const std::array<Row, Size>& table, std::string_view name) noexcept {
   std::optional<decltype(Row::key)> found;

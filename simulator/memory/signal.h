@@ -7,20 +7,20 @@
 
 namespace simulator::memory {
 
-/// A wake-up call in shared memory: a counter that only grows, and whoever sleeps until it has grown.
-/// Lives in the unit's model; any thread of any process may use it, and a sleeper that is killed leaves no trace.
+/// A wake-up signal in shared memory: an increasing counter and its sleepers. Part of the unit's model; any thread of
+/// any process. A killed sleeper leaves nothing behind.
 class Signal {
 public:
-  /// The count now; read it before testing the condition that the signal stands for.
+  /// The current count; read it before testing the signalled condition.
   std::uint32_t count() const noexcept { return count_.load(std::memory_order_acquire); }
 
-  /// Counts one up and wakes every sleeper.
+  /// Increments the count and wakes all sleepers.
   void raise() noexcept;
 
-  /// Sleeps until the count differs from `seen`, or `limit` has passed; may return early.
+  /// Sleeps until the count differs from `seen` or `limit` has passed; may return early.
   void wait(std::uint32_t seen, std::chrono::nanoseconds limit) const noexcept;
 
-  /// Sleeps until `done()` is true, testing it whenever the count grows; false when `limit` passes first.
+  /// Sleeps until `done()` is true, testing it whenever the count increases. Returns false if `limit` passes first.
   template <typename Done>
   bool wait_until(Done done, std::chrono::nanoseconds limit) const {
     using Clock = std::chrono::steady_clock;

@@ -7,7 +7,7 @@
 
 namespace simulator::memory {
 
-/// A short text in shared memory, at most `Size` - 1 bytes; longer ones are cut. Guarded by its owner.
+/// A short text in shared memory of at most `Size` - 1 bytes; longer texts are truncated. Guarded by its owner.
 template <std::size_t Size>
 class Text {
 public:

@@ -9,7 +9,7 @@
 namespace simulator::model {
 
 /// The radar-altimeter board: registers in numbered address spaces, the RF board behind its request register, the RF
-/// ADC and the board lock. Lives in the unit's model; any thread of any process; single accesses are atomic.
+/// ADC and the board lock. Part of the unit's model; any thread of any process; single accesses are atomic.
 class Board {
 public:
   /// Transfer time of an RF board that never answers.
@@ -23,34 +23,34 @@ public:
 
   Board();
 
-  /// The board as the driver sees it. An RF register (but for the last) shows what the last transfer of it brought.
+  /// The board as the driver sees it. An RF register (except the last) shows the value of its last transfer.
   std::uint32_t read(std::uint32_t space, std::uint32_t address) noexcept;
-  /// False when the board has no room for one more register (4096 different ones, none at the very last address of
-  /// the very last space).
+  /// Returns false if the register cannot be stored: the board holds 4096 different registers, and never the last
+  /// address of the last space.
   bool write(std::uint32_t space, std::uint32_t address, std::uint32_t value) noexcept;
 
-  /// The board from the workbench: sets and shows what a register holds, without its side effects. RF registers are
-  /// the RF board's own. False as write(), and for the request register.
+  /// Access from outside, without side effects. RF registers are those of the RF board itself. Setting returns false as
+  /// write() does, and for the request register.
   bool set_register(std::uint32_t space, std::uint32_t address, std::uint32_t value) noexcept;
   std::uint32_t register_value(std::uint32_t space, std::uint32_t address) const noexcept;
 
-  /// The count that the RF ADC converts on a channel (0 to 7).
+  /// The RF ADC count of a channel (0 to 7).
   void set_adc_count(std::uint32_t channel, std::uint32_t count) noexcept;
   std::uint32_t adc_count(std::uint32_t channel) const noexcept;
   std::uint32_t selected_adc_channel() const noexcept { return adc_channel_.load(); }
 
-  /// How long one RF transfer takes, in microseconds, or NEVER; applies to transfers that start from now on.
+  /// Duration of an RF transfer in microseconds, or NEVER; applies to transfers started afterwards.
   void set_rf_transfer_time(std::uint32_t microseconds) noexcept { rf_transfer_us_.store(microseconds); }
   std::uint32_t rf_transfer_time() const noexcept { return rf_transfer_us_.load(); }
-  /// An absent RF board finishes no transfer, and its last register reads 0.
+  /// Without an RF board no transfer finishes, and the last RF register reads 0.
   void set_rf_present(bool present) noexcept { rf_present_.store(present); }
   bool rf_present() const noexcept { return rf_present_.load(); }
 
-  /// What opening the board returns; the handle that accesses must carry. 0 or more.
+  /// The handle that opening the board returns and accesses must pass. 0 or more.
   void set_handle(std::int32_t handle) noexcept { handle_.store(handle); }
   std::int32_t handle() const noexcept { return handle_.load(std::memory_order_relaxed); }
 
-  /// The board lock. The holder is a thread; its death gives the lock to the next taker.
+  /// The board lock, held by a thread. If the holder dies, the next taker gets the lock.
   memory::SharedMutex& lock() noexcept { return lock_; }
 
 private:
@@ -79,8 +79,8 @@ private:
   std::array<std::atomic<std::uint32_t>, ADC_CHANNELS> adc_counts_{};
   std::atomic<std::uint32_t> rf_pending_{0};  ///< bit n: the transfer of RF register n is pending
   std::array<std::atomic<std::uint64_t>, RF_REGISTERS> rf_due_ns_{};
-  std::array<std::atomic<std::uint32_t>, RF_REGISTERS> rf_registers_{};  ///< the RF board's own
-  std::array<std::atomic<std::uint32_t>, RF_REGISTERS> rf_shown_{};      ///< what the last transfer brought
+  std::array<std::atomic<std::uint32_t>, RF_REGISTERS> rf_registers_{};  ///< values on the RF board
+  std::array<std::atomic<std::uint32_t>, RF_REGISTERS> rf_shown_{};      ///< values of the last transfers
   std::atomic<std::uint32_t> registers_used_{0};
   std::array<Register, CAPACITY> registers_;
 };

@@ -20,7 +20,7 @@ int open_for_append(const std::string& file, int extra_flags) {
   return opened;
 }
 
-/// The kept descriptor, opened where it is not yet.
+/// The kept descriptor, opened if necessary.
 int kept_descriptor(const std::string& file, std::atomic<int>& descriptor) {
   int kept = descriptor.load();
   if (kept >= 0) {

@@ -19,12 +19,12 @@ public:
   CallRecord(const CallRecord&) = delete;
   CallRecord& operator=(const CallRecord&) = delete;
 
-  /// Empties the record and switches it on, for every process of the unit.
+  /// Empties the record and switches it on for every process of the unit.
   void start();
   void stop() noexcept { watch_.set(Watch::RECORDED, false); }
   bool on() const noexcept { return watch_.has(Watch::RECORDED); }
 
-  /// Appends one line where the record is on. `args`: a JSON value as text ("{}", "[1,2]").
+  /// Appends one line if the record is on. `args`: a JSON value as text ("{}", "[1,2]").
   void append(Point point, const std::string& args) { append(name_of(point), args); }
   void append(std::string_view at, const std::string& args);
 
@@ -34,8 +34,8 @@ private:
   std::atomic<int> descriptor_{-1};
 };
 
-/// Appends the text to the file with one write, so that lines of several processes never mix. Makes the file.
-/// Throws std::system_error. `descriptor` keeps the open file between calls, -1 before the first.
+/// Appends the text to the file, created if missing, with one write, so that lines of several processes never mix.
+/// `descriptor` keeps the file open between calls; -1 before the first. Throws std::system_error.
 void append_line(const std::string& file, const std::string& line, std::atomic<int>& descriptor);
 
 }  // namespace simulator::model

@@ -16,27 +16,27 @@ struct Fault {
 
   FaultKind kind = FaultKind::NONE;
   std::int32_t value = 0;        ///< the number that the kind carries
-  std::uint32_t nth = 1;         ///< the first call that it hits, counted from 1 since it was armed
-  std::uint32_t times = ALWAYS;  ///< how many calls it hits in a row; ALWAYS: every one from then on
+  std::uint32_t nth = 1;         ///< first call hit, counted from 1 since arming
+  std::uint32_t times = ALWAYS;  ///< number of consecutive calls hit; ALWAYS: no limit
 };
 
-/// The unit's armed faults and its call counters. Lives in the unit's model; any thread of any process.
+/// The unit's armed faults and call counters. Part of the unit's model; any thread of any process.
 class Faults {
 public:
-  /// Arms the fault at the point in place of the one there, and starts counting calls for it anew. Kind NONE disarms.
-  /// Throws std::invalid_argument if the point does not admit the kind; it names those that it admits.
+  /// Arms the fault at the point, replacing any other, and restarts its call count. Kind NONE disarms. Throws
+  /// std::invalid_argument, listing the admitted kinds, if the point does not admit the kind.
   void arm(Point point, const Fault& fault);
   void disarm_all();
   Fault armed_at(Point point) const;
 
-  /// Counts one call of the point and tells what goes wrong with it; kind NONE: nothing.
+  /// Counts one call of the point and returns its fault; kind NONE: no fault.
   Fault strike(Point point);
 
-  /// Why crossings are of interest; kept up to date for the reason FAULTED.
+  /// The reasons for watching crossings; FAULTED is updated here.
   Watch& watch() noexcept { return watch_; }
   const Watch& watch() const noexcept { return watch_; }
 
-  /// Calls of the point while the unit was watched.
+  /// Number of calls of the point while the unit was watched.
   std::uint64_t calls(Point point) const noexcept;
   void forget_calls() noexcept;
 

@@ -7,7 +7,7 @@
 namespace simulator::model {
 namespace {
 
-/// The answer of the button of that label in "label,answer|label,answer"; none where there is no such button.
+/// The answer of the button with that label in "label,answer|label,answer"; none if there is no such button.
 std::optional<std::int32_t> answer_of(const std::string& buttons, const std::string& label) {
   std::size_t begin = 0;
   while (begin < buttons.size()) {

@@ -6,7 +6,7 @@
 namespace simulator::model {
 namespace {
 
-/// The well-formed UTF-8 sequences: their first byte, their size, and their second byte where they have one.
+/// The well-formed UTF-8 sequences: first byte, size, and second byte if there is one.
 struct Form {
   unsigned char first_low, first_high;
   std::size_t size;
@@ -20,7 +20,7 @@ constexpr bool within(char byte, unsigned char low, unsigned char high) noexcept
   return static_cast<unsigned char>(byte) >= low && static_cast<unsigned char>(byte) <= high;
 }
 
-/// How many bytes at the beginning of the text belong to one sequence; `whole`: they are all of it.
+/// The number of leading bytes that belong to one sequence; `whole`: the sequence is complete.
 std::size_t sequence_at_start_of(std::string_view text, bool& whole) noexcept {
   const auto* const form = std::find_if(std::begin(FORMS), std::end(FORMS), [&](const Form& each) {
     return within(text[0], each.first_low, each.first_high);

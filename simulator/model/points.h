@@ -8,7 +8,7 @@
 
 namespace simulator::model {
 
-/// Every place where a closed interface is crossed.
+/// The points at which closed interfaces are crossed.
 enum class Point : std::uint32_t {
   RADALT_INIT,
   RADALT_READ,
@@ -49,7 +49,7 @@ enum class Point : std::uint32_t {
   COUNT
 };
 
-/// What goes wrong at a point; FAULT_KINDS says what each does.
+/// A kind of fault at a point, described in FAULT_KINDS.
 enum class FaultKind : std::uint32_t { NONE, FAIL, NO_REPLY, LATE, TWICE, SLOW, GARBAGE, COUNT };
 
 /// A set of kinds; NONE is in every one.
@@ -70,7 +70,7 @@ private:
   std::uint32_t bits_;
 };
 
-/// A point and what can go wrong there.
+/// A point and the faults that it admits.
 struct PointRow {
   Point key;
   std::string_view name;  ///< "radalt.read"
@@ -78,12 +78,12 @@ struct PointRow {
   std::string_view doc;  ///< what crosses
 };
 
-/// A kind of fault and the number that it carries.
+/// A kind of fault and its number.
 struct KindRow {
   FaultKind key;
   std::string_view name;  ///< "no_reply"
   std::string_view doc;
-  std::string_view value = {};  ///< meaning of the number; empty: it carries none
+  std::string_view value = {};  ///< meaning of the number; empty: no number
   std::int64_t minimum = 0;
   std::int64_t maximum = 0;
 };

@@ -11,7 +11,7 @@
 
 namespace simulator::model {
 
-/// The seven values that the power-supply controller can be asked for.
+/// The seven values of the power-supply controller.
 enum class Reply : std::uint32_t {
   BATTERY_RELATIVE_STATE_OF_CHARGE,  ///< per cent
   CHARGER_BATTERY_STATUS,            ///< bit field; 0x01 external voltage, 0x08 charged, 0x10 no battery
@@ -23,37 +23,37 @@ enum class Reply : std::uint32_t {
   COUNT
 };
 
-/// The power-supply controller. Lives in the unit's model; any thread of any process.
+/// The power-supply controller. Part of the unit's model; any thread of any process.
 class PowerSupply {
 public:
   static constexpr std::size_t INTERRUPTS_KEPT = 256;
-  /// What led_status() and communication_status() show before anything was set.
+  /// Initial value of led_status() and communication_status().
   static constexpr std::int32_t NOT_SET = -1;
 
   void set_reply(Reply reply, std::int32_t value) noexcept { replies_[index(reply)].store(value); }
   std::int32_t reply(Reply reply) const noexcept { return replies_[index(reply)].load(); }
 
-  /// From a request to its reply, in microseconds.
+  /// Time from a request to its reply, in microseconds.
   void set_reply_delay(std::uint32_t microseconds) noexcept { reply_delay_us_.store(microseconds); }
   std::chrono::microseconds reply_delay() const noexcept { return std::chrono::microseconds(reply_delay_us_.load()); }
 
-  /// The last status that the driver's user has set.
+  /// The last status set by the driver's user.
   void set_led_status(std::int32_t status) noexcept { led_status_.store(status); }
   std::int32_t led_status() const noexcept { return led_status_.load(); }
   void set_communication_status(std::int32_t status) noexcept { communication_status_.store(status); }
   std::int32_t communication_status() const noexcept { return communication_status_.load(); }
 
-  /// Raises a switch interrupt in every driver that has the controller open. Returns its number, counted from 1.
-  /// A driver that is more than INTERRUPTS_KEPT behind loses the oldest.
+  /// Raises a switch interrupt in every driver that has the controller open and returns its number, counted from 1. A
+  /// driver that is more than INTERRUPTS_KEPT behind loses the oldest.
   std::uint64_t raise_interrupt(std::int32_t communication_status);
-  /// How many interrupts have been raised since the unit was made.
+  /// Number of interrupts raised so far.
   std::uint64_t interrupts_raised() const noexcept { return raised_.load(); }
-  /// The value of interrupt `number`; none when it is not raised yet. One that is no longer kept gives the oldest kept.
+  /// The value of interrupt `number`; none if not yet raised; that of the oldest kept if no longer kept.
   std::optional<std::int32_t> interrupt(std::uint64_t number) const;
 
-  /// Called by the driver once the handler of interrupt `number` has returned.
+  /// Called by the driver after the handler of interrupt `number` has returned.
   void mark_interrupt_handled(std::uint64_t number) noexcept;
-  /// Waits until some driver has handled interrupt `number`; false when `limit` passes first.
+  /// Waits until a driver has handled interrupt `number`; false if `limit` passes first.
   bool wait_interrupt_handled(std::uint64_t number, std::chrono::milliseconds limit) const;
 
   /// Raised when a driver may have something to do.

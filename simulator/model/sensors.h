@@ -5,14 +5,14 @@
 
 namespace simulator::model {
 
-/// The MIC284 temperature sensor and the tool that reads it. Lives in the unit's model; any thread of any process.
+/// The MIC284 temperature sensor and the tool that reads it. Part of the unit's model; any thread of any process.
 class Sensors {
 public:
-  /// The sensor's temperature register, shown by i2c_read as hexadecimal text.
+  /// The sensor's temperature register, printed by i2c_read in hexadecimal.
   void set_mic284(std::uint32_t value) noexcept { mic284_.store(value); }
   std::uint32_t mic284() const noexcept { return mic284_.load(); }
 
-  /// The status with which i2c_read ends, 0 to 255.
+  /// The exit status of i2c_read, 0 to 255.
   void set_i2c_read_status(std::int32_t status) noexcept { i2c_read_status_.store(status); }
   std::int32_t i2c_read_status() const noexcept { return i2c_read_status_.load(); }
 

@@ -15,14 +15,14 @@ namespace simulator::model {
 /// The services that other processes of the unit offer.
 enum class Service : std::uint32_t { GUI_MANAGER, EVERYBODY_ENGINE, HW_ENUMERATE, COUNT };
 
-/// How a service behaves.
+/// The behaviour of a service.
 enum class ServiceBehaviour : std::uint32_t {
   PRESENT,       ///< registered, answers
   ABSENT,        ///< not registered in the naming service
   WRONG_TYPE,    ///< an object of another interface is registered under its path
   SLOW,          ///< answers, `slow_ms` later
-  DIES_IN_CALL,  ///< its process ends while a call is in it
-  THROWS,        ///< every call ends in an exception
+  DIES_IN_CALL,  ///< its process dies during a call
+  THROWS,        ///< every call throws an exception
   COUNT
 };
 
@@ -36,23 +36,23 @@ inline std::string_view name_of(ServiceBehaviour behaviour) noexcept {
   return memory::row_of(SERVICE_BEHAVIOURS, behaviour).name;
 }
 
-/// The behaviour of the unit's services, settable while they run. Lives in the unit's model; any thread of any process.
+/// The behaviour of the unit's services, settable while they run. Part of the unit's model; any thread of any process.
 class Services {
 public:
   void set_behaviour(Service service, ServiceBehaviour behaviour) noexcept;
   ServiceBehaviour behaviour(Service service) const noexcept;
 
-  /// How much longer a call of a SLOW service takes, in milliseconds.
+  /// Delay of each call of a SLOW service, in milliseconds.
   void set_slow_ms(Service service, std::uint32_t milliseconds) noexcept;
   std::uint32_t slow_ms(Service service) const noexcept;
 
-  /// Raised when a behaviour has been set.
+  /// Raised when a behaviour is set.
   memory::Signal& changed() noexcept { return changed_; }
 
-  /// Set by the services process once the naming service shows the behaviours set up to `changed` count `seen`.
+  /// Set by the services process when the naming service reflects all behaviours set up to count `seen` of `changed`.
   void mark_applied(std::uint32_t seen) noexcept;
-  /// Waits until what is set now has been applied; false when `limit` passes first. False as well while the services
-  /// have not been started.
+  /// Waits until the current behaviours have been applied; false if `limit` passes first or the services have not been
+  /// started.
   bool wait_applied(std::chrono::milliseconds limit) const;
 
 private:

@@ -25,7 +25,7 @@ std::filesystem::path path_of(const std::string& root, const SysfsFile& file) {
   return std::filesystem::path(root) / file.path;
 }
 
-/// A file made from outside by root belongs to the unit all the same, whose programs are another user then.
+/// Files that root creates from outside must belong to the unit's programs, which then run as another user.
 void give_to_owner_of(const std::string& root, const std::filesystem::path& path) {
   struct stat status {};
   if (::geteuid() == 0 && ::stat(root.c_str(), &status) == 0) {

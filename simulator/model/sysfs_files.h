@@ -7,7 +7,7 @@
 
 namespace simulator::model {
 
-/// One file of the unit's kernel drivers.
+/// A file of the unit's kernel drivers.
 struct SysfsFile {
   std::string_view name;  ///< "celsius"
   std::string_view path;  ///< below the root, "class/hwmon/hwmon0/device/celsius"
@@ -17,17 +17,16 @@ struct SysfsFile {
 /// The sysfs files that the unit has: FPGA_ver, Board_rev, CPLD_ver, celsius, max_brightness, brightness, bl_power.
 const std::array<SysfsFile, 7>& sysfs_files() noexcept;
 
-/// The texts of the unit's sysfs files. The files are the truth: what the unit's programs write shows here.
-/// Any thread may use it.
+/// The texts of the unit's sysfs files. The files are authoritative: changes by the unit's programs are visible here.
+/// Any thread.
 class SysfsFiles {
 public:
-  /// `root`: what is /sys inside the unit.
+  /// `root`: the folder that the unit sees as /sys.
   explicit SysfsFiles(std::string root) : root_(std::move(root)) {}
 
-  /// The file's whole text; none where there is no such file.
+  /// The file's whole text; none if there is no such file.
   std::optional<std::string> text(const SysfsFile& file) const;
-  /// Replaces the file's text at once (a reader sees the old or the new one), makes its folders; none removes the file.
-  /// Throws std::system_error.
+  /// Replaces the file's text atomically and creates its folders; none removes the file. Throws std::system_error.
   void set_text(const SysfsFile& file, const std::optional<std::string>& text) const;
 
   const std::string& root() const noexcept { return root_; }

@@ -42,7 +42,7 @@ std::string run_folder_of(const std::string& path) {
   return fs::absolute(path).lexically_normal().parent_path().string();
 }
 
-/// What is /sys to the unit whose run folder this is.
+/// The folder that the unit of this run folder sees as /sys.
 std::string sys_root_of(const fs::path& run_folder) {
   const bool in_state_folder = run_folder.filename() == "unit" && run_folder.parent_path().filename() == "run";
   return ((in_state_folder ? run_folder.parent_path().parent_path() : run_folder) / "sys").string();

@@ -16,22 +16,23 @@
 
 namespace simulator::model {
 
-/// The simulated unit: one file in shared memory that holds the state of everything behind the closed interfaces.
-/// Every process of the unit, and whoever works on it from outside, maps the same file and sees every change at once.
-/// Any thread may use any part at any time.
+/// The simulated unit: one file in shared memory with the state of everything behind the closed interfaces. Every
+/// process of the unit, and every program that works on it from outside, maps the same file and sees changes
+/// immediately. Any thread may use any part at any time.
 class UnitModel {
 public:
-  /// Sets the values of a new unit, before anybody else sees it.
+  /// Sets the values of a new unit before it becomes visible.
   using Fill = std::function<void(UnitModel&)>;
 
-  /// Creates the model file of a new unit, filled by `fill`, without sysfs files unless `fill` writes some. Replaces an
-  /// older file of that name; processes that have it open keep the old unit. Throws std::system_error, and what `fill`
-  /// throws.
+  /// Creates the model file of a new unit, filled by `fill`; without sysfs files unless `fill` writes some. Replaces an
+  /// existing file; processes that have it open keep the old unit. Throws std::system_error, and any exception of
+  /// `fill`.
   static UnitModel create(const std::string& path, const Fill& fill = {});
-  /// Maps an existing model file. Throws std::system_error where it cannot, std::runtime_error where it is none.
+  /// Maps an existing model file. Throws std::system_error if that fails, std::runtime_error if the file is not a model
+  /// of this version.
   static UnitModel open(const std::string& path);
-  /// The model of the unit that this process belongs to, ${UNIT_RUN:-/run/unit}/model, mapped by the first call and
-  /// kept until the process ends. Throws as open(); the next call then tries again.
+  /// The model of the unit that this process belongs to, ${UNIT_RUN:-/run/unit}/model, mapped by the first call until
+  /// the process ends. Throws like open(); the next call then tries again.
   static UnitModel& of_this_unit();
 
   UnitModel(const UnitModel&) = delete;
@@ -49,21 +50,21 @@ public:
   /// run/unit/: the folder sys/ beside the model).
   SysfsFiles& sysfs() noexcept { return sysfs_; }
 
-  /// True where crossings are of interest to anybody: the record is on, calls are counted or a fault is armed. Costs
-  /// one plain load; everything that a crossing does beyond the operation itself happens only then.
+  /// Whether crossings are watched: the record is on, calls are counted or a fault is armed. Costs one plain load.
+  /// Crossings do extra work only if true.
   bool watched() const noexcept { return shared_->faults.watch().any(); }
-  /// Switches the counting of calls on and off; recorded and faulted units count anyway.
+  /// Switches call counting on and off; recorded and faulted units always count.
   void count_calls(bool on) noexcept { shared_->faults.watch().set(Watch::COUNTED, on); }
 
-  /// Where a closed interface is crossed: counts the call, records it with its arguments (JSON text), and tells what
-  /// shall go wrong with it. A SLOW fault has been slept off when this returns.
+  /// Crosses a closed interface: counts the call, records it with its arguments (JSON text) and returns its fault. For
+  /// a SLOW fault, returns after the delay.
   Fault cross(Point point, const std::string& args);
 
   /// The folder that holds the model ("/run/unit").
   const std::string& run_folder() const noexcept { return run_folder_; }
 
 private:
-  /// What the file holds.
+  /// The contents of the file.
   struct Shared {
     static constexpr std::uint64_t MAGIC = 0x31304C444D54494E;
     static constexpr std::uint32_t VERSION = 1;

@@ -5,7 +5,7 @@
 
 namespace simulator::model {
 
-/// Why crossings of the closed interfaces are of interest. Lives in the unit's model; any thread of any process.
+/// The reasons for watching crossings of the closed interfaces. Part of the unit's model; any thread of any process.
 class Watch {
 public:
   enum Reason : std::uint32_t { RECORDED = 1, COUNTED = 2, FAULTED = 4 };

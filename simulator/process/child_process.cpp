@@ -46,7 +46,7 @@ private:
   int number_;
 };
 
-/// What a start needs, ready before the fork: a child of a process with threads must not allocate memory.
+/// Everything a start needs, prepared before the fork: the child of a multithreaded process must not allocate memory.
 class Start {
 public:
   Start(const std::vector<std::string>& line, const ChildOptions& options)
@@ -85,7 +85,7 @@ public:
   }
 
 private:
-  /// Out of the way first, then to their places: the place of one may be where another comes from.
+  /// Moves the descriptors aside first, then to their targets: the target of one may be the source of another.
   void place_descriptors() {
     for (auto& [ours, theirs] : descriptors_) {
       ours = ::fcntl(ours, F_DUPFD_CLOEXEC, highest_place() + 1);
@@ -133,11 +133,11 @@ void become_program(const std::vector<std::string>& line, const ChildOptions& op
 }
 
 int run_program(const std::vector<std::string>& line, const std::string& input) {
-  const Descriptor text(require(::memfd_create("input", MFD_CLOEXEC), "a file in memory"));
+  const Descriptor text(require(::memfd_create("input", MFD_CLOEXEC), "memory file"));
   if (::write(text, input.data(), input.size()) != static_cast<ssize_t>(input.size())) {
-    throw std::system_error(errno, std::generic_category(), "a file in memory");
+    throw std::system_error(errno, std::generic_category(), "memory file");
   }
-  require(static_cast<int>(::lseek(text, 0, SEEK_SET)), "a file in memory");
+  require(static_cast<int>(::lseek(text, 0, SEEK_SET)), "memory file");
   ChildOptions options;
   options.descriptors = {{text, STDIN_FILENO}};
   return shell_status(reap(start_program(line, options), true).value());

@@ -15,7 +15,7 @@
 namespace simulator::services {
 namespace {
 
-/// The descriptor on which the process of a service reports.
+/// The report descriptor of a service's process.
 constexpr int REPORT_DESCRIPTOR = 3;
 
 }  // namespace

@@ -10,7 +10,7 @@
 
 namespace simulator::services {
 
-/// The process of one service, as its parent sees it. One thread.
+/// The process of one service, for its parent. One thread.
 class Child {
 public:
   explicit Child(model::Service service) : service_(service) {}
@@ -19,23 +19,23 @@ public:
   bool alive() const { return process_ > 0; }
   bool ever_started() const { return started_; }
 
-  /// Starts the service in a new process. The signals that the caller blocks are blocked there until the service is
-  /// ready for them. Throws std::system_error.
+  /// Starts the service in a new process. Signals blocked by the caller stay blocked there until the service is ready
+  /// for them. Throws std::system_error.
   void start();
 
-  /// Readable when the service has something to report or has died; -1 while it is dead.
+  /// Readable when the service has reported or died; -1 while it is dead.
   int report() const { return report_; }
-  /// Takes the reports that are there. Returns the wait status of a service that has died, none while it is alive.
+  /// Reads the pending reports. Returns the wait status of a dead service, none while it is alive.
   std::optional<int> take_reports();
-  /// The count of behaviour changes that the service has last reported, none before its first report.
+  /// The count of behaviour changes last reported by the service, none before its first report.
   std::optional<std::uint32_t> applied() const { return applied_; }
 
-  /// True for the wait status of a service that has been killed, as its behaviour may have it.
+  /// Whether the wait status is that of a killed service, as its behaviour may require.
   static bool was_killed(int status);
 
   void ask_to_end() const;
-  /// Waits for the end, and kills the service when it has not come by `deadline`. Returns whether it has ended with
-  /// exit status 0 or had been killed before.
+  /// Waits for the service to exit and kills it at `deadline`. Returns whether it exited with status 0 or had been
+  /// killed before.
   bool await_end(std::chrono::steady_clock::time_point deadline);
 
 private:

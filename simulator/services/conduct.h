@@ -7,26 +7,26 @@
 
 namespace simulator::services {
 
-/// The behaviour of one service as its callers meet it. Any thread.
+/// The behaviour of one service towards its callers. Any thread.
 class Conduct {
 public:
   Conduct(model::UnitModel& model, model::Service service, Ending& ending)
       : model_(model), service_(service), ending_(ending) {}
 
-  /// Every operation calls this first: counts and records the call with its arguments (JSON text), then plays what is
-  /// set for the service and for the operation. A service that dies ends this process here; one that throws, and an
-  /// operation that fails, throw CORBA::INTERNAL (minor code: the fault's value); a slow one waits. An operation that
-  /// never answers waits until the process ends. Returns the fault that is left for the operation itself: GARBAGE, or
+  /// Called first by every operation: counts and records the call with its arguments (JSON text), then applies the
+  /// behaviour of the service and the fault of the operation. A service that dies ends this process here; one that
+  /// throws, and an operation that fails, throw CORBA::INTERNAL (minor code: the fault's value); a slow one waits. An
+  /// operation that never answers waits until the process ends. Returns the fault left to the operation: GARBAGE or
   /// NONE.
   model::Fault enter(model::Point point, const std::string& args);
 
-  /// An operation that waits calls this now and then: plays a death or an exception that has been set meanwhile, and
-  /// throws CORBA::TRANSIENT where the process is to end.
+  /// Called repeatedly by a waiting operation: applies a death or exception set meanwhile, and throws CORBA::TRANSIENT
+  /// if the process is ending.
   void keep_waiting(std::chrono::milliseconds time);
 
 private:
   void play_behaviour();
-  /// Waits for `time` and throws CORBA::TRANSIENT where the process is to end meanwhile.
+  /// Waits for `time`; throws CORBA::TRANSIENT if the process is ending.
   void pause(std::chrono::milliseconds time);
 
   model::UnitModel& model_;

@@ -6,12 +6,12 @@
 
 namespace simulator::services {
 
-/// Whether this process is to end; lets calls that wait notice it. Any thread.
+/// Tells waiting calls that this process is ending. Any thread.
 class Ending {
 public:
   void begin();
 
-  /// Waits for `time`, or less when the end comes. Returns whether the process is to end.
+  /// Waits for `time`, or less if the process is ending. Returns whether it is.
   bool wait_for(std::chrono::milliseconds time);
 
 private:

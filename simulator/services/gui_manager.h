@@ -5,11 +5,11 @@
 
 namespace simulator::services {
 
-/// The GUI manager: shows its dialogs in the unit's model and takes the answers from there. A dialog that waits holds
-/// only its own call.
+/// The GUI manager: shows its dialogs in the unit's model and reads the answers there. A waiting dialog blocks only its
+/// own call.
 class GuiManager : public POA_Halcyra::gui::GUIManager {
 public:
-  /// A new user interface begins with an empty screen.
+  /// A new user interface starts with an empty screen.
   GuiManager(model::UnitModel& model, Ending& ending);
 
   CORBA::Long ShowDialog(const char* title, const char* text, const char* buttons, CORBA::Long wait) override;

@@ -1,8 +1,8 @@
 // unit-services: the services that other processes of the unit offer over CORBA.
-//   unit-services                            all of them, a process each
+//   unit-services                            all of them, one process per service
 //   unit-services --only SERVICE             one of them, in this process
 // The unit's model is ${UNIT_RUN:-/run/unit}/model, its naming service listens on 127.0.0.1:$UNIT_NAMING_PORT.
-// Ends on SIGTERM and SIGINT with exit status 0; 1: a service cannot run; 2: bad usage.
+// Exits with 0 on SIGTERM and SIGINT, 1 if a service cannot run, 2 on bad usage.
 
 #include <signal.h>
 #include <sys/prctl.h>
@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
   std::string only;
   int report = -1;
   app.add_option("--only", only, "Run this service alone, in this process")->check([](const std::string& name) {
-    return simulator::memory::named_in(simulator::model::SERVICES, name) ? "" : "there is no service " + name;
+    return simulator::memory::named_in(simulator::model::SERVICES, name) ? "" : "unknown service " + name;
   });
   app.add_option("--report", report, "Descriptor on which a service reports to its parent")->group("");
   try {

@@ -17,8 +17,8 @@ CosNaming::Name name_of(const std::vector<std::string>& path) {
   return name;
 }
 
-/// The naming service's root context. A service that is not there yet, or listens and does not know its root yet, is
-/// asked again until `patience` has run out.
+/// The naming service's root context. Retries until `patience` has passed if the service is not listening yet or does
+/// not know its root yet.
 CosNaming::NamingContext_ptr find_root(CORBA::ORB_ptr orb, std::chrono::milliseconds patience) {
   const auto deadline = std::chrono::steady_clock::now() + patience;
   for (;;) {

@@ -9,19 +9,19 @@
 
 namespace simulator::services {
 
-/// One name in the unit's naming service.
-/// One thread at a time. Every operation throws the CORBA exception of a naming service that cannot be reached.
+/// One name in the unit's naming service. One thread at a time. Every operation throws a CORBA exception if the naming
+/// service cannot be reached.
 class Registration {
 public:
-  /// `path`: the naming path, outermost name first, at least one name. Waits up to `patience` for a naming service that
-  /// has not started yet.
+  /// `path`: the naming path, outermost name first, at least one name. Waits up to `patience` for the naming service to
+  /// start.
   Registration(CORBA::ORB_ptr orb, const std::vector<std::string>& path, std::chrono::milliseconds patience);
 
-  /// Leads the name to `object` in place of what it led to. Makes the contexts on the way where there are none.
+  /// Binds the name to `object`, replacing any binding. Creates missing contexts.
   void bind(CORBA::Object_ptr object);
-  /// Leads the name to an object that is alive and of an interface of its own: the naming service's root context.
+  /// Binds the name to a live object of another interface: the naming service's root context.
   void bind_to_naming_service();
-  /// Takes the name away; does nothing where it is not there.
+  /// Unbinds the name; does nothing if it is not bound.
   void unbind();
 
 private:

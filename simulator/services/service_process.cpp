@@ -21,7 +21,7 @@ namespace {
 constexpr std::chrono::milliseconds NAMING_PATIENCE{10000};
 constexpr std::chrono::milliseconds LOOK_UP_INTERVAL{50};
 
-/// How many calls can be in the service at once where the ORB has no threads of its own to run them on.
+/// Maximum number of concurrent calls if the ORB has no threads of its own.
 constexpr int ORB_THREADS = 8;
 
 std::atomic<bool> end_asked{false};
@@ -30,7 +30,7 @@ extern "C" void ask_for_end(int) {
   end_asked.store(true);
 }
 
-/// The ending signals, held back from the calling thread and from those that it starts.
+/// Blocks the termination signals in the calling thread and the threads that it starts.
 class EndingSignals {
 public:
   EndingSignals() {
@@ -44,7 +44,7 @@ public:
     ::sigaction(SIGINT, &action, nullptr);
   }
 
-  /// Lets them through to the calling thread.
+  /// Unblocks them in the calling thread.
   void admit() const { ::pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr); }
 
 private:
@@ -73,7 +73,7 @@ PortableServer::ServantBase* make_servant(model::UnitModel& model, model::Servic
   }
 }
 
-/// The ORB with the service's servant on it, taking calls from construction to destruction, which ends those that wait.
+/// The ORB with the service's servant. Accepts calls until destruction, which ends waiting calls.
 class Server {
 public:
   Server(model::UnitModel& model, model::Service service, unsigned naming_port)
@@ -105,7 +105,7 @@ public:
   CORBA::Object_ptr reference() const { return reference_; }
 
 private:
-  /// Runs the ORB on the calling thread; a thread that comes to it only after its shutdown has nothing left to do.
+  /// Runs the ORB on the calling thread. Returns at once if the ORB has been shut down.
   void serve() {
     try {
       orb_->run();
@@ -134,7 +134,7 @@ void apply(model::ServiceBehaviour behaviour, Registration& registration, CORBA:
   }
 }
 
-/// Takes the name away at the end; a naming service that has ended before is no failure.
+/// Unbinds the name at the end; it is no error if the naming service has already exited.
 void leave(Registration& registration) {
   try {
     registration.unbind();

@@ -17,7 +17,7 @@ using model::ServiceBehaviour;
 
 constexpr std::chrono::seconds ENDING_GRACE{3};
 
-/// How often the behaviour of a dead service is looked at.
+/// Interval for checking the behaviour of a dead service.
 constexpr timespec LOOK_UP_INTERVAL{0, 10'000'000};
 
 volatile sig_atomic_t end_asked = 0;
@@ -26,7 +26,8 @@ extern "C" void note_end(int) {
   end_asked = 1;
 }
 
-/// Blocks the ending signals, so that they are noticed only while the supervisor sleeps. Returns the mask before.
+/// Blocks the termination signals, so that they are delivered only while the supervisor sleeps. Returns the previous
+/// mask.
 sigset_t block_ending_signals() {
   struct sigaction action = {};
   action.sa_handler = note_end;
@@ -60,7 +61,7 @@ public:
   }
 
 private:
-  /// Starts the services that shall run and do not, and tells the model how far all of them have come.
+  /// Starts the services that should run and do not, and updates the applied count in the model.
   void start_what_is_wanted() {
     std::optional<std::uint32_t> applied = services_.changed().count();
     for (Child& child : children_) {
@@ -77,7 +78,7 @@ private:
     }
   }
 
-  /// Sleeps until a service reports or dies, an ending signal comes, or dead services are to be looked at.
+  /// Sleeps until a service reports or dies, a termination signal arrives, or dead services need checking.
   void sleep() {
     std::vector<pollfd> reports;
     bool all_alive = true;
@@ -88,7 +89,7 @@ private:
     ::ppoll(reports.data(), reports.size(), all_alive ? nullptr : &LOOK_UP_INTERVAL, &awake_signals_);
   }
 
-  /// False where a service has failed.
+  /// Returns false if a service has failed.
   bool take_reports() {
     for (Child& child : children_) {
       const std::optional<int> status = child.alive() ? child.take_reports() : std::nullopt;
@@ -99,7 +100,7 @@ private:
     return true;
   }
 
-  /// False where a service did not end in order.
+  /// Returns false if a service did not exit cleanly.
   bool end_all() {
     const auto deadline = std::chrono::steady_clock::now() + ENDING_GRACE;
     for (const Child& child : children_) {

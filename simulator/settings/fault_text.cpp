@@ -14,7 +14,7 @@ using model::KindRow;
 
 constexpr std::int64_t MOST_CALLS = std::numeric_limits<std::uint32_t>::max();
 
-/// The number in "name=number", in decimal or with 0x in hexadecimal.
+/// The number in "name=number", decimal or hexadecimal (0x).
 std::int64_t number_in(const std::string& parameter, std::int64_t minimum, std::int64_t maximum) {
   const std::size_t sign = parameter.find('=');
   const bool is_hexadecimal = parameter.compare(sign + 1, 2, "0x") == 0;

@@ -6,15 +6,14 @@
 
 namespace simulator::settings {
 
-/// A fault as text: its kind, then those of its parameters that differ from the usual, "late value=200 nth=3 times=1".
-/// No fault is "none".
+/// A fault as text: its kind and the parameters that differ from their defaults, "late value=200 nth=3 times=1". No
+/// fault is "none".
 std::string text_of(const model::Fault& fault);
 
-/// The first word of a fault's text: its kind.
+/// The kind: the first word of a fault's text.
 std::string kind_in(const std::string& text);
 
-/// The fault of that text, whose kind must be one. Throws std::invalid_argument, which says what is wrong with a
-/// parameter.
+/// The fault of that text, whose kind must be valid. Throws std::invalid_argument if a parameter is wrong.
 model::Fault fault_of(const std::string& text);
 
 }  // namespace simulator::settings

@@ -63,7 +63,7 @@ std::string choice_list(const Setting& setting) {
   return list;
 }
 
-/// What the setting takes, to complete "must be".
+/// The values that the setting accepts, to complete "must be".
 std::string demand_of(const Setting& setting) {
   const std::string range = std::to_string(setting.minimum) + " to " + std::to_string(setting.maximum);
   switch (setting.type) {

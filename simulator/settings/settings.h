@@ -14,11 +14,11 @@
 
 namespace simulator::settings {
 
-/// How a setting's value is written.
+/// The type of a setting.
 enum class SettingType {
-  NUMBER,         ///< whole number within the range
+  NUMBER,         ///< integer within the range
   WORD,           ///< unsigned 32-bit number, as a number or as hexadecimal text ("0x01020300"); shown as a number
-  DURATION,       ///< whole number within the range, or "never" where the setting allows it
+  DURATION,       ///< integer within the range, or "never" if allowed
   FLAG,           ///< true or false
   CHOICE,         ///< one of the choices
   OPTIONAL_TEXT,  ///< text of at most `maximum` bytes, or null: absent
@@ -35,10 +35,10 @@ struct Setting {
   std::vector<std::string> choices;  ///< CHOICE and FAULT: their names; DURATION: {"never"} if allowed
   std::string doc;                   ///< one line
   std::function<nlohmann::json(model::UnitModel&)> get;
-  std::function<void(model::UnitModel&, const nlohmann::json&)> set;  ///< takes what check() has passed
+  std::function<void(model::UnitModel&, const nlohmann::json&)> set;  ///< accepts values that passed check()
 };
 
-/// A value or name that the unit does not take; what() is "name: reason".
+/// An invalid value or name; what() is "name: reason".
 class SettingError : public std::runtime_error {
 public:
   SettingError(const std::string& setting, const std::string& why);
@@ -47,19 +47,19 @@ public:
   std::string reason;
 };
 
-/// Every setting, in the order of the documentation; board registers beside those with names of their own are the
-/// settings board.register.<space>.<address>, which find_setting() knows and this list does not hold.
+/// All settings, in documentation order. Unnamed board registers are the settings board.register.<space>.<address>,
+/// which find_setting() knows but this list does not contain.
 const std::vector<Setting>& settings();
-/// The setting of that name; none where there is no such setting.
+/// The setting of that name; none if there is no such setting.
 std::optional<Setting> find_setting(const std::string& name);
 
-/// Throws SettingError where the setting does not take the value.
+/// Throws SettingError if the setting does not accept the value.
 void check(const Setting& setting, const nlohmann::json& value);
 
-/// Reads and sets a value of the unit by name. Throw SettingError; nothing is set then.
+/// Read and set a value of the unit by name. Throw SettingError, with nothing set.
 nlohmann::json get_setting(model::UnitModel& unit, const std::string& name);
 void set_setting(model::UnitModel& unit, const std::string& name, const nlohmann::json& value);
-/// As set_setting(), of a value as typed on a command line: JSON where it is some, else text ("never", "38.5\n").
+/// Like set_setting(), with a typed value: parsed as JSON if valid, else taken as text ("never", "38.5\n").
 void set_setting_from_text(model::UnitModel& unit, const std::string& name, const std::string& text);
 
 }  // namespace simulator::settings

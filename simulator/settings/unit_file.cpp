@@ -17,14 +17,14 @@ using model::UnitModel;
 using nlohmann::json;
 using Values = std::vector<std::pair<std::string, json>>;
 
-/// "line 3, column 5: …", out of what the JSON parser says.
+/// "line 3, column 5: …", from the message of the JSON parser.
 std::string place_and_reason(const json::parse_error& error) {
   const std::string text = error.what();
   const std::size_t line = text.find("line ");
   return line == std::string::npos ? text : text.substr(line);
 }
 
-/// Notices keys that one JSON object holds twice.
+/// Detects duplicate keys in a JSON object.
 class TwiceWatch {
 public:
   bool operator()(int, json::parse_event_t event, const json& parsed) {
@@ -38,7 +38,7 @@ public:
     return true;
   }
 
-  /// The dotted name of the first key given twice, empty where there is none.
+  /// The dotted name of the first duplicate key; empty if there is none.
   const std::string& twice() const { return twice_; }
 
 private:
@@ -62,7 +62,7 @@ private:
 
 constexpr std::string_view REGISTERS = "board.register";
 
-/// True for the two levels that stand above a register: board.register and board.register.<space>.
+/// True for the two levels above a register: board.register and board.register.<space>.
 bool is_register_group(const std::string& name) {
   if (name.compare(0, REGISTERS.size(), REGISTERS) != 0) {
     return false;
@@ -79,7 +79,7 @@ bool is_group(const std::string& name) {
          std::any_of(all.begin(), all.end(), [&](const Setting& each) { return each.name.rfind(prefix, 0) == 0; });
 }
 
-/// Checks `value`, which stands at the dotted `name`, and collects it, or what it holds where the name is a group.
+/// Checks and collects the value at the dotted `name`, or its members if the name is a group.
 void collect(const std::string& name, const json& value, Values& values) {
   if (const auto setting = find_setting(name)) {
     check(*setting, value);
@@ -98,14 +98,14 @@ void collect(const std::string& name, const json& value, Values& values) {
   }
 }
 
-/// Refuses more registers than a board has room for beside those that have names of their own.
+/// Rejects more registers than a board can hold in addition to the named ones.
 void check_room(const Values& values) {
   const auto registers = std::count_if(values.begin(), values.end(), [](const auto& each) {
     return each.first.compare(0, REGISTERS.size(), REGISTERS) == 0;
   });
   if (registers > UnitFile::REGISTERS_AT_MOST) {
     throw SettingError(std::string(REGISTERS), "holds " + std::to_string(registers) +
-                                                   " registers; a unit file has room for " +
+                                                   " registers; a unit file may hold " +
                                                    std::to_string(UnitFile::REGISTERS_AT_MOST));
   }
 }

@@ -11,31 +11,31 @@
 
 namespace simulator::settings {
 
-/// A unit file that is refused; what() is "file: key: reason" ("file: reason" where no key is to blame).
+/// A rejected unit file; what() is "file: key: reason", or "file: reason" if the error concerns no key.
 class UnitFileError : public std::runtime_error {
 public:
   UnitFileError(const std::string& path, const std::string& name, const std::string& why);
 
   std::string file;
-  std::string key;     ///< dotted name of the offending key, empty where none is
+  std::string key;     ///< dotted name of the offending key; empty: none
   std::string reason;  ///< one line; a malformed file gives "line 3, column 5: …"
 };
 
-/// The initial values of a simulated unit, read from a JSON file and checked. Keys that the file leaves out keep the
-/// unit's own initial values (all numbers 0, no sysfs files, a board that answers, services present).
+/// The initial values of a simulated unit, read from a JSON file and checked. Omitted keys keep their defaults (all
+/// numbers 0, no sysfs files, a board that answers, services present).
 class UnitFile {
 public:
-  /// How many settings board.register.… a file may hold.
+  /// Maximum number of board.register.… settings in a file.
   static constexpr int REGISTERS_AT_MOST = 4000;
 
   /// Reads and checks the whole file. Throws UnitFileError.
   static UnitFile load(const std::string& path);
-  /// The same of a text; `name` stands for the file in errors.
+  /// The same for a text; `name` replaces the file name in errors.
   static UnitFile parse(const std::string& text, const std::string& name);
-  /// No values: a unit with its own initial values.
+  /// No values: a unit with default values.
   UnitFile() = default;
 
-  /// Sets the values in the unit: a unit file is what UnitModel::create() fills a new unit with.
+  /// Sets the values in the unit. A unit file can be passed to UnitModel::create().
   void operator()(model::UnitModel& unit) const;
 
 private:

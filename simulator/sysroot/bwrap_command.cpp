@@ -17,7 +17,7 @@ void append(Words& words, const Words& more) {
   words.insert(words.end(), more.begin(), more.end());
 }
 
-/// What both roots have of the machine: its programs and the files of /etc that they read.
+/// The machine's programs and the files of /etc that they read, in both roots.
 Words machine() {
   Words words{"--ro-bind", "/usr",    "/usr", "--symlink", "usr/bin",   "/bin",   "--symlink", "usr/sbin", "/sbin",
               "--symlink", "usr/lib", "/lib", "--symlink", "usr/lib64", "/lib64", "--dir",     "/etc"};
@@ -25,17 +25,17 @@ Words machine() {
                            "alternatives", "udhcpc", "services", "protocols", "localtime"}) {
     append(words, {"--ro-bind-try", std::string("/etc/") + name, std::string("/etc/") + name});
   }
-  // Folders that are only made on the way to something else would be closed to everybody but their owner.
+  // Folders created implicitly, as parents, would be accessible only to their owner.
   append(words, {"--dir", "/opt", "--dir", "/home", "--dir", "/home/radalt"});
   return words;
 }
 
-/// An open file in memory that holds the text; inherited by child processes.
+/// An open memory file with the text, inherited by child processes.
 int file_holding(const std::string& text) {
   const int descriptor = memfd_create("unit", 0);
   if (descriptor == -1 || write(descriptor, text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
       lseek(descriptor, 0, SEEK_SET) != 0) {
-    throw std::system_error(errno, std::generic_category(), "a file in memory");
+    throw std::system_error(errno, std::generic_category(), "memory file");
   }
   return descriptor;
 }
@@ -44,11 +44,11 @@ int file_holding(const std::string& text) {
 
 BwrapCommand::BwrapCommand(const std::filesystem::path& build, const std::filesystem::path& state)
     : build_(build), state_(state) {
-  // The unit's own table of mounts lets "/" be remounted; the machine's would name devices that are not there.
+  // The unit's own fstab allows remounting "/"; the machine's would name missing devices.
   files_.push_back({"/etc/fstab", "0644", file_holding("tmpfs / tmpfs rw 0 0\n")});
   files_.push_back({"/etc/resolv.conf", "0644", file_holding("")});
   files_.push_back({"/etc/hosts", "0644", file_holding("127.0.0.1 localhost unit\n")});
-  // No device node can be made here; the drivers' stand-ins only need the name to be there.
+  // Device nodes cannot be created here; the drivers' stand-ins only need the name to exist.
   files_.push_back({"/dev/i2c-3", "0600", file_holding("")});
 }
 

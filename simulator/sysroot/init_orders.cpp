@@ -6,7 +6,7 @@
 namespace simulator::sysroot {
 namespace {
 
-/// Takes the number from 0 to `most` that the text holds; false if it holds none.
+/// Parses a number from 0 to `most`; false if the text is not one.
 bool take_number(const std::string& text, int most, int& number) {
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, number);

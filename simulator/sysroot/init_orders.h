@@ -8,7 +8,7 @@ namespace simulator::sysroot {
 
 /// The orders of a private root's first process.
 struct Orders {
-  int lifeline = -1;    ///< readable when everything is to end
+  int lifeline = -1;    ///< readable when everything must end
   int naming_port = 0;  ///< 0: neither naming service nor services
   bool network = false;
   bool dhcp_server = false;

@@ -39,16 +39,16 @@ bool has_ended(pid_t process) {
   return waitpid(process, &status, WNOHANG) == process;
 }
 
-/// Waits until `ready` says so; throws where the process ends before, or does not get ready in time.
+/// Waits until `ready` returns true; throws if the process exits first or is not ready in time.
 template <typename Ready>
 void wait_until(Ready ready, pid_t process, const std::string& what, const char* log) {
   const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
   while (!ready()) {
     if (has_ended(process)) {
-      throw std::runtime_error(what + " has ended before it was ready; see " + log);
+      throw std::runtime_error(what + " exited before it was ready; see " + log);
     }
     if (std::chrono::steady_clock::now() > deadline) {
-      throw std::runtime_error(what + " is not ready in time; see " + log);
+      throw std::runtime_error(what + " was not ready in time; see " + log);
     }
   }
 }
@@ -76,7 +76,7 @@ void start_services() {
   const pid_t process = process::start_program({"/opt/unit/bin/unit-services"}, {{}, SERVICES_LOG});
   const model::Services& services = model::UnitModel::of_this_unit().services();
   const auto applied = [&services] { return services.wait_applied(std::chrono::milliseconds(50)); };
-  wait_until(applied, process, "the process of the unit's services", SERVICES_LOG);
+  wait_until(applied, process, "unit-services", SERVICES_LOG);
 }
 
 }  // namespace simulator::sysroot

@@ -2,12 +2,12 @@
 
 namespace simulator::sysroot {
 
-/// Starts the naming service on the loopback interface and waits until it answers on that port.
-/// Throws std::runtime_error where it does not.
+/// Starts the naming service on the loopback interface and waits until it answers on that port. Throws
+/// std::runtime_error if it does not.
 void start_naming(int port);
 
-/// Starts the unit's services and waits until the naming service shows them. Throws std::runtime_error where it does
-/// not.
+/// Starts the unit's services and waits until they are registered in the naming service. Throws std::runtime_error if
+/// that fails.
 void start_services();
 
 }  // namespace simulator::sysroot

@@ -22,12 +22,12 @@ namespace {
 constexpr std::chrono::seconds PATIENCE{5};
 constexpr const char* FAR_END_LOG = "/run/unit/log/network.log";
 
-/// Two processes that wait for each other: one byte each way.
+/// Lets two processes wait for each other: one byte each way.
 class Handshake {
 public:
   Handshake() {
     if (pipe2(there_, O_CLOEXEC) != 0 || pipe2(back_, O_CLOEXEC) != 0) {
-      throw std::runtime_error("no pipe");
+      throw std::runtime_error("cannot create a pipe");
     }
   }
   ~Handshake() {
@@ -42,7 +42,7 @@ public:
   bool child_waits() const { return take(back_[0]); }
   bool parent_waits() const { return take(there_[0]); }
   bool parent_says_go() const { return pass(back_[1]); }
-  /// Each side lets go of the other's ends, so that the death of one ends the other's wait.
+  /// Each side closes the other's ends, so that the death of one ends the other's wait.
   void in_parent() { give_up(there_[1], back_[0]); }
   void in_child() { give_up(there_[0], back_[1]); }
 
@@ -62,7 +62,7 @@ private:
   int back_[2];
 };
 
-/// The child that keeps the far end's namespace, from its start to its end.
+/// Runs the child that keeps the far end's namespace alive.
 [[noreturn]] void keep_far_end(Handshake& handshake, bool dhcp_server) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   handshake.in_child();
@@ -84,7 +84,7 @@ private:
       {{}, FAR_END_LOG});
 }
 
-/// Whether some socket of that process's network namespace is bound to the DHCP server's port.
+/// Whether a socket in that process's network namespace is bound to the DHCP server's port.
 bool serves_dhcp(pid_t process) {
   std::ifstream sockets("/proc/" + std::to_string(process) + "/net/udp");
   for (std::string line; std::getline(sockets, line);) {
@@ -99,7 +99,7 @@ void wait_for_server(pid_t process) {
   const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
   while (!serves_dhcp(process)) {
     if (std::chrono::steady_clock::now() > deadline || !std::filesystem::exists("/proc/" + std::to_string(process))) {
-      throw std::runtime_error(std::string("the DHCP server does not start; see ") + FAR_END_LOG);
+      throw std::runtime_error(std::string("the DHCP server did not start; see ") + FAR_END_LOG);
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
@@ -119,12 +119,12 @@ void make_eth0(bool dhcp_server) {
   }
   handshake.in_parent();
   if (keeper == -1 || !handshake.parent_waits()) {
-    throw std::runtime_error("no network namespace for the far end of eth0");
+    throw std::runtime_error("cannot create a network namespace for the far end of eth0");
   }
   const std::string commands =
       "link add eth0 type veth peer name srv0\nlink set srv0 netns " + std::to_string(keeper) + "\nlink set eth0 up\n";
   if (process::run_program({"ip", "-batch", "-"}, commands) != 0) {
-    throw std::runtime_error("no interface eth0: this machine's kernel gives no pair of virtual interfaces (veth)");
+    throw std::runtime_error("cannot create eth0: this machine's kernel provides no virtual interface pair (veth)");
   }
   handshake.parent_says_go();
   if (dhcp_server) {

@@ -4,13 +4,13 @@
 
 namespace simulator::sysroot {
 
-/// Makes the loopback interface of this network namespace carry multicast too, for engines that discover by it.
-/// Failures are left to those engines to report.
+/// Enables multicast on the loopback interface of this network namespace, for engines that use it for discovery.
+/// Failures are left for those engines to report.
 void prepare_loopback();
 
-/// Makes the interface eth0, up and without address. Its far end, srv0 with address 10.77.0.1/24, lies in a network
-/// namespace of its own that a child process keeps; with `dhcp_server` that process is a DHCP server, which answers
-/// when this returns. Throws std::runtime_error where the machine gives no such interface or the server does not start.
+/// Creates the interface eth0, up and without address. Its far end, srv0 with address 10.77.0.1/24, is in its own
+/// network namespace, kept by a child process; with `dhcp_server` that process is a DHCP server, ready when this
+/// returns. Throws std::runtime_error if the interface cannot be created or the server does not start.
 void make_eth0(bool dhcp_server);
 
 }  // namespace simulator::sysroot

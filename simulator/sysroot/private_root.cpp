@@ -52,7 +52,7 @@ PrivateRoot::PrivateRoot(const StateFolder& state, const RootOptions& options) {
   process::ChildOptions child;
   child.descriptors = {{options.input, 0}, {options.output, 1}, {options.error, 2}};
   child.dies_with_starter = true;
-  // The terminal's signals reach only the starter, which then ends the unit in good order.
+  // The terminal's signals reach only the starter, which then stops the unit cleanly.
   child.own_session = true;
   try {
     process_ = process::start_program(bwrap.line(environment, init_line(options, ends[0])), child);

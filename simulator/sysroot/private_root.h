@@ -13,13 +13,13 @@
 
 namespace simulator::sysroot {
 
-/// What runs in a private root.
+/// Options of a private root.
 struct RootOptions {
   std::filesystem::path build;  ///< the build folder: bin/ and lib/; seen inside as /opt/unit
-  bool services = false;        ///< the naming service and the unit's services run, ready before the command starts
-  bool network = false;         ///< there is an interface eth0
-  bool dhcp_server = false;     ///< a DHCP server answers on eth0's far end; implies `network`
-  /// Environment beside what every unit has (PATH, HOME, CYCLONEDDS_URI, …).
+  bool services = false;        ///< run the naming service and the unit's services, ready before the command starts
+  bool network = false;         ///< create the interface eth0
+  bool dhcp_server = false;     ///< run a DHCP server at eth0's far end; implies `network`
+  /// Additional environment, besides that of every unit (PATH, HOME, CYCLONEDDS_URI, …).
   std::vector<std::pair<std::string, std::string>> environment;
   std::vector<std::string> command;  ///< as seen inside
   int output = 1;                    ///< descriptors that become the command's standard streams
@@ -28,22 +28,22 @@ struct RootOptions {
 };
 
 /// A running private root: a process tree with its own users, processes, network and file system, on a state folder.
-/// Nothing that happens inside changes anything outside but the state folder. Everything inside ends with the object,
-/// and with the process that started it, however that ends. One thread at a time.
+/// Outside, only the state folder can be changed from inside. Everything inside ends with the object, and with the
+/// process that started it, however that dies. One thread at a time.
 class PrivateRoot {
 public:
-  /// Starts it; returns at once. Must be called on the process's main thread: the root ends with its starter's thread.
-  /// Throws std::system_error.
+  /// Starts it and returns at once. Call on the process's main thread: the root ends with the starting thread. Throws
+  /// std::system_error.
   PrivateRoot(const StateFolder& state, const RootOptions& options);
   ~PrivateRoot();
   PrivateRoot(const PrivateRoot&) = delete;
   PrivateRoot& operator=(const PrivateRoot&) = delete;
 
-  /// The command's exit status (128 + number where a signal ended it), none while it runs.
+  /// The command's exit status (128 + number if killed by a signal), none while it runs.
   std::optional<int> poll();
-  /// Waits for the command's end. Everything else inside has ended too when this returns.
+  /// Waits until the command exits. Everything else inside has also ended when this returns.
   int wait();
-  /// Ends everything inside; returns when it has ended.
+  /// Stops everything inside and waits for it.
   void stop();
 
 private:

@@ -22,7 +22,7 @@ constexpr const char* UNITS_FOLDER = "/tmp";
 constexpr const char* UNIT_PREFIX = "unit-";
 constexpr const char* SEEN_INSIDE[] = {"sys", "tmp", "run", "root"};
 
-/// Runs last of all in a shutdown; leaves its line in the record of calls, and a mark for whoever waits for it.
+/// Runs last in a shutdown; adds a line to the record of calls and creates a marker file.
 constexpr const char* SHUTDOWN_SCRIPT =
     "#!/bin/sh\n"
     "/opt/unit/bin/unit-record /root/.shutdown\n"
@@ -38,14 +38,14 @@ void write_file(const fs::path& path, const char* text, fs::perms permissions) {
   fs::permissions(path, permissions);
 }
 
-/// Hands what the unit sees to the user as whom its programs run.
+/// Makes the user of the unit's programs the owner of the folders that the unit sees.
 void hand_over(const fs::path& folder) {
   if (geteuid() != 0) {
     return;
   }
   const auto hand_over_one = [](const fs::path& path) {
     if (lchown(path.c_str(), UNIT_USER_OF_ROOT, UNIT_USER_OF_ROOT) != 0) {
-      throw StateFolderError(path.string() + ": cannot be handed to the unit: " + std::strerror(errno));
+      throw StateFolderError(path.string() + ": cannot change the owner: " + std::strerror(errno));
     }
   };
   hand_over_one(folder);
@@ -57,10 +57,11 @@ void hand_over(const fs::path& folder) {
 }  // namespace
 
 StateFolder StateFolder::make() {
-  // The lock is taken before the folder has the name by which it is found.
+  // The lock is taken before the folder gets the name under which it is found.
   std::string hidden = std::string(UNITS_FOLDER) + "/.unit-XXXXXX";
   if (mkdtemp(hidden.data()) == nullptr) {
-    throw StateFolderError(std::string("no state folder can be made in ") + UNITS_FOLDER + ": " + std::strerror(errno));
+    throw StateFolderError(std::string("cannot create a state folder in ") + UNITS_FOLDER + ": " +
+                           std::strerror(errno));
   }
   StateFolder folder(hidden, true);
   folder.lock();
@@ -74,13 +75,13 @@ StateFolder StateFolder::make() {
 StateFolder StateFolder::at(const fs::path& path) {
   const fs::path whole = fs::absolute(path).lexically_normal();
   if ((whole / "run/unit/host.sock").string().size() >= sizeof(sockaddr_un::sun_path)) {
-    throw StateFolderError(whole.string() + ": the name is too long for a state folder, whose sockets have at most " +
+    throw StateFolderError(whole.string() + ": name too long for a state folder: its socket paths may have at most " +
                            std::to_string(sizeof(sockaddr_un::sun_path) - 1) + " bytes");
   }
   std::error_code error;
   fs::create_directories(whole, error);
   if (error) {
-    throw StateFolderError(whole.string() + ": cannot be made: " + error.message());
+    throw StateFolderError(whole.string() + ": cannot be created: " + error.message());
   }
   if (!fs::is_empty(whole) && !fs::exists(whole / LOCK_NAME)) {
     throw StateFolderError(whole.string() + ": neither empty nor a unit's state folder");
@@ -119,7 +120,7 @@ void StateFolder::lock() {
     throw StateFolderError(path_.string() + ": cannot be written: " + std::strerror(errno));
   }
   if (flock(lock_, LOCK_EX | LOCK_NB) != 0) {
-    throw StateFolderError(path_.string() + ": a unit runs on this state folder");
+    throw StateFolderError(path_.string() + ": a unit is running on this state folder");
   }
 }
 
@@ -127,7 +128,7 @@ void StateFolder::make_folders() const {
   for (const char* name : SEEN_INSIDE) {
     fs::create_directory(path_ / name);
   }
-  // As on the unit: anybody may write, and files belong to who made them.
+  // As on the unit: anybody may write, and files belong to their creator.
   fs::permissions(path_ / "tmp", fs::perms::all | fs::perms::sticky_bit);
 }
 

@@ -9,7 +9,7 @@
 
 namespace simulator::sysroot {
 
-/// A state folder that cannot be used; what() says which and why.
+/// A state folder that cannot be used; what() names it and the reason.
 class StateFolderError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
@@ -19,23 +19,23 @@ public:
 ///
 ///     sys/ tmp/ run/ root/   what the unit sees as /sys /tmp /run /root
 ///     run/unit/              model, events.jsonl, calls.jsonl, host.sock, log/
-///     lock                   locked as long as the unit runs
+///     lock                   locked while the unit runs
 ///
-/// Owned by whoever starts the unit; where that is root, the four folders belong to the user nobody, as whom the unit's
-/// programs run. One thread at a time.
+/// Owned by the user who starts the unit; for root, the four folders belong to nobody, the user of the unit's programs.
+/// One thread at a time.
 class StateFolder {
 public:
-  /// A new folder /tmp/unit-…, removed with the object.
+  /// A new folder /tmp/unit-…, removed by the destructor.
   static StateFolder make();
-  /// The folder `path`, made where there is none, and kept. What an earlier unit left in it is removed; a folder that
-  /// is neither empty nor a state folder is refused, and so is that of a running unit. Throws StateFolderError.
+  /// The folder `path`, created if missing, and kept. The contents of an earlier unit are removed. Throws
+  /// StateFolderError if the folder is neither empty nor a state folder, or if a unit is running on it.
   static StateFolder at(const std::filesystem::path& path);
 
   StateFolder(StateFolder&& other) noexcept;
   StateFolder& operator=(StateFolder&&) = delete;
   ~StateFolder();
 
-  /// Makes the unit: its model and sysfs files as `values` sets them, the usual shutdown script, empty logs.
+  /// Creates the unit: its model and sysfs files with `values`, the usual shutdown script, empty logs.
   void fill(const model::UnitModel::Fill& values) const;
 
   const std::filesystem::path& path() const noexcept { return path_; }
@@ -51,9 +51,9 @@ private:
   int lock_ = -1;
 };
 
-/// Whether a unit runs on that state folder.
+/// Whether a unit is running on the state folder.
 bool is_running(const std::filesystem::path& state);
-/// The state folders below /tmp on which units of this user run, in no order.
+/// The state folders below /tmp of this user's running units, in no order.
 std::vector<std::filesystem::path> running_units();
 
 }  // namespace simulator::sysroot

@@ -5,9 +5,9 @@
 namespace simulator::sysroot {
 namespace {
 
-/// Participants announce themselves by multicast on the loopback interface, so that engines with ports of their own
-/// choice (OpenDDS) are found; everything else goes to its receiver directly. An announcement is answered by multicast
-/// too: an engine may read no announcements at the port that it names for the rest of discovery.
+/// Participants announce themselves by multicast on the loopback interface, so that engines that choose their own ports
+/// (OpenDDS) are found; everything else is sent by unicast. Announcements are also answered by multicast: an engine may
+/// ignore announcements at the port that it names for the rest of discovery.
 constexpr const char* CYCLONE_CONFIGURATION =
     "<CycloneDDS><Domain id=\"any\"><General>"
     "<Interfaces><NetworkInterface name=\"lo\" multicast=\"true\"/></Interfaces>"
@@ -17,8 +17,8 @@ constexpr const char* CYCLONE_CONFIGURATION =
     "<Internal><UnicastResponseToSPDPMessages>false</UnicastResponseToSPDPMessages></Internal>"
     "</Domain></CycloneDDS>";
 
-/// OpenDDS finds the other processes by multicast on the loopback interface and sends to them directly. With its own
-/// heartbeat and repair times a value that was published before its reader came would take seconds.
+/// OpenDDS discovers the other processes by multicast on the loopback interface and sends by unicast. With its default
+/// heartbeat and repair times a late reader would wait seconds for a value published earlier.
 constexpr const char* OPENDDS_CONFIGURATION =
     "[common]\n"
     "DCPSGlobalTransportConfig=$file\n"

@@ -1,4 +1,5 @@
-// First process of a unit's private root: makes it the unit, runs the command, and takes everything with it at its end.
+// First process of a unit's private root: sets up the unit and runs the command. Its exit ends every other process
+// inside.
 
 #include <fcntl.h>
 #include <poll.h>
@@ -34,7 +35,7 @@ constexpr const char* USAGE =
     "usage: unit-init --lifeline DESCRIPTOR [--services PORT] [--network] [--dhcp-server] -- COMMAND…\n"
     "First process of a unit's private root; started by \"unit\".\n";
 
-/// Makes this process's surroundings the unit's. Throws std::runtime_error.
+/// Sets up the unit around this process. Throws std::runtime_error.
 void prepare(const Orders& orders) {
   std::filesystem::create_directories("/run/unit/log");
   simulator::sysroot::prepare_loopback();
@@ -50,7 +51,7 @@ void prepare(const Orders& orders) {
   }
 }
 
-/// The command's status once it has ended, of all children that have.
+/// Reaps all exited children; returns the command's status if it is one of them.
 std::optional<int> reap(pid_t command) {
   std::optional<int> result;
   int status = 0;
@@ -62,7 +63,7 @@ std::optional<int> reap(pid_t command) {
   return result;
 }
 
-/// Waits until the command ends or the unit is to end; the status to end with.
+/// Waits until the command exits or the unit must end; returns the exit status.
 int look_after(pid_t command, int lifeline, int children) {
   pollfd events[] = {{children, POLLIN, 0}, {lifeline, POLLIN, 0}};
   for (;;) {
@@ -106,6 +107,6 @@ int main(int argc, char** argv) {
   } catch (const std::exception& error) {
     std::fprintf(stderr, "unit: %s\n", error.what());
   }
-  // The end of a root's first process ends every other one in it.
+  // When the first process of a root exits, all others in it are killed.
   _exit(status);
 }

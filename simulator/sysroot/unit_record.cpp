@@ -1,4 +1,4 @@
-// Appends one line to the unit's record of calls, where it is on: unit-record WHERE
+// Appends one line to the unit's record of calls if it is on: unit-record WHERE
 
 #include <cstdio>
 #include <exception>

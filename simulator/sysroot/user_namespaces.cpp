@@ -14,17 +14,17 @@
 namespace simulator::sysroot {
 namespace {
 
-/// What of it went wrong.
+/// The step that failed.
 enum Step : int { NOTHING, NAMESPACES, RIGHTS, PROC };
 
-/// Ends the process: tells which step failed, and why, through the pipe.
+/// Reports the failed step, if any, and the error through the pipe, then exits.
 [[noreturn]] void report(int pipe, Step step) {
   const int failure[] = {step, step == NOTHING ? 0 : errno};
   [[maybe_unused]] const ssize_t written = write(pipe, failure, sizeof failure);
   _exit(0);
 }
 
-/// The child's part: enters namespaces as the unit's programs will.
+/// In the child: enters namespaces as the unit's programs will.
 [[noreturn]] void try_namespaces(int pipe) {
   constexpr unsigned USER = UNIT_USER_OF_ROOT;
   if (geteuid() == 0 &&
@@ -34,11 +34,11 @@ enum Step : int { NOTHING, NAMESPACES, RIGHTS, PROC };
   if (unshare(CLONE_NEWUSER | CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWIPC | CLONE_NEWUTS | CLONE_NEWNET) != 0) {
     report(pipe, NAMESPACES);
   }
-  // Some machines hand out namespaces without the rights that come with them.
+  // Some machines grant namespaces without the privileges in them.
   if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
     report(pipe, RIGHTS);
   }
-  // A new /proc needs a process of the new namespace, and a /proc outside of which nothing is hidden.
+  // Mounting a new /proc requires a process of the new namespace and an outer /proc with nothing hidden.
   const pid_t first_inside = _Fork();
   if (first_inside == 0) {
     report(pipe, mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr) == 0 ? NOTHING : PROC);
@@ -47,7 +47,7 @@ enum Step : int { NOTHING, NAMESPACES, RIGHTS, PROC };
   _exit(0);
 }
 
-/// The number that a kernel setting holds; none where the kernel has no such setting.
+/// The value of a kernel setting; none if the kernel has no such setting.
 std::optional<long> kernel_setting(const char* path) {
   std::ifstream file(path);
   long value = 0;
@@ -64,10 +64,10 @@ std::string how_to_enable() {
   if (kernel_setting("/proc/sys/kernel/apparmor_restrict_unprivileged_userns") == 1) {
     return "enable them with: sysctl -w kernel.apparmor_restrict_unprivileged_userns=0";
   }
-  return "where this is a container, its seccomp profile or its limits forbid them: start it so that unshare(2) with "
-         "CLONE_NEWUSER is allowed (for example --security-opt seccomp=unconfined); else look at the settings "
+  return "in a container, the seccomp profile or limits forbid them: allow unshare(2) with CLONE_NEWUSER (for example "
+         "--security-opt seccomp=unconfined); otherwise check the sysctl settings "
          "kernel.unprivileged_userns_clone, user.max_user_namespaces and "
-         "kernel.apparmor_restrict_unprivileged_userns of sysctl";
+         "kernel.apparmor_restrict_unprivileged_userns";
 }
 
 }  // namespace
@@ -78,9 +78,9 @@ std::optional<std::string> missing_for_private_root() {
   }
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) {
-    return std::string("no pipe can be made: ") + std::strerror(errno);
+    return std::string("cannot create a pipe: ") + std::strerror(errno);
   }
-  // Only a process of one thread may enter a user namespace; a sanitizer would start a thread of its own after fork().
+  // Only a single-threaded process may enter a user namespace; a sanitizer would start a thread after fork().
   const pid_t child = _Fork();
   if (child == 0) {
     try_namespaces(ends[1]);
@@ -96,7 +96,7 @@ std::optional<std::string> missing_for_private_root() {
       return std::nullopt;
     case PROC:
       return "the simulated unit needs a /proc of its own, which this machine refuses (" + reason +
-             "); where this is a container, parts of its /proc are hidden: start it so that they are not (for example "
+             "); in a container, parts of /proc are hidden: start it without that (for example "
              "--security-opt systempaths=unconfined)";
     default:
       return "the simulated unit needs user namespaces, which this machine refuses (" + reason + "); " +

@@ -18,7 +18,7 @@ using simulator::model::UnitModel;
 constexpr int FAILED = 1;
 constexpr int MISUSED = 2;
 
-/// The whole text as a number, decimal or with 0x; throws where it is none.
+/// The whole text as a number, decimal or hexadecimal (0x); throws if it is not one.
 unsigned long number(const std::string& text) {
   std::size_t used = 0;
   const unsigned long value = std::stoul(text, &used, 0);
@@ -28,7 +28,7 @@ unsigned long number(const std::string& text) {
   return value;
 }
 
-/// Prints the sensor's register the way the unit's sensors are set to. Returns the exit status.
+/// Prints the sensor's register according to the unit's settings. Returns the exit status.
 int read_mic284(UnitModel& unit) {
   const Fault fault = unit.watched() ? unit.cross(Point::I2C_READ, "{}") : Fault{};
   if (fault.kind == FaultKind::FAIL) {
@@ -45,7 +45,7 @@ int read_mic284(UnitModel& unit) {
 int run(const std::vector<std::string>& arguments) {
   const bool is_mic284 = number(arguments[0]) == 3 && number(arguments[1]) == 0x48 && number(arguments[2]) == 0;
   if (!is_mic284) {
-    std::fprintf(stderr, "i2c_read: nothing answers on bus %s, device %s, register %s\n", arguments[0].c_str(),
+    std::fprintf(stderr, "i2c_read: no response on bus %s, device %s, register %s\n", arguments[0].c_str(),
                  arguments[1].c_str(), arguments[2].c_str());
     return FAILED;
   }

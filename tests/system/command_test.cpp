@@ -54,7 +54,7 @@ TEST_F(CommandTest, CallRefusesWhatTheHostRefuses) {
   const Ending ending = command("call", {"Nope"});
   EXPECT_THAT(ending, ExitedWith(2));
   EXPECT_EQ(ending.out, "");
-  EXPECT_THAT(ending.err, HasSubstr("there is no operation \"Nope\""));
+  EXPECT_THAT(ending.err, HasSubstr("unknown operation \"Nope\""));
 }
 
 TEST_F(CommandTest, InterruptReachesTheLibrary) {
@@ -85,7 +85,7 @@ TEST_F(CommandTest, ARunningUnitIsShutDown) {
 TEST_F(CommandTest, AStateFolderServesOneUnitAtATime) {
   const Ending ending = unit_command({"run", "--once", "--state", state_});
   EXPECT_THAT(ending, ExitedWith(2));
-  EXPECT_EQ(ending.err, "unit: " + state_ + ": a unit runs on this state folder\n");
+  EXPECT_EQ(ending.err, "unit: " + state_ + ": a unit is running on this state folder\n");
 }
 
 TEST_F(CommandTest, AUnitEndsWithItsCommandHoweverThatEnds) {
@@ -94,7 +94,7 @@ TEST_F(CommandTest, AUnitEndsWithItsCommandHoweverThatEnds) {
   EXPECT_TRUE(eventually([this] { return !simulator::sysroot::is_running(state_); }));
   const Ending ending = command("get", {"board.handle"});
   EXPECT_THAT(ending, ExitedWith(2));
-  EXPECT_EQ(ending.err, "unit: " + state_ + ": no unit runs on that state folder\n");
+  EXPECT_EQ(ending.err, "unit: " + state_ + ": no unit is running on this state folder\n");
 }
 
 TEST(ExecTest, TheStatusIsTheCommands) {

@@ -70,7 +70,7 @@ TEST_F(RunningUnitTest, WithoutAUnitTheCommandSaysHowToStartOne) {
   const Ending ending = script("unit get board.handle");
   EXPECT_THAT(ending, ExitedWith(2));
   EXPECT_EQ(ending.out, "");
-  EXPECT_EQ(ending.err, "unit: no unit runs; start one with \"unit run\"\n");
+  EXPECT_EQ(ending.err, "unit: no unit is running; start one with \"unit run\"\n");
 }
 
 TEST_F(RunningUnitTest, OfSeveralUnitsOneMustBeChosen) {
@@ -82,7 +82,7 @@ TEST_F(RunningUnitTest, OfSeveralUnitsOneMustBeChosen) {
       "exit $status");
   EXPECT_THAT(ending, ExitedWith(2));
   EXPECT_EQ(ending.out, "");
-  EXPECT_THAT(ending.err, MatchesRegex("unit: several units run; choose one with --unit-state: "
+  EXPECT_THAT(ending.err, MatchesRegex("unit: several units are running; choose one with --unit-state: "
                                        "/tmp/unit-[A-Za-z0-9]{6} /tmp/unit-[A-Za-z0-9]{6}\n"));
 }
 
@@ -93,7 +93,7 @@ TEST_F(RunningUnitTest, AFolderWhoseUnitWasKilledDoesNotCount) {
       "unit get board.handle");
   EXPECT_THAT(ending, ExitedWith(2));
   EXPECT_THAT(ending.out, MatchesRegex("/tmp/unit-[A-Za-z0-9]{6}/lock\n3\n"));
-  EXPECT_EQ(ending.err, "unit: no unit runs; start one with \"unit run\"\n");
+  EXPECT_EQ(ending.err, "unit: no unit is running; start one with \"unit run\"\n");
 }
 
 TEST_F(RunningUnitTest, AUnitOnAFolderElsewhereIsFoundByItsFolderOnly) {
@@ -105,7 +105,7 @@ TEST_F(RunningUnitTest, AUnitOnAFolderElsewhereIsFoundByItsFolderOnly) {
       "end -TERM $unit; exit $status");
   EXPECT_THAT(ending, ExitedWith(0));
   EXPECT_EQ(ending.out, "3\n");
-  EXPECT_EQ(ending.err, "unit: no unit runs; start one with \"unit run\"\n");
+  EXPECT_EQ(ending.err, "unit: no unit is running; start one with \"unit run\"\n");
 }
 
 }  // namespace

@@ -96,7 +96,7 @@ protected:
 TEST_F(ScreenTest, ShowsTheUnitAndGivesTheTerminalBack) {
   ASSERT_TRUE(terminal_.shows("\nLibrary's output\x1b[K\n  BASE_HARDWARE::BASE_HARDWARE1 0x"));
   ASSERT_TRUE(terminal_.shows("\x1b[J"));
-  EXPECT_THAT(picture(), StartsWith("Simulated unit   " + state_ + "   Ctrl-C ends it\n\nVersions\n"));
+  EXPECT_THAT(picture(), StartsWith("Simulated unit   " + state_ + "   Ctrl-C stops it\n\nVersions\n"));
   EXPECT_THAT(picture(), HasSubstr("  RF Card ID                          88993 (5300)\n"));
   EXPECT_THAT(picture(), HasSubstr("\nTemperatures\n  RF Temperature                      31.01001 °C\n"));
   EXPECT_THAT(picture(), HasSubstr("\nPower\n  Battery charge                      57 %\n"));

@@ -28,31 +28,29 @@ TEST(ArgumentsTest, TakesEveryNumberOf32BitsAndRefusesTheNext) {
   const auto number = [](const Arguments& arguments) { arguments.number(0, "n"); };
   EXPECT_EQ(refusal({2147483647}, number), "");
   EXPECT_EQ(refusal({-2147483648LL}, number), "");
-  EXPECT_EQ(refusal({2147483648LL}, number),
-            "Op: argument 1 (n): expected a whole number of 32 bits with sign, got 2147483648");
-  EXPECT_EQ(refusal({-2147483649LL}, number),
-            "Op: argument 1 (n): expected a whole number of 32 bits with sign, got -2147483649");
-  EXPECT_EQ(refusal({1.5}, number), "Op: argument 1 (n): expected a whole number of 32 bits with sign, got 1.5");
+  EXPECT_EQ(refusal({2147483648LL}, number), "Op: argument 1 (n): expected a signed 32-bit integer, got 2147483648");
+  EXPECT_EQ(refusal({-2147483649LL}, number), "Op: argument 1 (n): expected a signed 32-bit integer, got -2147483649");
+  EXPECT_EQ(refusal({1.5}, number), "Op: argument 1 (n): expected a signed 32-bit integer, got 1.5");
 }
 
 TEST(ArgumentsTest, TakesEveryWordOf32BitsAndRefusesTheNext) {
   const auto word = [](const Arguments& arguments) { arguments.word(1, "w"); };
   EXPECT_EQ(refusal({0, 4294967295U}, word), "");
   EXPECT_EQ(refusal({0, 4294967296ULL}, word),
-            "Op: argument 2 (w): expected a whole number of 32 bits without sign, got 4294967296");
-  EXPECT_EQ(refusal({0, -1}, word), "Op: argument 2 (w): expected a whole number of 32 bits without sign, got -1");
-  EXPECT_EQ(refusal({0}, word), "Op: argument 2 (w): expected a whole number of 32 bits without sign, got nothing");
+            "Op: argument 2 (w): expected an unsigned 32-bit integer, got 4294967296");
+  EXPECT_EQ(refusal({0, -1}, word), "Op: argument 2 (w): expected an unsigned 32-bit integer, got -1");
+  EXPECT_EQ(refusal({0}, word), "Op: argument 2 (w): expected an unsigned 32-bit integer; missing");
 }
 
 TEST(ArgumentsTest, RefusesWhatIsOfAnotherKind) {
   EXPECT_EQ(refusal({1}, [](const Arguments& arguments) { arguments.flag(0, "f"); }),
             "Op: argument 1 (f): expected true or false, got 1");
   EXPECT_EQ(refusal({true}, [](const Arguments& arguments) { arguments.text(0, "t"); }),
-            "Op: argument 1 (t): expected a text, got true");
+            "Op: argument 1 (t): expected text, got true");
   EXPECT_EQ(refusal({"1.5"}, [](const Arguments& arguments) { arguments.real(0, "r"); }),
             "Op: argument 1 (r): expected a number, got \"1.5\"");
   EXPECT_EQ(refusal({1, 2}, [](const Arguments& arguments) { arguments.at_most(1); }),
-            "Op: expected at most 1 arguments, got 2");
+            "Op: expected at most 1 argument, got 2");
 }
 
 TEST(ArgumentsTest, ReadsRowsGivenBeforeTheCall) {

@@ -42,34 +42,32 @@ TEST_F(RequestsTest, RefusesWhatIsNoRequest) {
   EXPECT_EQ(serve(""), NO_OBJECT);
   EXPECT_EQ(serve("{\"call\":"), NO_OBJECT);
   EXPECT_EQ(serve("[1]"), NO_OBJECT);
-  EXPECT_EQ(
-      serve(R"({"call":"GetBW","what":1})"),
-      R"({"error":"request: key \"what\": expected \"id\", \"call\" with a text or \"args\" with an array","id":null})");
-  EXPECT_EQ(
-      serve(R"({"call":"GetBW","args":1})"),
-      R"({"error":"request: key \"args\": expected \"id\", \"call\" with a text or \"args\" with an array","id":null})");
+  EXPECT_EQ(serve(R"({"call":"GetBW","what":1})"),
+            R"_({"error":"request: key \"what\": expected \"id\", \"call\" (text) or \"args\" (array)","id":null})_");
+  EXPECT_EQ(serve(R"({"call":"GetBW","args":1})"),
+            R"_({"error":"request: key \"args\": expected \"id\", \"call\" (text) or \"args\" (array)","id":null})_");
   EXPECT_EQ(serve(R"({"id":1})"),
             R"({"error":"request: expected the key \"call\" with the name of an operation","id":null})");
 }
 
 TEST_F(RequestsTest, RefusesUnknownOperationsAndBadArguments) {
   EXPECT_EQ(serve(R"({"id":1,"call":"Nope"})"),
-            R"({"error":"request: there is no operation \"Nope\"; \"operations\" lists them","id":1})");
+            R"({"error":"request: unknown operation \"Nope\"; \"operations\" lists them","id":1})");
   EXPECT_EQ(serve(R"({"id":2,"call":"StartDHCP"})"),
-            R"({"error":"StartDHCP: argument 1 (interface): expected a text, got nothing","id":2})");
+            R"({"error":"StartDHCP: argument 1 (interface): expected text; missing","id":2})");
   EXPECT_THAT(hardware_.calls, testing::IsEmpty());
 }
 
 TEST_F(RequestsTest, CallsNothingWithoutAHardwareObject) {
   Hardware = nullptr;
-  EXPECT_EQ(serve(R"({"id":1,"call":"GetBW"})"), R"({"error":"GetBW: there is no hardware object","id":1})");
+  EXPECT_EQ(serve(R"({"id":1,"call":"GetBW"})"), R"({"error":"GetBW: no hardware object","id":1})");
   EXPECT_EQ(serve(R"({"id":2,"call":"hardware"})"), R"({"id":2,"result":"none"})");
 }
 
 TEST_F(RequestsTest, CallsNothingOnTheHostsStandIn) {
   Requests preset(true);
   EXPECT_EQ(preset.serve(R"({"id":1,"call":"GetBW"})").line,
-            R"({"error":"GetBW: the hardware object is the host's stand-in","id":1})");
+            R"({"error":"GetBW: the hardware object is the host's dummy","id":1})");
   EXPECT_EQ(preset.serve(R"({"id":2,"call":"hardware"})").line, R"({"id":2,"result":"preset"})");
 }
 

@@ -56,7 +56,7 @@ TEST(HostClientTest, AnExceptionIsAFailure) {
 TEST(HostClientTest, AHostThatEndsIsAFailure) {
   FakeHost host({""});
   HostClient client(host.path());
-  EXPECT_EQ(error_of(client, tool::STATUS_FAILED), "the host has ended");
+  EXPECT_EQ(error_of(client, tool::STATUS_FAILED), "the host exited");
 }
 
 TEST(HostClientTest, EachWaitIsTheCallers) {
@@ -80,7 +80,7 @@ TEST(HostClientTest, WhereNobodyListensThereIsNoHost) {
     HostClient client(path);
     FAIL() << "connected";
   } catch (const CommandError& error) {
-    EXPECT_EQ(error.what(), path + ": no host answers there: No such file or directory");
+    EXPECT_EQ(error.what(), path + ": cannot connect to the host: No such file or directory");
   }
 }
 

@@ -28,7 +28,7 @@ TEST(RunningUnitTest, AChosenUnitIsTakenWhileItRuns) {
     FAIL() << "taken";
   } catch (const CommandError& error) {
     EXPECT_EQ(error.status, tool::STATUS_BAD_USAGE);
-    EXPECT_EQ(error.what(), unit.chosen + ": no unit runs on that state folder");
+    EXPECT_EQ(error.what(), unit.chosen + ": no unit is running on this state folder");
   }
 }
 
@@ -40,7 +40,7 @@ TEST(RunningUnitTest, SeveralUnitsMustBeChosenFrom) {
     FAIL() << "taken";
   } catch (const CommandError& error) {
     const std::string text = error.what();
-    EXPECT_EQ(text.rfind("several units run; choose one with --unit-state:", 0), 0U) << text;
+    EXPECT_EQ(text.rfind("several units are running; choose one with --unit-state:", 0), 0U) << text;
     EXPECT_NE(text.find(" " + one.path().string()), std::string::npos);
     EXPECT_NE(text.find(" " + other.path().string()), std::string::npos);
   }

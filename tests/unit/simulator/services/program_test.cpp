@@ -101,7 +101,7 @@ TEST_F(Program, StartsAgainOverTheNamesOfAnEarlierRun) {
 
 TEST_F(Program, RefusesAServiceThatThereIsNot) {
   EXPECT_EQ(run({"--only", "toaster"}, variables()), 2);
-  EXPECT_NE(services_output().find("there is no service toaster"), std::string::npos) << services_output();
+  EXPECT_NE(services_output().find("unknown service toaster"), std::string::npos) << services_output();
 }
 
 TEST_F(Program, RefusesAnOptionThatThereIsNot) {

@@ -127,7 +127,7 @@ TEST_F(UnitFileTest, MoreRegistersThanThereIsRoomForAreRefused) {
   EXPECT_NO_THROW(unit_with(file.dump()));
   file["board"]["register"]["9"]["4000"] = 1;
   EXPECT_STREQ(refusal_of(file.dump()).what(),
-               "unit.json: board.register: holds 4001 registers; a unit file has room for 4000");
+               "unit.json: board.register: holds 4001 registers; a unit file may hold 4000");
 }
 
 TEST_F(UnitFileTest, AKeyGivenTwiceIsRefused) {

@@ -17,8 +17,7 @@ TEST(NamingTest, ServicesWhosePortIsNoNumberAreNotWaitedFor) {
     simulator::sysroot::start_services();
     FAIL() << "started";
   } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(),
-                 "the process of the unit's services has ended before it was ready; see /run/unit/log/services.log");
+    EXPECT_STREQ(error.what(), "unit-services exited before it was ready; see /run/unit/log/services.log");
   }
   ::setenv("UNIT_NAMING_PORT", port.c_str(), 1);
 }

@@ -24,7 +24,7 @@ TEST(NetworkTest, ASecondInterfaceOfThatNameIsRefused) {
     simulator::sysroot::make_eth0(false);
     FAIL() << "made";
   } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "no interface eth0: this machine's kernel gives no pair of virtual interfaces (veth)");
+    EXPECT_STREQ(error.what(), "cannot create eth0: this machine's kernel provides no virtual interface pair (veth)");
   }
 }
 

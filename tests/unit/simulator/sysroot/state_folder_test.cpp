@@ -67,13 +67,14 @@ TEST_F(StateFolderTest, AnEarlierUnitIsRemovedFromAChosenFolder) {
 
 TEST_F(StateFolderTest, AFolderInUseOrOfSomethingElseIsRefused) {
   const StateFolder state = StateFolder::at(path_);
-  EXPECT_EQ(refusal_of(path_), path_ + ": a unit runs on this state folder");
+  EXPECT_EQ(refusal_of(path_), path_ + ": a unit is running on this state folder");
   fs::create_directory(folder_ / "other");
   write_text(folder_ / "other/file", "text");
   EXPECT_EQ(refusal_of(folder_ / "other"), folder_ / "other" + ": neither empty nor a unit's state folder");
   EXPECT_EQ(text_of(folder_ / "other/file"), "text");
-  EXPECT_EQ(refusal_of(folder_ / "other/file/below").substr(0, (folder_ / "other/file/below: cannot be made").size()),
-            folder_ / "other/file/below: cannot be made");
+  EXPECT_EQ(
+      refusal_of(folder_ / "other/file/below").substr(0, (folder_ / "other/file/below: cannot be created").size()),
+      folder_ / "other/file/below: cannot be created");
 }
 
 TEST_F(StateFolderTest, ANameTooLongForItsSocketsIsRefused) {
@@ -81,7 +82,7 @@ TEST_F(StateFolderTest, ANameTooLongForItsSocketsIsRefused) {
       folder_ / std::string(107 - std::string("/run/unit/host.sock").size() - 1 - (folder_ / "").size() + 1, 'x');
   EXPECT_EQ(refusal_of(longest), "taken");
   EXPECT_EQ(refusal_of(longest + "x"),
-            longest + "x: the name is too long for a state folder, whose sockets have at most 107 bytes");
+            longest + "x: name too long for a state folder: its socket paths may have at most 107 bytes");
 }
 
 TEST_F(StateFolderTest, AFilledFolderHoldsTheUnit) {

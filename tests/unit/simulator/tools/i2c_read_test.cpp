@@ -48,7 +48,7 @@ TEST_F(I2cReadTest, PrintsTheSensorsRegisterAsHexadecimalText) {
 TEST_F(I2cReadTest, NothingElseAnswers) {
   EXPECT_EQ(run("3 0x49 0"), 1);
   EXPECT_EQ(out_, "");
-  EXPECT_EQ(err_, "i2c_read: nothing answers on bus 3, device 0x49, register 0\n");
+  EXPECT_EQ(err_, "i2c_read: no response on bus 3, device 0x49, register 0\n");
   EXPECT_EQ(run("2 0x48 0"), 1);
   EXPECT_EQ(run("3 0x48 1"), 1);
 }
