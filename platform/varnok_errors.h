@@ -62,7 +62,7 @@ struct RangeRecord {
 /// An argument lies outside the range that the operation accepts; what() is the record's description.
 class __attribute__((visibility("default"))) DataOutOfRangeException : public std::runtime_error {
 public:
-  explicit DataOutOfRangeException(const RangeRecord& range);
+  explicit DataOutOfRangeException(const RangeRecord& record);
   ~DataOutOfRangeException() override;
 
   RangeRecord range;

@@ -13,11 +13,11 @@ namespace {
 using Listener = DDS::DataReaderListener;
 
 /// Fetches a status of Cyclone's reader and reports it.
-template <auto get, auto operation, typename CycloneStatus>
+template <auto Get, auto Operation, typename CycloneStatus>
 void report(DataReaderImpl& reader, Listener& listener) {
   CycloneStatus status{};
-  if (get(reader.cyclone(), &status) == DDS_RETCODE_OK) {
-    (listener.*operation)(&reader, to_dcps(status));
+  if (Get(reader.cyclone(), &status) == DDS_RETCODE_OK) {
+    (listener.*Operation)(&reader, to_dcps(status));
   }
 }
 

@@ -13,7 +13,6 @@ namespace {
 
 using model::Board;
 using model::Faults;
-using model::Point;
 using model::PowerSupply;
 using model::Reply;
 using model::Sensors;
