@@ -26,9 +26,8 @@ std::optional<Orders> read_orders(const std::vector<std::string>& arguments) {
       orders.network = true;
     } else if (*at == "--dhcp-server") {
       orders.dhcp_server = true;
-    } else if (*at == "--lifeline" && has_value && take_number(at[1], HIGHEST_DESCRIPTOR, orders.lifeline)) {
-      ++at;
-    } else if (*at == "--services" && has_value && take_number(at[1], HIGHEST_PORT, orders.naming_port)) {
+    } else if (has_value && ((*at == "--lifeline" && take_number(at[1], HIGHEST_DESCRIPTOR, orders.lifeline)) ||
+                             (*at == "--services" && take_number(at[1], HIGHEST_PORT, orders.naming_port)))) {
       ++at;
     } else {
       return std::nullopt;
