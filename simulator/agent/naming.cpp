@@ -1,6 +1,7 @@
-#include "simulator/sysroot/naming.h"
+#include "simulator/agent/naming.h"
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -11,17 +12,16 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "simulator/model/unit_model.h"
 #include "simulator/process/child_process.h"
 
-namespace simulator::sysroot {
+namespace simulator::agent {
 namespace {
 
 constexpr std::chrono::seconds PATIENCE{10};
 constexpr const char* NAMING_DATA = "/run/unit/names";
-constexpr const char* NAMING_LOG = "/run/unit/log/names.log";
-constexpr const char* SERVICES_LOG = "/run/unit/log/services.log";
 
 bool listens(int port) {
   const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -41,27 +41,36 @@ bool has_ended(pid_t process) {
 
 /// Waits until `ready` returns true; throws if the process exits first or is not ready in time.
 template <typename Ready>
-void wait_until(Ready ready, pid_t process, const std::string& what, const char* log) {
+void wait_until(Ready ready, pid_t process, const std::string& what, const std::string& log) {
   const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
   while (!ready()) {
     if (has_ended(process)) {
-      throw std::runtime_error(what + " exited before it was ready; see " + log);
+      throw std::runtime_error(what + " exited before it was ready; see the log " + log);
     }
     if (std::chrono::steady_clock::now() > deadline) {
-      throw std::runtime_error(what + " was not ready in time; see " + log);
+      throw std::runtime_error(what + " was not ready in time; see the log " + log);
     }
   }
 }
 
+/// Starts a program without input whose output goes to the log.
+pid_t start_into(int log, const std::vector<std::string>& line) {
+  const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  process::ChildOptions options;
+  options.descriptors = {{nothing, STDIN_FILENO}, {log, STDOUT_FILENO}, {log, STDERR_FILENO}};
+  const pid_t process = process::start_program(line, options);
+  close(nothing);
+  return process;
+}
+
 }  // namespace
 
-void start_naming(int port) {
+void start_naming(int port, int log) {
   const std::string number = std::to_string(port);
   std::filesystem::create_directories(NAMING_DATA);
   const pid_t process =
-      process::start_program({"omniNames", "-start", number, "-always", "-datadir", NAMING_DATA, "-nohostname",
-                              "-errlog", NAMING_LOG, "-ORBendPoint", "giop:tcp:127.0.0.1:" + number},
-                             {{}, NAMING_LOG});
+      start_into(log, {"omniNames", "-start", number, "-always", "-datadir", NAMING_DATA, "-nohostname", "-errlog",
+                       "/dev/stderr", "-ORBendPoint", "giop:tcp:127.0.0.1:" + number});
   const auto answers = [port] {
     if (listens(port)) {
       return true;
@@ -69,14 +78,14 @@ void start_naming(int port) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
     return false;
   };
-  wait_until(answers, process, "the naming service", NAMING_LOG);
+  wait_until(answers, process, "the naming service", "naming");
 }
 
-void start_services() {
-  const pid_t process = process::start_program({"/opt/unit/bin/unit-services"}, {{}, SERVICES_LOG});
+void start_services(int log) {
+  const pid_t process = start_into(log, {"/opt/unit/bin/unit-services"});
   const model::Services& services = model::UnitModel::of_this_unit().services();
   const auto applied = [&services] { return services.wait_applied(std::chrono::milliseconds(50)); };
-  wait_until(applied, process, "unit-services", SERVICES_LOG);
+  wait_until(applied, process, "unit-services", "services");
 }
 
-}  // namespace simulator::sysroot
+}  // namespace simulator::agent

@@ -1,9 +1,7 @@
-#include "simulator/sysroot/network.h"
+#include "simulator/agent/network.h"
 
 #include <fcntl.h>
 #include <sched.h>
-#include <signal.h>
-#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,11 +14,10 @@
 
 #include "simulator/process/child_process.h"
 
-namespace simulator::sysroot {
+namespace simulator::agent {
 namespace {
 
 constexpr std::chrono::seconds PATIENCE{5};
-constexpr const char* FAR_END_LOG = "/run/unit/log/network.log";
 
 /// Lets two processes wait for each other: one byte each way.
 class Handshake {
@@ -63,8 +60,7 @@ private:
 };
 
 /// Runs the child that keeps the far end's namespace alive.
-[[noreturn]] void keep_far_end(Handshake& handshake, bool dhcp_server) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
+[[noreturn]] void keep_far_end(Handshake& handshake, bool dhcp_server, int log) {
   handshake.in_child();
   if (unshare(CLONE_NEWNET) != 0 || !handshake.child_says_ready() || !handshake.child_waits() ||
       process::run_program({"ip", "-batch", "-"},
@@ -76,12 +72,15 @@ private:
       pause();
     }
   }
+  process::ChildOptions options;
+  const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  options.descriptors = {{nothing, STDIN_FILENO}, {log, STDOUT_FILENO}, {log, STDERR_FILENO}};
   process::become_program(
       {"dnsmasq", "--keep-in-foreground", "--conf-file=/dev/null", "--user=", "--group=", "--pid-file=", "--port=0",
        "--interface=srv0", "--bind-interfaces", "--dhcp-authoritative", "--no-ping",
        "--dhcp-range=10.77.0.10,10.77.0.50,255.255.255.0,1h", "--dhcp-option=option:dns-server,10.77.0.1",
        "--dhcp-leasefile=/run/unit/leases", "--log-facility=-"},
-      {{}, FAR_END_LOG});
+      options);
 }
 
 /// Whether a socket in that process's network namespace is bound to the DHCP server's port.
@@ -99,7 +98,7 @@ void wait_for_server(pid_t process) {
   const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
   while (!serves_dhcp(process)) {
     if (std::chrono::steady_clock::now() > deadline || !std::filesystem::exists("/proc/" + std::to_string(process))) {
-      throw std::runtime_error(std::string("the DHCP server did not start; see ") + FAR_END_LOG);
+      throw std::runtime_error("the DHCP server did not start; see the log network");
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
@@ -111,11 +110,11 @@ void prepare_loopback() {
   process::run_program({"ip", "-batch", "-"}, "link set lo multicast on\nroute add 224.0.0.0/4 dev lo\n");
 }
 
-void make_eth0(bool dhcp_server) {
+void make_eth0(bool dhcp_server, int log) {
   Handshake handshake;
   const pid_t keeper = fork();
   if (keeper == 0) {
-    keep_far_end(handshake, dhcp_server);
+    keep_far_end(handshake, dhcp_server, log);
   }
   handshake.in_parent();
   if (keeper == -1 || !handshake.parent_waits()) {
@@ -132,4 +131,4 @@ void make_eth0(bool dhcp_server) {
   }
 }
 
-}  // namespace simulator::sysroot
+}  // namespace simulator::agent
