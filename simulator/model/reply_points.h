@@ -1,19 +1,19 @@
 #pragma once
 
+#include <optional>
+
 #include "simulator/model/points.h"
 #include "simulator/model/power_supply.h"
 
-namespace simulator::drivers {
+namespace simulator::model {
 
 /// A reply's points: registration of its function, and request.
 struct ReplyPoints {
-  model::Point registration;
-  model::Point request;
+  Point registration;
+  Point request;
 };
 
-constexpr ReplyPoints points_of(model::Reply reply) noexcept {
-  using model::Point;
-  using model::Reply;
+constexpr ReplyPoints points_of(Reply reply) noexcept {
   switch (reply) {
     case Reply::BATTERY_RELATIVE_STATE_OF_CHARGE:
       return {Point::SET_BATTERY_RELATIVE_STATE_OF_CHARGE_CALLBACK, Point::GET_BATTERY_RELATIVE_STATE_OF_CHARGE};
@@ -35,4 +35,14 @@ constexpr ReplyPoints points_of(model::Reply reply) noexcept {
   return {Point::COUNT, Point::COUNT};
 }
 
-}  // namespace simulator::drivers
+/// The reply that is requested at the point; none if it is no request.
+constexpr std::optional<Reply> reply_requested_at(Point point) noexcept {
+  for (std::uint32_t reply = 0; reply < static_cast<std::uint32_t>(Reply::COUNT); ++reply) {
+    if (points_of(static_cast<Reply>(reply)).request == point) {
+      return static_cast<Reply>(reply);
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace simulator::model
