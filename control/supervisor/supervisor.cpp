@@ -196,9 +196,14 @@ void Supervisor::start_service() {
 }
 
 ordered_json Supervisor::facts() const {
-  return {{"name", folder_.name()},       {"started_at", started_at_},     {"supervisor", getppid()},
-          {"root", root_},                {"library", launch_.library},    {"host", launch_.host},
-          {"services", launch_.services}, {"network", launch_.network || launch_.dhcp_server},
+  return {{"name", folder_.name()},
+          {"version", PROJECT_VERSION},
+          {"started_at", started_at_},
+          {"process", {{"supervisor", getppid()}, {"service", getpid()}, {"root", root_}}},
+          {"host", {{"program", launch_.host.empty() ? ordered_json() : ordered_json(launch_.host)}}},
+          {"library", launch_.library.empty() ? "/opt/unit/lib/libradalt_hardware.so" : library_inside(launch_.library)},
+          {"services", launch_.services},
+          {"network", launch_.network || launch_.dhcp_server},
           {"limits", as_json(launch_.limits)}};
 }
 
@@ -299,27 +304,41 @@ void Supervisor::kill_orphans() {
   }
 }
 
+/// Stops the service at SIGTERM, which is blocked in all its threads.
+void stop_at_signal(service::Service& service) {
+  std::thread([&service] {
+    sigset_t ending;
+    sigemptyset(&ending);
+    sigaddset(&ending, SIGTERM);
+    int number = 0;
+    sigwait(&ending, &number);
+    service.stop();
+  }).detach();
+}
+
 void Supervisor::serve(int listening) {
-  sigset_t none;
-  sigemptyset(&none);
-  sigprocmask(SIG_SETMASK, &none, nullptr);
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   for (const int descriptor : {signals_, root_output_, lifeline_, failure_[0]}) {
     close(descriptor);
   }
-  const ordered_json unit = facts();
+  service::ServiceOptions options;
+  options.agent = agent_;
+  options.listener = listening;
+  options.logs = folder_.logs();
+  options.unit = facts();
+  options.on_ready = [this] { report_.ready(folder_, getppid()); };
   become_service_user();
   int status = STATUS_FAILED;
   try {
-    control::service::Options options;
-    options.agent = agent_;
-    options.listening = listening;
-    options.logs = folder_.logs();
-    options.facts = unit;
-    options.ready = [this] { report_.ready(folder_, getppid()); };
-    options.failed = [this](const std::string& what) { tell_failure(what); };
-    control::service::Service(options).run();
-    status = 0;
+    // Not destroyed: the waiting thread uses it until the process ends.
+    auto& service = *new service::Service(std::move(options));
+    stop_at_signal(service);
+    const service::Ended ended = service.run();
+    if (ended.why == service::Ended::STOPPED) {
+      status = 0;
+    } else {
+      tell_failure(ended.what);
+    }
   } catch (const std::exception& error) {
     tell_failure(error.what());
   }

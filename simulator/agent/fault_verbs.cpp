@@ -22,7 +22,8 @@ Json list(UnitModel& unit) {
                     {"doc", row.doc},
                     {"kinds", kinds},
                     {"armed", settings::text_of(unit.faults().armed_at(row.key))},
-                    {"calls", unit.faults().calls(row.key)}});
+                    {"calls", unit.faults().calls(row.key)},
+                    {"hits", unit.faults().hits(row.key)}});
   }
   return {{"faults", rows}};
 }

@@ -6,7 +6,7 @@
 
 #include "simulator/agent/refusal.h"
 #include "simulator/agent/verbs.h"
-#include "simulator/settings/settings.h"
+#include "simulator/settings/values.h"
 
 namespace simulator::agent {
 namespace {
@@ -58,7 +58,7 @@ Json described(const Setting& setting, UnitModel& unit) {
 Setting found(const std::string& name) {
   auto setting = settings::find_setting(name);
   if (!setting) {
-    throw settings::SettingError(name, "no such setting");
+    throw settings::no_such_setting(name);
   }
   return *std::move(setting);
 }
@@ -94,11 +94,9 @@ Json patch(const Arguments& with, UnitModel& unit, Link& link) {
     throw Refusal(BAD_REQUEST, "must be an object of settings", "values");
   }
   for (const auto& [name, value] : values.items()) {
-    settings::check(found(name), value);
+    found(name);
   }
-  for (const auto& [name, value] : values.items()) {
-    settings::set_setting(unit, name, value);
-  }
+  settings::patch(unit, values);
   link.send({{"notice", "settings"}});
   Json now = Json::object();
   for (const auto& [name, value] : values.items()) {

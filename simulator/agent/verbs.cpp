@@ -26,7 +26,7 @@ Json answer_from(const Json& id, const std::function<Json()>& work) {
     return error(id, refusal.code, refusal.what(), or_null(refusal.where), or_null(refusal.expected));
   } catch (const settings::SettingError& refused) {
     return error(id, settings::find_setting(refused.name) ? BAD_REQUEST : UNKNOWN, refused.reason, refused.name,
-                 nullptr);
+                 refused.expected.empty() ? Json() : Json(refused.expected));
   } catch (const std::exception& failure) {
     return error(id, FAILED, failure.what(), nullptr, nullptr);
   }

@@ -66,6 +66,10 @@ UnitFileError::UnitFileError(const std::string& path, const std::string& name, c
     : std::runtime_error(place(path, name) + why), file(path), key(name), reason(why), expected(std::move(wanted)) {}
 
 UnitFile UnitFile::load(const std::string& path) {
+  return parse(text_of(path), path);
+}
+
+std::string UnitFile::text_of(const std::string& path) {
   const OpenFile file(path);
   struct stat status {};
   if (file.descriptor < 0 || ::fstat(file.descriptor, &status) != 0) {
@@ -74,7 +78,7 @@ UnitFile UnitFile::load(const std::string& path) {
   if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
     throw UnitFileError(path, "", "not a regular file");
   }
-  return parse(text_in(file, path), path);
+  return text_in(file, path);
 }
 
 UnitFile UnitFile::parse(const std::string& text, const std::string& name) {

@@ -27,6 +27,8 @@ public:
   /// Reads and checks the whole file: a regular one of at most 1 MiB that holds one JSON object in UTF-8, nested at
   /// most 64 deep. Never blocks. Throws UnitFileError.
   static UnitFile load(const std::string& path);
+  /// The text of such a file, not yet parsed. Throws UnitFileError.
+  static std::string text_of(const std::string& path);
   /// The same for a text; `name` replaces the file name in errors.
   static UnitFile parse(const std::string& text, const std::string& name);
   /// No values: a unit with default values.
