@@ -134,6 +134,10 @@ void Agent::begin_set_up(const Json& with) {
     }
     orders_ = orders_in(with);
     apply_limits(*orders_);
+    // From here on, what this process writes is a log.
+    const Log log{commands_.new_log("agent.log")};
+    ::dup2(log.descriptor, STDOUT_FILENO);
+    ::dup2(log.descriptor, STDERR_FILENO);
   } catch (const std::exception& error) {
     link_.send({{"notice", "failed"}, {"what", error.what()}});
     return;
@@ -152,13 +156,13 @@ void Agent::set_up(const Orders& orders) {
   make_files(orders);
   prepare_loopback();
   if (orders.network || orders.dhcp_server) {
-    const Log log{commands_.new_log("network")};
+    const Log log{commands_.new_log("network.log")};
     make_eth0(orders.dhcp_server, log.descriptor);
   }
   seal_root(orders);
   if (orders.services) {
-    const Log naming{commands_.new_log("naming")};
-    const Log services{commands_.new_log("services")};
+    const Log naming{commands_.new_log("names.log")};
+    const Log services{commands_.new_log("services.log")};
     ::eventfd_write(wake_up_, 1);
     start_naming(NAMING_PORT, naming.descriptor);
     start_services(services.descriptor);
