@@ -106,6 +106,8 @@ void Agent::take_document(const std::string& text) {
     begin_set_up(with);
   } else if (name == "exec.start") {
     start_command(id, Arguments(with));
+  } else if (name == "ui_done") {
+    send_ui_done(id);
   } else if (name == "exec.control") {
     link_.send(answer_from(id, [&] { return control_command(Arguments(with)); }));
   } else {
@@ -229,6 +231,28 @@ void Agent::start_command(const Json& id, const Arguments& with) {
   }));
   if (end) {
     link_.send(*end);
+  }
+}
+
+void Agent::send_ui_done(const Json& id) {
+  const auto refuse = [this, id](RefusalCode code, const std::string& what) {
+    link_.send(answer_from(id, [&]() -> Json { throw Refusal(code, what); }));
+  };
+  if (!reaps_) {
+    return refuse(CONFLICT, "the unit is starting");
+  }
+  CommandLine line;
+  line.words = {"/bin/sh", "-c", "exec /opt/unit/bin/unit-ui-done >/dev/null 2>&1"};
+  try {
+    commands_.start(line, [this, id, refuse](const CommandEnd& end) {
+      if (end.status == 0) {
+        link_.send({{"id", id}, {"ok", {{"sent", true}}}});
+      } else {
+        refuse(CONFLICT, "nobody listens for the end of loading");
+      }
+    });
+  } catch (const std::system_error& error) {
+    refuse(FAILED, error.what());
   }
 }
 

@@ -94,16 +94,16 @@ TEST(IsolationTest, ANameThatWouldWriteOutsideChangesNothingThere) {
 }
 
 TEST(IsolationTest, EverythingOfAUnitGoesWithIt) {
-  fs::path state;
+  fs::path folder;
   {
     SimulatedUnit unit;
     unit.with_services().start();
     const Host host = unit.host();
     host.call("NetworkOff", {"; sleep 1000 & "});
-    state = unit.outside("/run").parent_path();
-    EXPECT_TRUE(simulator::sysroot::is_running(state));
+    folder = unit.found().folder;
+    EXPECT_TRUE(fs::exists(folder));
   }
-  EXPECT_FALSE(fs::exists(state));
+  EXPECT_FALSE(fs::exists(folder));
 }
 
 TEST(UnitFileTest, AMissingUnitFileIsRefused) {

@@ -119,17 +119,18 @@ TEST_F(VersionsTest, AnotherProgramThatHoldsTheBoardIsWaitedForAndItsDeathGivesT
   EXPECT_EQ(host_->out().find("SysLockfail"), std::string::npos);
 }
 
-// The file is a pipe, which the list waits for: opening it returns once the list has opened it too.
+// The file is a pipe, which the list waits for. The writer says when the list has opened it too, and waits for its cue.
 TEST_F(VersionsTest, AnotherProgramGetsTheBoardWhileAFileIsRead) {
   host_.emplace(unit_.start().host());
   const std::string path = "/sys/class/omappci/FPGA_ver";
   unit_.shell("rm " + path + "; mkfifo " + path);
   OpenCall open = host_->begin("GetVersionList");
-  std::ofstream file(path);
+  const Program writer = unit_.run(
+      {"sh", "-c", "exec 3>" + path + "; echo open; until [ -e /tmp/cue ]; do sleep 0.01; done; echo 1.3 rev4 >&3"});
+  writer.wait_for("open\n");
   unit_.run({"lock_holder"}).wait_for("lock 0\n");
   EXPECT_FALSE(open.answered());
-  file << "1.3 rev4\n" << std::flush;
-  file.close();
+  unit_.shell("touch /tmp/cue");
   EXPECT_EQ(open.answer()["versions"][6]["version"], "1.3 rev4");
 }
 
