@@ -110,8 +110,7 @@ TEST_F(DdsPublisherTest, AProcessWithoutParticipantHasNoPublisherEither) {
 
 TEST_F(DdsPublisherTest, ATypeThatIsRefusedIsPrintedAndThrown) {
   const doubles::TypeNameTaken<BooleanAttribute, VoidAttribute> taken;
-  const FakeDds dds(taken.participant());
-  const ParticipantInUse in_use(dds.participant());
+  const ParticipantInUse in_use(taken.participant());
   expect_printed_and_thrown(CONSTRUCTOR + " err: Osts->register_type");
   EXPECT_THAT(calls().all(), ElementsAre("dds create_publisher"));
 }
