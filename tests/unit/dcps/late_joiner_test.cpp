@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdlib>
 
@@ -107,7 +106,7 @@ TEST_F(LateJoinerTest, SeesAnotherProcessLeave) {
   ASSERT_EQ(peer.line(), "ready");
   ASSERT_EQ(peer.ask("write 1"), "0");
   ASSERT_EQ(listener_.wait_for(1).size(), 1U);
-  EXPECT_EQ(WEXITSTATUS(peer.finish("leave 3")), 3);
+  EXPECT_EQ(peer.finish("leave 3"), 3);
   const auto taken = listener_.wait_for(2);
   ASSERT_EQ(taken.size(), 2U);
   EXPECT_FALSE(taken[1].valid);
