@@ -6,7 +6,6 @@
 #include <set>
 #include <thread>
 
-#include "tests/doubles/waiting_thread.h"
 #include "tests/unit/dcps/entities.h"
 #include "tests/unit/dcps/peer.h"
 #include "tests/unit/dcps/recording_listener.h"
@@ -16,7 +15,6 @@ namespace dcps_test {
 namespace {
 
 using namespace std::chrono_literals;
-using doubles::WaitingThread;
 
 constexpr DDS::InstanceHandle_t NIL = DDS::HANDLE_NIL;
 
@@ -62,15 +60,13 @@ TEST_F(CallThreadTest, DeletionWaitsForAStatusCallDuringWhichASampleArrives) {
   ASSERT_TRUE(listener.entered.opens_in_time());
   ASSERT_EQ(peer->ask("write 2"), "0");
   ASSERT_TRUE(take_up_to(arrivals, 2));
-  bool left_first = false;
-  WaitingThread deletion([&] {
+  auto deletion = std::async(std::launch::async, [&] {
     entities.subscriber->delete_datareader(reader);
-    left_first = listener.left;
+    return listener.left.load();
   });
-  EXPECT_TRUE(deletion.waits());
+  EXPECT_EQ(deletion.wait_for(200ms), std::future_status::timeout);
   listener.leave.open();
-  deletion.join();
-  EXPECT_TRUE(left_first);
+  EXPECT_TRUE(deletion.get()) << "the call has returned before the deletion";
 }
 
 TEST_F(CallThreadTest, AListenerMayWriteToItsOwnTopicFromASampleOfAnotherProcess) {

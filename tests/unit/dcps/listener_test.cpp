@@ -2,18 +2,17 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <set>
 #include <thread>
 
-#include "tests/doubles/waiting_thread.h"
 #include "tests/unit/dcps/entities.h"
 #include "tests/unit/dcps/peer.h"
 #include "tests/unit/dcps/recording_listener.h"
 
 namespace dcps_test {
 namespace {
-
-using doubles::WaitingThread;
 
 constexpr DDS::InstanceHandle_t NIL = DDS::HANDLE_NIL;
 
@@ -117,17 +116,15 @@ TEST_F(ListenerTest, DeletionWaitsForTheCallUnderWay) {
     writer->write(numbered(i), NIL);
   }
   ASSERT_TRUE(listener.entered.opens_in_time());
-  bool left_before = false;
   std::size_t calls_before = 0;
-  WaitingThread deletion([&] {
+  auto deletion = std::async(std::launch::async, [&] {
     entities.subscriber->delete_contained_entities();
-    left_before = listener.left;
     calls_before = listener.taken().size();
+    return listener.left.load();
   });
-  EXPECT_TRUE(deletion.waits());
+  EXPECT_EQ(deletion.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
   listener.leave.open();
-  deletion.join();
-  EXPECT_TRUE(left_before);
+  EXPECT_TRUE(deletion.get()) << "the call has returned before the deletion";
   const Reader_var other = entities.reader(topic_, &later);
   writer->write(numbered(10), NIL);
   EXPECT_EQ(later.wait_for(1).size(), 1U) << "the listener thread goes on";
