@@ -7,6 +7,7 @@
 #include <dds/DCPS/Registered_Data_Types.h>
 #include <dds/DCPS/TypeSupportImpl.h>
 #include <dds/DdsDcpsDomainC.h>
+#include <dds/DdsDcpsSubscriptionExtC.h>
 
 // Bases of the fake entities, one version per engine. Here they implement the operations that only OpenDDS declares;
 // each throws std::logic_error, because the library calls none of them.
@@ -28,7 +29,7 @@ public:
 
 class FakeParticipantBase : public FakeEntityBase<DDS::DomainParticipant> {
 public:
-  ~FakeParticipantBase() override { Registered_Data_Types->unregister_participant(this); }
+  ~FakeParticipantBase() override { OpenDDS::DCPS::Registered_Data_Types->unregister_participant(this); }
 
   DDS::Subscriber_ptr get_builtin_subscriber() override { unexpected(); }
   DDS::Topic_ptr find_topic(const char*, const DDS::Duration_t&) override { unexpected(); }
@@ -72,7 +73,7 @@ protected:
   /// Registers with `real` the type that is registered with this participant under that name, if any: OpenDDS registers
   /// types per participant.
   void share_type(DDS::DomainParticipant_ptr real, const char* name) {
-    const OpenDDS::DCPS::TypeSupport_var type = Registered_Data_Types->lookup(this, name);
+    const OpenDDS::DCPS::TypeSupport_var type = OpenDDS::DCPS::Registered_Data_Types->lookup(this, name);
     if (!CORBA::is_nil(type.in())) {
       type->register_type(real, name);
     }
