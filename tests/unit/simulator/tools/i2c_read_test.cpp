@@ -78,6 +78,18 @@ TEST_F(I2cReadTest, MeetsItsFaults) {
   unit_.faults().arm(Point::I2C_READ, {FaultKind::GARBAGE, 0x100});
   EXPECT_EQ(run("3 0x48 0"), 0);
   EXPECT_EQ(out_, "100\n");
+  unit_.faults().arm(Point::I2C_READ, {FaultKind::FAIL, 7});
+  EXPECT_EQ(run("3 0x48 0"), 7);
+}
+
+TEST_F(I2cReadTest, AStuckSensorRepeatsItsLastValue) {
+  unit_.faults().arm(Point::I2C_READ, {FaultKind::STUCK, 0, 2});
+  unit_.sensors().set_mic284(0x1B);
+  EXPECT_EQ(run("3 0x48 0"), 0);
+  EXPECT_EQ(out_, "1b\n");
+  unit_.sensors().set_mic284(0x1C);
+  EXPECT_EQ(run("3 0x48 0"), 0);
+  EXPECT_EQ(out_, "1b\n");
 }
 
 TEST_F(I2cReadTest, WithoutAUnitItFails) {
