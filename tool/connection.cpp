@@ -13,7 +13,7 @@ using nlohmann::ordered_json;
 
 Connection::Connection(const Arguments& arguments) : Connection(control::client::find_unit(arguments.text("unit"))) {}
 
-Connection::Connection(const FoundUnit& unit) : unit_(unit), client_(unit.folder / "control.sock") {}
+Connection::Connection(const FoundUnit& unit) : unit_(unit), client_(unit.socket()) {}
 
 std::vector<std::string> Connection::setting_names() {
   std::vector<std::string> names;

@@ -19,7 +19,7 @@ public:
   explicit Connection(const control::client::FoundUnit& unit);
 
   const control::client::FoundUnit& unit() const { return unit_; }
-  std::filesystem::path socket() const { return unit_.folder / "control.sock"; }
+  std::filesystem::path socket() const { return unit_.socket(); }
   control::client::Client& client() { return client_; }
 
   /// Requests; throw what the client throws.

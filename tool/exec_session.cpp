@@ -17,7 +17,7 @@
 namespace tool {
 namespace {
 
-using control::client::Command;
+using RemoteCommand = control::client::Command;
 using nlohmann::json;
 
 constexpr std::chrono::milliseconds AT_ONCE{0};
@@ -66,10 +66,15 @@ public:
       if (const std::optional<int> status = take_output()) {
         return *status;
       }
-      pollfd events[] = {{command_.descriptor(), POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}, {input_, POLLIN, 0}};
+      // Input is read only when the unit takes it, so that this loop never blocks.
+      const short for_room = full_ ? POLLOUT : 0;
+      pollfd events[] = {{command_.descriptor(), static_cast<short>(POLLIN | for_room), 0},
+                         {signals_.descriptor(), POLLIN, 0},
+                         {full_ ? -1 : input_, POLLIN, 0}};
       if (poll(events, 3, -1) == -1) {
         continue;
       }
+      full_ = full_ && (events[0].revents & POLLOUT) == 0;
       if (events[1].revents != 0) {
         pass_signals_on();
       }
@@ -82,12 +87,12 @@ public:
 private:
   /// Writes the output that has arrived; returns the status once the command has ended.
   std::optional<int> take_output() {
-    while (const std::optional<Command::Message> message = command_.next(AT_ONCE)) {
-      if (message->kind == Command::Message::CONTROL) {
+    while (const std::optional<RemoteCommand::Message> message = command_.next(AT_ONCE)) {
+      if (message->kind == RemoteCommand::Message::CONTROL) {
         if (const std::optional<int> status = status_in(message->control, program_)) {
           return status;
         }
-      } else if (message->kind == Command::Message::OUT) {
+      } else if (message->kind == RemoteCommand::Message::OUT) {
         write_all(STDOUT_FILENO, message->bytes, "standard output");
       } else {
         write_all(STDERR_FILENO, message->bytes, "standard error");
@@ -112,7 +117,16 @@ private:
     }
   }
 
+  bool takes_input() const {
+    pollfd event{command_.descriptor(), POLLOUT, 0};
+    return poll(&event, 1, 0) == 1 && (event.revents & POLLOUT) != 0;
+  }
+
   void pass_input_on() {
+    if (!takes_input()) {
+      full_ = true;
+      return;
+    }
     std::array<char, 16384> block;
     const ssize_t size = read(input_, block.data(), block.size());
     if (size > 0) {
@@ -125,10 +139,11 @@ private:
 
   const std::string program_;
   Signals signals_;
-  Command command_;
+  RemoteCommand command_;
   int input_;
   std::optional<RawMode> raw_;
-  bool ending_ = false;
+  bool full_ = false;    ///< the connection holds as much input as it can
+  bool ending_ = false;  ///< a signal has been passed on
 };
 
 }  // namespace
@@ -139,20 +154,20 @@ int run_on_unit(const std::filesystem::path& socket, const UnitCommand& command)
 
 int pipe_through_unit(const std::filesystem::path& socket, const UnitCommand& command, const Source& source,
                       const Sink& sink) {
-  Command running(socket, request_of(command));
+  RemoteCommand running(socket, request_of(command));
   for (bool more = command.input; more;) {
     const std::string bytes = source();
     more = !bytes.empty();
     more ? running.input(bytes) : running.end_input();
   }
   for (;;) {
-    const std::optional<Command::Message> message = running.next(std::chrono::hours(24));
+    const std::optional<RemoteCommand::Message> message = running.next(std::chrono::hours(24));
     if (!message) {
       continue;
     }
-    if (message->kind == Command::Message::OUT) {
+    if (message->kind == RemoteCommand::Message::OUT) {
       sink(message->bytes);
-    } else if (message->kind == Command::Message::ERR) {
+    } else if (message->kind == RemoteCommand::Message::ERR) {
       write_all(STDERR_FILENO, message->bytes, "standard error");
     } else if (const std::optional<int> status = status_in(message->control, command.argv.front())) {
       return *status;

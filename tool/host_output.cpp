@@ -11,7 +11,7 @@ namespace tool {
 
 using control::client::Event;
 
-HostOutput::HostOutput(const std::filesystem::path& socket) : stream_(std::in_place, socket, "/v1/stream") {}
+HostOutput::HostOutput(const std::filesystem::path& socket) : stream_(std::in_place, socket, "/v1/stream?events=log") {}
 
 void HostOutput::wait_readable(int descriptor) {
   show_arrived();

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "control/client/client.h"
 #include "tool/errors.h"
 #include "tool/exec_session.h"
 #include "tool/nearest.h"
@@ -262,7 +263,7 @@ void stop_unit(const FoundUnit& unit) {
     return;
   }
   try {
-    control::client::Client(unit.folder / "control.sock").send("POST", "/v1/unit/stop", json::object());
+    control::client::Client(unit.socket()).send("POST", "/v1/unit/stop", json::object());
   } catch (const control::client::ApiError&) {
     // It is stopping already.
   } catch (const control::client::ConnectionError&) {

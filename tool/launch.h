@@ -5,7 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "control/client/client.h"
+#include "control/client/units.h"
 #include "tool/arguments.h"
 #include "tool/command.h"
 
@@ -37,7 +37,7 @@ public:
   StartedUnit& operator=(const StartedUnit&) = delete;
 
   const control::client::FoundUnit& unit() const { return launched_.unit; }
-  std::filesystem::path socket() const { return launched_.unit.folder / "control.sock"; }
+  std::filesystem::path socket() const { return launched_.unit.socket(); }
   /// Lets it run on by itself.
   void detach();
   /// Stops it and waits until it has gone. Does nothing if it has been stopped or detached.

@@ -1,3 +1,4 @@
+#include "tool/arguments.h"
 #include "tool/commands/table.h"
 #include "tool/commands/unit_text.h"
 #include "tool/output.h"

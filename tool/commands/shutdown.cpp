@@ -32,8 +32,8 @@ class Shutdown {
 public:
   Shutdown(const control::client::FoundUnit& unit, bool as_json)
       : connection_(unit),
-        switch_(unit.folder / "control.sock"),
-        output_(unit.folder / "control.sock"),
+        switch_(unit.socket()),
+        output_(unit.socket()),
         screen_(as_json ? stderr : stdout),
         as_json_(as_json) {}
 
@@ -158,7 +158,7 @@ private:
   static void drop_own_interrupt(ordered_json& calls) {
     for (std::size_t i = calls.size(); i > 0; --i) {
       if (calls[i - 1].value("at", "") == "psdriver.interrupt") {
-        calls.erase(i - 1, calls.size());
+        calls.erase(calls.begin() + static_cast<std::ptrdiff_t>(i - 1), calls.end());
         return;
       }
     }

@@ -33,7 +33,7 @@ ordered_json described(const FoundUnit& unit) {
   ordered_json document = {{"name", unit.name}, {"state", "not answering"}};
   document["process"]["supervisor"] = unit.supervisor;
   try {
-    Client client(unit.folder / "control.sock");
+    Client client(unit.socket());
     client.wait_with(wait_briefly);
     document = client.get("/v1/unit");
   } catch (const Silence&) {
