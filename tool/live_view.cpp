@@ -39,7 +39,11 @@ struct Stopped {};
 class LiveLoop {
 public:
   LiveLoop(const control::client::FoundUnit& unit, View& view)
-      : view_(view), socket_(unit.socket()), stream_(socket_, "/v1/stream?events=host,dialogs,log"), operations_(socket_), questions_(socket_) {
+      : view_(view),
+        socket_(unit.socket()),
+        stream_(socket_, "/v1/stream?events=host,dialogs,log"),
+        operations_(socket_),
+        questions_(socket_) {
     live_.name = unit.name;
     operations_.wait_with([this](int descriptor) { wait(descriptor, std::nullopt); });
   }

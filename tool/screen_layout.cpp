@@ -13,19 +13,17 @@ constexpr std::size_t GAP = 2;
 /// From this width on there are two columns.
 constexpr std::size_t WIDE = 80;
 
-/// A section's lines, at most `columns` wide: the names in full where both fit.
+/// A section's lines, at most `columns` wide: the values below each other, a long one further left.
 Lines lines_of(const Section& section, std::size_t columns) {
   std::size_t names = 0;
-  std::size_t values = 0;
-  for (const auto& [name, value] : section.rows) {
-    names = std::max(names, width(name));
-    values = std::max(values, width(value));
+  for (const auto& row : section.rows) {
+    names = std::max(names, width(row.first));
   }
   Lines lines{clipped(section.title, columns)};
   for (const auto& [name, value] : section.rows) {
-    // A row that is too wide as part of the table stands alone, with its value close to its name.
-    const bool fits = 1 + names + GAP + values <= columns;
-    const std::string line = " " + (fits ? padded(name, names + GAP) : name + "  ") + value;
+    const std::size_t beside = 1 + GAP + width(value);
+    const std::string line =
+        " " + padded(name, columns > beside ? std::min(names, columns - beside) : 0) + std::string(GAP, ' ') + value;
     lines.push_back(clipped(line, columns));
   }
   return lines;
@@ -47,13 +45,17 @@ Lines body_of(const Picture& picture, std::size_t columns) {
   if (columns < WIDE || picture.sections.empty()) {
     return below_each_other(picture.sections, 0, columns);
   }
-  const std::size_t half = (columns - GAP) / 2;
-  const Lines left = lines_of(picture.sections[0], half);
-  const Lines right = below_each_other(picture.sections, 1, half);
+  const Lines right = below_each_other(picture.sections, 1, (columns - GAP) / 2);
+  std::size_t right_columns = 0;
+  for (const std::string& line : right) {
+    right_columns = std::max(right_columns, width(line));
+  }
+  const std::size_t left_columns = columns - GAP - right_columns;
+  const Lines left = lines_of(picture.sections[0], left_columns);
   Lines lines;
   for (std::size_t i = 0; i < std::max(left.size(), right.size()); ++i) {
     const std::string begin = i < left.size() ? left[i] : "";
-    lines.push_back(i < right.size() && !right[i].empty() ? padded(begin, half + GAP) + right[i] : begin);
+    lines.push_back(i < right.size() && !right[i].empty() ? padded(begin, left_columns + GAP) + right[i] : begin);
   }
   return lines;
 }
