@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <set>
+
+namespace control::service {
+
+class Client;
+
+/// The connections of clients that are open. The service's thread.
+class Clients {
+public:
+  std::size_t count() const { return all_.size(); }
+  /// Asks each to end.
+  void end_all();
+
+private:
+  friend class Client;
+  std::set<Client*> all_;
+};
+
+/// One connection of a client, in whatever use; owned by its pending operations.
+class Client : public std::enable_shared_from_this<Client> {
+public:
+  explicit Client(Clients& clients) : clients_(clients) { clients_.all_.insert(this); }
+  virtual ~Client() { clients_.all_.erase(this); }
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+
+  /// Closes the connection as soon as what it owes is sent.
+  virtual void end() = 0;
+
+protected:
+  Clients& clients() const { return clients_; }
+
+private:
+  Clients& clients_;
+};
+
+}  // namespace control::service
