@@ -106,6 +106,8 @@ void Agent::take_document(const std::string& text) {
     begin_set_up(with);
   } else if (name == "exec.start") {
     start_command(id, Arguments(with));
+  } else if (name == "ui_done") {
+    send_ui_done(id);
   } else if (name == "exec.control") {
     link_.send(answer_from(id, [&] { return control_command(Arguments(with)); }));
   } else {
@@ -134,6 +136,10 @@ void Agent::begin_set_up(const Json& with) {
     }
     orders_ = orders_in(with);
     apply_limits(*orders_);
+    // From here on, what this process writes is a log.
+    const Log log{commands_.new_log("agent.log")};
+    ::dup2(log.descriptor, STDOUT_FILENO);
+    ::dup2(log.descriptor, STDERR_FILENO);
   } catch (const std::exception& error) {
     link_.send({{"notice", "failed"}, {"what", error.what()}});
     return;
@@ -152,13 +158,13 @@ void Agent::set_up(const Orders& orders) {
   make_files(orders);
   prepare_loopback();
   if (orders.network || orders.dhcp_server) {
-    const Log log{commands_.new_log("network")};
+    const Log log{commands_.new_log("network.log")};
     make_eth0(orders.dhcp_server, log.descriptor);
   }
   seal_root(orders);
   if (orders.services) {
-    const Log naming{commands_.new_log("naming")};
-    const Log services{commands_.new_log("services")};
+    const Log naming{commands_.new_log("names.log")};
+    const Log services{commands_.new_log("services.log")};
     ::eventfd_write(wake_up_, 1);
     start_naming(NAMING_PORT, naming.descriptor);
     start_services(services.descriptor);
@@ -225,6 +231,28 @@ void Agent::start_command(const Json& id, const Arguments& with) {
   }));
   if (end) {
     link_.send(*end);
+  }
+}
+
+void Agent::send_ui_done(const Json& id) {
+  const auto refuse = [this, id](RefusalCode code, const std::string& what) {
+    link_.send(answer_from(id, [&]() -> Json { throw Refusal(code, what); }));
+  };
+  if (!reaps_) {
+    return refuse(CONFLICT, "the unit is starting");
+  }
+  CommandLine line;
+  line.words = {"/bin/sh", "-c", "exec /opt/unit/bin/unit-ui-done >/dev/null 2>&1"};
+  try {
+    commands_.start(line, [this, id, refuse](const CommandEnd& end) {
+      if (end.status == 0) {
+        link_.send({{"id", id}, {"ok", {{"sent", true}}}});
+      } else {
+        refuse(CONFLICT, "nobody listens for the end of loading");
+      }
+    });
+  } catch (const std::system_error& error) {
+    refuse(FAILED, error.what());
   }
 }
 

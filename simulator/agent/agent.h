@@ -36,6 +36,7 @@ private:
   void answer_on_thread(const Json& request);
   CommandLine command_in(const Arguments& with) const;
   void start_command(const Json& id, const Arguments& with);
+  void send_ui_done(const Json& id);
   Json control_command(const Arguments& with);
   void reap();
 

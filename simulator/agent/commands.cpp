@@ -113,13 +113,15 @@ void Commands::open_terminal(Command& command, int& slave) const {
   set_nonblocking(master);
 }
 
-std::pair<std::uint32_t, pid_t> Commands::start(const CommandLine& line) {
+std::pair<std::uint32_t, pid_t> Commands::start(const CommandLine& line,
+                                                std::function<void(const CommandEnd&)> ended) {
   if (commands_.size() >= MOST_COMMANDS) {
     throw Refusal(CONFLICT, "too many commands are running; at most " + std::to_string(MOST_COMMANDS) + " are allowed");
   }
   auto command = std::make_unique<Command>();
   command->stream = next_stream();
   command->credit = channel::FIRST_CREDIT;
+  command->ended = std::move(ended);
   process::ChildOptions options;
   options.own_session = true;
   options.environment = line.environment;

@@ -41,9 +41,11 @@ public:
   Commands(const Commands&) = delete;
   Commands& operator=(const Commands&) = delete;
 
-  /// Starts a command and returns its stream and process. Throws Refusal (CONFLICT: too many commands) and
+  /// Starts a command and returns its stream and process. `ended` is called when it has exited and its output has been
+  /// sent; empty: the service is told. Throws Refusal (CONFLICT: too many commands) and
   /// std::system_error.
-  std::pair<std::uint32_t, pid_t> start(const CommandLine& line);
+  std::pair<std::uint32_t, pid_t> start(const CommandLine& line,
+                                        std::function<void(const CommandEnd&)> ended = {});
   /// A stream for a command that could not be started.
   std::uint32_t next_stream();
   /// Starts a program whose standard output and error are the logs NAME.out and NAME.err. `ended` is called when it has

@@ -80,6 +80,13 @@ std::string read_line(const Connection& connection, const std::optional<Clock::t
   return line;
 }
 
+/// The host's reason, without the name of the operation in front.
+std::string reason_in(const Json& error, const std::string& operation) {
+  const std::string text = error.is_string() ? error.get<std::string>() : "refused";
+  const std::string prefix = operation + ": ";
+  return text.rfind(prefix, 0) == 0 ? text.substr(prefix.size()) : text;
+}
+
 }  // namespace
 
 bool host_listens() {
@@ -113,7 +120,7 @@ Json call_host(const std::string& operation, const Json& arguments, std::optiona
   }
   answer.erase("id");
   if (answer.contains("error")) {
-    throw Refusal(BAD_REQUEST, answer["error"].is_string() ? answer["error"].get<std::string>() : "refused", operation);
+    throw Refusal(BAD_REQUEST, reason_in(answer["error"], operation), operation);
   }
   return answer;
 }

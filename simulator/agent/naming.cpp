@@ -45,10 +45,10 @@ void wait_until(Ready ready, pid_t process, const std::string& what, const std::
   const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
   while (!ready()) {
     if (has_ended(process)) {
-      throw std::runtime_error(what + " exited before it was ready; see the log " + log);
+      throw std::runtime_error(what + " exited before it was ready; see " + log);
     }
     if (std::chrono::steady_clock::now() > deadline) {
-      throw std::runtime_error(what + " was not ready in time; see the log " + log);
+      throw std::runtime_error(what + " was not ready in time; see " + log);
     }
   }
 }
@@ -78,14 +78,14 @@ void start_naming(int port, int log) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
     return false;
   };
-  wait_until(answers, process, "the naming service", "naming");
+  wait_until(answers, process, "the naming service", "names.log");
 }
 
 void start_services(int log) {
   const pid_t process = start_into(log, {"/opt/unit/bin/unit-services"});
   const model::Services& services = model::UnitModel::of_this_unit().services();
   const auto applied = [&services] { return services.wait_applied(std::chrono::milliseconds(50)); };
-  wait_until(applied, process, "unit-services", "services");
+  wait_until(applied, process, "unit-services", "services.log");
 }
 
 }  // namespace simulator::agent

@@ -98,7 +98,7 @@ void wait_for_server(pid_t process) {
   const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
   while (!serves_dhcp(process)) {
     if (std::chrono::steady_clock::now() > deadline || !std::filesystem::exists("/proc/" + std::to_string(process))) {
-      throw std::runtime_error("the DHCP server did not start; see the log network");
+      throw std::runtime_error("the DHCP server did not start; see network.log");
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }

@@ -19,7 +19,7 @@ constexpr const char* CYCLONE_CONFIGURATION =
 
 std::vector<std::pair<std::string, std::string>> unit_environment(int naming_port) {
   return {
-      {"PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"},
+      {"PATH", "/opt/unit/bin/commands:/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"},
       {"HOME", "/root"},
       {"USER", "root"},
       {"SHELL", "/bin/sh"},
