@@ -24,7 +24,7 @@ private:
 class Client : public std::enable_shared_from_this<Client> {
 public:
   explicit Client(Clients& clients) : clients_(clients) { clients_.all_.insert(this); }
-  virtual ~Client() { clients_.all_.erase(this); }
+  virtual ~Client() { leave(); }
   Client(const Client&) = delete;
   Client& operator=(const Client&) = delete;
 
@@ -32,7 +32,8 @@ public:
   virtual void end() = 0;
 
 protected:
-  Clients& clients() const { return clients_; }
+  /// The connection is closed, even if somebody still refers to this object.
+  void leave() { clients_.all_.erase(this); }
 
 private:
   Clients& clients_;

@@ -266,6 +266,7 @@ void HttpConnection::discard() {
 
 Connection::Taken HttpConnection::take_over() {
   state_ = State::CLOSED;
+  leave();
   timer_.cancel();
   Failure ignored;
   socket_.cancel(ignored);
@@ -282,6 +283,7 @@ void HttpConnection::end() {
 
 void HttpConnection::close() {
   state_ = State::CLOSED;
+  leave();
   timer_.cancel();
   Failure ignored;
   socket_.close(ignored);

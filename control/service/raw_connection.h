@@ -37,6 +37,8 @@ protected:
   /// Reading stops after the present block, until it is resumed.
   void pause() { paused_ = true; }
   void resume();
+  /// Whether the client has closed its end; for while reading is paused.
+  bool client_left();
   const Limits& limits() const { return limits_; }
   boost::asio::steady_timer::executor_type executor() { return socket_.get_executor(); }
 
@@ -52,6 +54,7 @@ private:
   void expect_progress();
   void shut_down();
 
+  std::shared_ptr<Client> self_;  ///< while the connection is open
   Socket socket_;
   const Limits& limits_;
   boost::asio::steady_timer timer_;
