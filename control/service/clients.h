@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <set>
+#include <vector>
 
 namespace control::service {
 
@@ -14,9 +15,13 @@ public:
   std::size_t count() const { return all_.size(); }
   /// Asks each to end.
   void end_all();
+  /// Closes each.
+  void close_all();
 
 private:
   friend class Client;
+  std::vector<std::shared_ptr<Client>> all() const;
+
   std::set<Client*> all_;
 };
 
@@ -30,6 +35,8 @@ public:
 
   /// Closes the connection as soon as what it owes is sent.
   virtual void end() = 0;
+  /// Closes the connection now.
+  virtual void close() = 0;
 
 protected:
   /// The connection is closed, even if somebody still refers to this object.

@@ -16,18 +16,6 @@ constexpr std::chrono::seconds LINGERING{2};  // for a client to see the end bef
 
 }  // namespace
 
-void Clients::end_all() {
-  std::vector<std::shared_ptr<Client>> all;
-  for (Client* each : all_) {
-    all.push_back(each->weak_from_this().lock());
-  }
-  for (const auto& each : all) {
-    if (each != nullptr) {
-      each->end();
-    }
-  }
-}
-
 RawConnection::RawConnection(Socket socket, Clients& clients, const Limits& limits)
     : Client(clients), socket_(std::move(socket)), limits_(limits), timer_(socket_.get_executor()) {}
 

@@ -23,6 +23,7 @@ public:
   /// Starts to read. `received`: bytes that have arrived already.
   void start(std::string received);
   void end() override { finish(); }
+  void close() override { cut_off(); }
 
 protected:
   /// Queues bytes.
