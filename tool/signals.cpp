@@ -9,22 +9,27 @@
 
 namespace tool {
 
-Signals::Signals() {
-  sigset_t watched;
-  sigemptyset(&watched);
-  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) {
-    sigaddset(&watched, number);
+Signals::Signals(std::initializer_list<int> watched) {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int number : watched) {
+    sigaddset(&set, number);
   }
-  sigprocmask(SIG_BLOCK, &watched, nullptr);
-  signal(SIGPIPE, SIG_IGN);
-  descriptor_ = signalfd(-1, &watched, SFD_CLOEXEC | SFD_NONBLOCK);
+  sigprocmask(SIG_BLOCK, &set, nullptr);
+  descriptor_ = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
   if (descriptor_ == -1) {
     throw std::system_error(errno, std::generic_category(), "signals");
   }
 }
 
 Signals::~Signals() {
+  // What is still pending would end the program when unblocked.
+  while (take()) {
+  }
   close(descriptor_);
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 std::optional<int> Signals::take() const {

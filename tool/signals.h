@@ -1,14 +1,16 @@
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 
 namespace tool {
 
-/// The signals handled while a unit runs: termination signals and SIGCHLD. Create on the main thread before any other
-/// thread starts: the signals stay blocked and are read here.
+/// Signals that this program takes in its own time. Create on the main thread before any other thread starts: they are
+/// blocked and read here. Programs that are started meanwhile must unblock them.
 class Signals {
 public:
-  Signals();
+  explicit Signals(std::initializer_list<int> watched);
+  /// Unblocks them again.
   ~Signals();
   Signals(const Signals&) = delete;
   Signals& operator=(const Signals&) = delete;
@@ -21,10 +23,5 @@ public:
 private:
   int descriptor_;
 };
-
-/// The exit status of a command killed by this signal.
-constexpr int status_of_signal(int number) {
-  return 128 + number;
-}
 
 }  // namespace tool

@@ -52,6 +52,10 @@ std::vector<Route> table() {
   interrupt.body = {
       {"value", Kind::NUMBER, REQUIRED, std::numeric_limits<std::int32_t>::min(), WORD}, {"wait", Kind::FLAG}, TIMEOUT};
   interrupt.limit = TimeLimit::CALL;
+  Route& handled = add(agent("GET", "/v1/interrupts/{number}", "interrupts.handled"));
+  handled.placeholders = {{"number", Kind::NUMBER, REQUIRED, 1, BIG}};
+  handled.query = {TIMEOUT};
+  handled.limit = TimeLimit::CALL;
 
   add(agent("GET", "/v1/dialogs", "dialogs.list"));
   Route& answer = add(agent("POST", "/v1/dialogs/{id}/answer", "dialogs.answer"));

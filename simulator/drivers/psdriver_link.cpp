@@ -9,15 +9,15 @@
 #include <cstring>
 #include <exception>
 
-#include "simulator/drivers/psdriver_points.h"
 #include "simulator/model/json_text.h"
+#include "simulator/model/reply_points.h"
 
 namespace {
 
-using simulator::drivers::points_of;
 using simulator::model::Fault;
 using simulator::model::FaultKind;
 using simulator::model::Point;
+using simulator::model::points_of;
 using simulator::model::PowerSupply;
 using simulator::model::Reply;
 using simulator::model::UnitModel;
@@ -91,17 +91,40 @@ std::string value_args(int value) {
 
 }  // namespace
 
-psdriver::Link::Link(const std::string& device)
-    : unit_(opened_unit(device)), next_interrupt_(unit_.power_supply().interrupts_raised() + 1) {
+psdriver::Link::Link(const std::string& device) : unit_(opened_unit(device)) {
   static const int registered = std::atexit(fall_silent);
   static_cast<void>(registered);
-  thread_ = std::thread([this] { run(); });
+  start();
 }
 
 psdriver::Link::~Link() {
   stopping_.store(true);
   unit_.power_supply().wake_up().raise();
   thread_.join();
+}
+
+void psdriver::Link::start() {
+  thread_ = std::thread([this] { live(); });
+  std::unique_lock guard(mutex_);
+  entered_.wait(guard, [this] { return tried_to_enter_; });
+  if (!driver_) {
+    guard.unlock();
+    thread_.join();
+    refuse(Point::PSDRIVER_OPEN, EMFILE);
+  }
+}
+
+void psdriver::Link::live() {
+  {
+    const std::lock_guard guard(mutex_);
+    driver_ = unit_.power_supply().enter();
+    tried_to_enter_ = true;
+  }
+  entered_.notify_one();
+  if (driver_) {
+    run();
+    unit_.power_supply().leave(*driver_);
+  }
 }
 
 void psdriver::Link::register_reply(Reply kind, Callback reply) {
@@ -119,10 +142,7 @@ void psdriver::Link::request(Reply kind) {
   if (fault.kind == FaultKind::NO_REPLY) {
     return;
   }
-  Delivery delivery{kind, std::nullopt};
-  if (fault.kind == FaultKind::GARBAGE) {
-    delivery.garbage = fault.value;
-  }
+  const Delivery delivery{kind, fault};
   enqueue(delivery, std::chrono::milliseconds(fault.kind == FaultKind::LATE ? fault.value : 0));
   if (fault.kind == FaultKind::TWICE) {
     enqueue(delivery, std::chrono::milliseconds(0));
@@ -171,7 +191,7 @@ bool psdriver::Link::deliver_reply() {
   const Delivery due = outstanding_.begin()->second;
   outstanding_.erase(outstanding_.begin());
   guard.unlock();
-  const int value = due.garbage.value_or(unit_.power_supply().reply(due.kind));
+  const int value = value_of(due);
   if (unit_.watched()) {
     record(unit_, Point::PSDRIVER_REPLY,
            "{\"to\":" + simulator::model::json_text(name_of(points_of(due.kind).request)) +
@@ -181,21 +201,32 @@ bool psdriver::Link::deliver_reply() {
   return true;
 }
 
+int psdriver::Link::value_of(const Delivery& due) {
+  const Point request = points_of(due.kind).request;
+  const int right = unit_.power_supply().reply(due.kind);
+  switch (due.fault.kind) {
+    case FaultKind::GARBAGE:
+      return simulator::model::wrong_value(due.fault, right);
+    case FaultKind::STUCK:
+      return unit_.crossings().held(request);
+    default:
+      unit_.crossings().delivered(request, right);
+      return right;
+  }
+}
+
 bool psdriver::Link::deliver_interrupt() {
   PowerSupply& power_supply = unit_.power_supply();
-  const std::uint64_t raised = power_supply.interrupts_raised();
-  if (raised < next_interrupt_) {
+  const std::optional<int> raised = power_supply.interrupt(driver_->next);
+  if (!raised) {
     return false;
   }
-  if (raised - next_interrupt_ >= PowerSupply::INTERRUPTS_KEPT) {
-    next_interrupt_ = raised - PowerSupply::INTERRUPTS_KEPT + 1;
-  }
-  const int value = power_supply.interrupt(next_interrupt_).value();
+  const int value = *raised;
   if (unit_.watched()) {
     record(unit_, Point::PSDRIVER_INTERRUPT, value_args(value));
   }
   call(interrupt_.load(), value);
-  power_supply.mark_interrupt_handled(next_interrupt_++);
+  power_supply.mark_interrupt_handled(*driver_);
   return true;
 }
 

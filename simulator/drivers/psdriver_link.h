@@ -5,6 +5,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -18,7 +19,7 @@
 /// and switch interrupts. Any thread, including from within a call-back, except destruction.
 class psdriver::Link {
 public:
-  /// Throws psdriverError if the device does not exist or refuses.
+  /// Throws psdriverError if the device does not exist or refuses, or too many drivers have it open.
   explicit Link(const std::string& device);
   ~Link();
   Link(const Link&) = delete;
@@ -37,11 +38,16 @@ private:
   /// One outstanding reply.
   struct Delivery {
     simulator::model::Reply kind;
-    std::optional<int> garbage;  ///< delivered instead of the controller's value
+    simulator::model::Fault fault;  ///< GARBAGE and STUCK decide on the value
   };
+
+  void start();
+  /// The driver's thread: enters the controller, delivers, leaves.
+  void live();
 
   void enqueue(const Delivery& delivery, std::chrono::milliseconds lateness);
   void run();
+  int value_of(const Delivery& due);
   bool deliver_reply();
   bool deliver_interrupt();
   static void call(Callback callback, int value);
@@ -50,7 +56,9 @@ private:
   simulator::model::UnitModel& unit_;
   std::array<std::atomic<Callback>, static_cast<std::size_t>(simulator::model::Reply::COUNT)> replies_{};
   std::atomic<Callback> interrupt_{nullptr};
-  std::uint64_t next_interrupt_;
+  std::optional<simulator::model::PowerSupply::Driver> driver_;
+  bool tried_to_enter_ = false;  ///< guarded by mutex_
+  std::condition_variable entered_;
   std::mutex mutex_;
   std::multimap<Clock::time_point, Delivery> outstanding_;
   Clock::time_point last_due_{};

@@ -29,6 +29,22 @@ int status_of(const Fault& fault) noexcept {
   return fault.value == 0 ? EIO : fault.value;
 }
 
+/// The word that a read delivers. Reading has its side effects even if the word is another.
+unsigned word_of(UnitModel& unit, const Fault& fault, unsigned space, unsigned address) {
+  const unsigned right = unit.board().read(space, address);
+  switch (fault.kind) {
+    case FaultKind::GARBAGE:
+      return static_cast<unsigned>(model::wrong_value(fault, static_cast<std::int32_t>(right)));
+    case FaultKind::STUCK:
+      return unit.held_board().shown(space, address);
+    default:
+      if (unit.crossings().holds(Point::RADALT_READ)) {
+        unit.held_board().show(space, address, right);
+      }
+      return right;
+  }
+}
+
 /// Crosses at the point, then performs the operation unless the point's fault fails it.
 template <typename Operation>
 int cross_then(UnitModel& unit, Point point, const std::string& args, Operation operation) noexcept {
@@ -50,8 +66,7 @@ int watched_init(UnitModel& unit) noexcept {
 
 int watched_read(UnitModel& unit, unsigned space, unsigned address, unsigned* value) noexcept {
   return cross_then(unit, Point::RADALT_READ, register_args(space, address), [&](const Fault& fault) {
-    const unsigned right = unit.board().read(space, address);
-    *value = fault.kind == FaultKind::GARBAGE ? static_cast<unsigned>(fault.value) : right;
+    *value = word_of(unit, fault, space, address);
     return 0;
   });
 }

@@ -38,6 +38,11 @@ int SharedMutex::take() noexcept {
   return error == EOWNERDEAD ? pthread_mutex_consistent(&mutex_) : error;
 }
 
+int SharedMutex::try_take() noexcept {
+  const int error = pthread_mutex_trylock(&mutex_);
+  return error == EOWNERDEAD ? pthread_mutex_consistent(&mutex_) : error;
+}
+
 int SharedMutex::give() noexcept {
   return pthread_mutex_unlock(&mutex_);
 }

@@ -24,6 +24,8 @@ public:
   /// Like lock() and unlock(), but return an error number: 0; if CHECKED, also EDEADLK and EPERM.
   int take() noexcept;
   int give() noexcept;
+  /// Like take(), but returns EBUSY if a live thread holds it.
+  int try_take() noexcept;
 
 private:
   pthread_mutex_t mutex_;

@@ -125,6 +125,39 @@ std::uint32_t Board::register_value(std::uint32_t space, std::uint32_t address) 
   return entry == nullptr ? 0 : entry->value.load(std::memory_order_relaxed);
 }
 
+std::uint32_t Board::shown(std::uint32_t space, std::uint32_t address) const noexcept {
+  if (is_rf(space, address)) {
+    const bool is_direct = address == RF_LAST;
+    return is_direct && !rf_present() ? 0 : (is_direct ? rf_registers_ : rf_shown_)[rf_index(address)].load();
+  }
+  return register_value(space, address);
+}
+
+void Board::copy_shown(const Board& other) noexcept {
+  for (std::size_t index = 0; index < RF_REGISTERS; ++index) {
+    rf_shown_[index].store(other.rf_shown_[index].load());
+    rf_registers_[index].store(other.rf_registers_[index].load());
+  }
+  rf_present_.store(other.rf_present());
+  rf_pending_.store(other.rf_pending_.load());
+  for (std::size_t at = 0; at < CAPACITY; ++at) {
+    registers_[at].value.store(other.registers_[at].value.load());
+    registers_[at].key.store(other.registers_[at].key.load(), std::memory_order_release);
+  }
+  registers_used_.store(other.registers_used_.load());
+}
+
+void Board::show(std::uint32_t space, std::uint32_t address, std::uint32_t value) noexcept {
+  if (key_of(space, address) == key_of(1, RF_REQUEST)) {
+    rf_pending_.store(value);
+  } else if (is_rf(space, address)) {
+    rf_shown_[rf_index(address)].store(value);
+    rf_registers_[rf_index(address)].store(value);
+  } else {
+    set_register(space, address, value);
+  }
+}
+
 void Board::set_adc_count(std::uint32_t channel, std::uint32_t count) noexcept {
   adc_counts_[channel % ADC_CHANNELS].store(count);
 }

@@ -34,6 +34,13 @@ public:
   bool set_register(std::uint32_t space, std::uint32_t address, std::uint32_t value) noexcept;
   std::uint32_t register_value(std::uint32_t space, std::uint32_t address) const noexcept;
 
+  /// What the driver would read now, without side effects: an RF register (except the last) shows its last transfer.
+  std::uint32_t shown(std::uint32_t space, std::uint32_t address) const noexcept;
+  /// Makes shown() return what `other` shows now.
+  void copy_shown(const Board& other) noexcept;
+  /// Makes shown() return that value of one register.
+  void show(std::uint32_t space, std::uint32_t address, std::uint32_t value) noexcept;
+
   /// The RF ADC count of a channel (0 to 7).
   void set_adc_count(std::uint32_t channel, std::uint32_t count) noexcept;
   std::uint32_t adc_count(std::uint32_t channel) const noexcept;

@@ -106,6 +106,21 @@ bool Gui::answer(const std::string& title, const std::string& label) {
   return true;
 }
 
+bool Gui::answer(std::uint64_t id, const std::string& label) {
+  {
+    const std::lock_guard guard(mutex_);
+    Slot& slot = slots_[id % DIALOGS_KEPT];
+    const auto answer = slot.id != id || slot.answered ? std::nullopt : answer_of(slot.buttons.str(), label);
+    if (!answer) {
+      return false;
+    }
+    slot.answer = *answer;
+    slot.answered = true;
+  }
+  changed_.raise();
+  return true;
+}
+
 std::vector<Dialog> Gui::dialogs() const {
   const std::lock_guard guard(mutex_);
   std::vector<Dialog> kept;

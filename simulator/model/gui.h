@@ -41,6 +41,8 @@ public:
 
   /// Presses the button with that label on the newest unanswered dialog of that title; false if there is none.
   bool answer(const std::string& title, const std::string& label);
+  /// Presses the button with that label on that dialog; false if it is not kept, is answered or has no such button.
+  bool answer(std::uint64_t id, const std::string& label);
   /// The dialogs kept, oldest first.
   std::vector<Dialog> dialogs() const;
   /// Waits until an unanswered dialog of that title waits for its answer; false if `limit` passes first.

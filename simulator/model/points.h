@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "simulator/memory/names.h"
@@ -36,6 +37,7 @@ enum class Point : std::uint32_t {
   PSDRIVER_REPLY,
   PSDRIVER_INTERRUPT,
   DDS_PARTICIPANT,
+  DDS_WRITE,
   EVENTS_SEND,
   ORB_LOOKUP,
   LOCKER_TAKE,
@@ -46,11 +48,26 @@ enum class Point : std::uint32_t {
   EVERYBODY_SHUTDOWN_ALL,
   HW_ENUMERATE_SHUTDOWN_ENGINE,
   I2C_READ,
+  SHELL_IFCONFIG,
+  SHELL_MOUNT,
+  SHELL_UDHCPC,
+  SHELL_SHUTDOWN,
+  FILE_FPGA_VER,
+  FILE_BOARD_REV,
+  FILE_CPLD_VER,
+  FILE_CELSIUS,
+  FILE_MAX_BRIGHTNESS,
+  FILE_BRIGHTNESS,
+  FILE_BL_POWER,
+  FILE_MIC284,
   COUNT
 };
 
+/// The sort of interface that is crossed at a point, described in CROSSINGS.
+enum class Crossing : std::uint32_t { DRIVER, CORBA, DDS, COMMAND, FILE, COUNT };
+
 /// A kind of fault at a point, described in FAULT_KINDS.
-enum class FaultKind : std::uint32_t { NONE, FAIL, NO_REPLY, LATE, TWICE, SLOW, GARBAGE, COUNT };
+enum class FaultKind : std::uint32_t { NONE, FAIL, NO_REPLY, LATE, TWICE, SLOW, GARBAGE, STUCK, COUNT };
 
 /// A set of kinds; NONE is in every one.
 class FaultKinds {
@@ -76,6 +93,23 @@ struct PointRow {
   std::string_view name;  ///< "radalt.read"
   FaultKinds kinds;
   std::string_view doc;  ///< what crosses
+  Crossing crossing = Crossing::DRIVER;
+};
+
+/// The number that goes with a kind of fault.
+struct FaultNumber {
+  std::string_view meaning = {};  ///< empty: there is no number
+  std::int64_t minimum = 0;
+  std::int64_t maximum = 0;
+};
+
+/// A sort of interface.
+struct CrossingRow {
+  Crossing key;
+  std::string_view name;   ///< "library"
+  std::string_view doc;    ///< "call of a driver or the framework"
+  FaultNumber fail;        ///< the number of FAIL
+  bool is_counted = true;  ///< whether single crossings are seen, counted and hit; else the fault lasts while armed
 };
 
 /// A kind of fault and its number.
@@ -83,17 +117,19 @@ struct KindRow {
   FaultKind key;
   std::string_view name;  ///< "no_reply"
   std::string_view doc;
-  std::string_view value = {};  ///< meaning of the number; empty: no number
-  std::int64_t minimum = 0;
-  std::int64_t maximum = 0;
+  FaultNumber number = {};  ///< of FAIL: see CrossingRow::fail
 };
 
-/// Every point and every kind, in the order of their enumerators.
+/// Every point, sort of interface and kind, in the order of their enumerators.
 extern const memory::Table<Point, PointRow> POINTS;
+extern const memory::Table<Crossing, CrossingRow> CROSSINGS;
 extern const memory::Table<FaultKind, KindRow> FAULT_KINDS;
 
 inline const PointRow& row_of(Point point) noexcept {
   return memory::row_of(POINTS, point);
+}
+inline const CrossingRow& row_of(Crossing crossing) noexcept {
+  return memory::row_of(CROSSINGS, crossing);
 }
 inline const KindRow& row_of(FaultKind kind) noexcept {
   return memory::row_of(FAULT_KINDS, kind);
@@ -104,6 +140,12 @@ inline std::string_view name_of(Point point) noexcept {
 inline std::string_view name_of(FaultKind kind) noexcept {
   return row_of(kind).name;
 }
+/// The number of that kind of fault at the point.
+inline const FaultNumber& number_of(Point point, FaultKind kind) noexcept {
+  return kind == FaultKind::FAIL ? row_of(row_of(point).crossing).fail : row_of(kind).number;
+}
+/// "none, fail, slow"
+std::string names_of(FaultKinds kinds);
 inline std::optional<Point> point_named(std::string_view name) noexcept {
   return memory::named_in(POINTS, name);
 }

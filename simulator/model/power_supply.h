@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 
 #include "simulator/memory/shared_mutex.h"
 #include "simulator/memory/signal.h"
@@ -23,10 +24,17 @@ enum class Reply : std::uint32_t {
   COUNT
 };
 
+/// Thrown if a driver has left INTERRUPTS_KEPT interrupts unhandled.
+class InterruptsFull : public std::runtime_error {
+public:
+  InterruptsFull();
+};
+
 /// The power-supply controller. Part of the unit's model; any thread of any process.
 class PowerSupply {
 public:
   static constexpr std::size_t INTERRUPTS_KEPT = 256;
+  static constexpr std::size_t DRIVERS_AT_MOST = 64;
   /// Initial value of led_status() and communication_status().
   static constexpr std::int32_t NOT_SET = -1;
 
@@ -43,16 +51,26 @@ public:
   void set_communication_status(std::int32_t status) noexcept { communication_status_.store(status); }
   std::int32_t communication_status() const noexcept { return communication_status_.load(); }
 
-  /// Raises a switch interrupt in every driver that has the controller open and returns its number, counted from 1. A
-  /// driver that is more than INTERRUPTS_KEPT behind loses the oldest.
+  /// Raises a switch interrupt in every driver that has the controller open and returns its number, counted from 1.
+  /// None is lost: throws InterruptsFull, with nothing raised, if a driver has INTERRUPTS_KEPT interrupts left to
+  /// handle.
   std::uint64_t raise_interrupt(std::int32_t communication_status);
   /// Number of interrupts raised so far.
   std::uint64_t interrupts_raised() const noexcept { return raised_.load(); }
   /// The value of interrupt `number`; none if not yet raised; that of the oldest kept if no longer kept.
   std::optional<std::int32_t> interrupt(std::uint64_t number) const;
 
-  /// Called by the driver after the handler of interrupt `number` has returned.
-  void mark_interrupt_handled(std::uint64_t number) noexcept;
+  /// A driver that has the controller open: the interrupts from `next` on are kept for it.
+  struct Driver {
+    std::size_t seat;
+    std::uint64_t next;  ///< the first interrupt that it has not handled
+  };
+  /// Enters a driver, which starts with the interrupts raised from now on; none if DRIVERS_AT_MOST are in. The calling
+  /// thread is the driver's own: the driver is in until this thread calls leave() or ends in any other way.
+  std::optional<Driver> enter();
+  void leave(const Driver& driver);
+  /// Called by the driver after the handler of its next interrupt has returned.
+  void mark_interrupt_handled(Driver& driver) noexcept;
   /// Waits until a driver has handled interrupt `number`; false if `limit` passes first.
   bool wait_interrupt_handled(std::uint64_t number, std::chrono::milliseconds limit) const;
 
@@ -60,6 +78,16 @@ public:
   memory::Signal& wake_up() noexcept { return wake_up_; }
 
 private:
+  /// A place for a driver; its thread holds the mutex.
+  struct Seat {
+    memory::SharedMutex held;
+    bool taken = false;
+    std::atomic<std::uint64_t> handled{0};
+  };
+
+  static bool is_free(Seat& seat);
+  void require_room();
+
   static constexpr std::size_t index(Reply reply) noexcept { return static_cast<std::size_t>(reply); }
 
   std::array<std::atomic<std::int32_t>, static_cast<std::size_t>(Reply::COUNT)> replies_{};
@@ -70,6 +98,7 @@ private:
   std::atomic<std::uint64_t> raised_{0};
   std::atomic<std::uint64_t> handled_{0};
   std::array<std::int32_t, INTERRUPTS_KEPT> interrupts_{};
+  std::array<Seat, DRIVERS_AT_MOST> seats_;  ///< `taken` is guarded by interrupts_mutex_
   memory::Signal wake_up_;
   memory::Signal handled_signal_;
 };

@@ -24,10 +24,12 @@ public:
   /// `root`: the folder that the unit sees as /sys.
   explicit SysfsFiles(std::string root) : root_(std::move(root)) {}
 
-  /// The file's whole text; none if there is no such file.
+  /// The file's text, 64 KiB of it at most; none if there is no such regular file. Follows no link and never blocks.
   std::optional<std::string> text(const SysfsFile& file) const;
   /// Replaces the file's text atomically and creates its folders; none removes the file. Throws std::system_error.
   void set_text(const SysfsFile& file, const std::optional<std::string>& text) const;
+  /// Makes the file impossible to open, for reading and for writing, until its text is set. Throws std::system_error.
+  void block(const SysfsFile& file) const;
 
   const std::string& root() const noexcept { return root_; }
 

@@ -42,10 +42,10 @@ std::string run_folder_of(const std::string& path) {
   return fs::absolute(path).lexically_normal().parent_path().string();
 }
 
-/// The folder that the unit of this run folder sees as /sys.
-std::string sys_root_of(const fs::path& run_folder) {
+/// The folder that the unit of this run folder sees as its root.
+fs::path root_of(const fs::path& run_folder) {
   const bool in_state_folder = run_folder.filename() == "unit" && run_folder.parent_path().filename() == "run";
-  return ((in_state_folder ? run_folder.parent_path().parent_path() : run_folder) / "sys").string();
+  return in_state_folder ? run_folder.parent_path().parent_path() : run_folder;
 }
 
 std::string path_of_this_unit() {
@@ -59,7 +59,7 @@ UnitModel::UnitModel(const std::string& path, Shared* shared)
     : shared_(shared),
       run_folder_(run_folder_of(path)),
       record_(run_folder_ + "/calls.jsonl", shared->faults.watch()),
-      sysfs_(sys_root_of(run_folder_)) {}
+      files_(root_of(run_folder_) / "sys", root_of(run_folder_) / "tmp", shared->faults, shared->kept_texts) {}
 
 UnitModel::~UnitModel() {
   ::munmap(shared_, sizeof(Shared));
@@ -80,7 +80,7 @@ void UnitModel::prepare(const std::string& path, const Fill& fill) {
   }
   UnitModel unit(path, new (map(file.descriptor, path)) Shared);
   for (const SysfsFile& each : sysfs_files()) {
-    unit.sysfs().set_text(each, std::nullopt);
+    unit.files().set_text(each, std::nullopt);
   }
   if (fill) {
     fill(unit);
@@ -126,7 +126,7 @@ UnitModel& UnitModel::of_this_unit() {
 }
 
 Fault UnitModel::cross(Point point, const std::string& args) {
-  const Fault fault = faults().strike(point);
+  const Fault fault = crossings().strike(point);
   record_.append(point, args);
   if (fault.kind == FaultKind::SLOW) {
     std::this_thread::sleep_for(std::chrono::milliseconds(fault.value));

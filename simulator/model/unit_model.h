@@ -12,7 +12,8 @@
 #include "simulator/model/power_supply.h"
 #include "simulator/model/sensors.h"
 #include "simulator/model/services.h"
-#include "simulator/model/sysfs_files.h"
+#include "simulator/model/unit_faults.h"
+#include "simulator/model/unit_files.h"
 
 namespace simulator::model {
 
@@ -44,11 +45,15 @@ public:
   Sensors& sensors() noexcept { return shared_->sensors; }
   Services& services() noexcept { return shared_->services; }
   Gui& gui() noexcept { return shared_->gui; }
-  Faults& faults() noexcept { return shared_->faults; }
+  UnitFaults& faults() noexcept { return faults_; }
   CallRecord& record() noexcept { return record_; }
-  /// The sysfs files of the unit: those in the folder sys/ of the unit's state folder (for a model elsewhere than in
-  /// run/unit/: the folder sys/ beside the model).
-  SysfsFiles& sysfs() noexcept { return sysfs_; }
+  /// The files of the unit: those in the folders sys/ and tmp/ of the unit's state folder (for a model elsewhere than
+  /// in run/unit/: the folders beside the model).
+  UnitFiles& files() noexcept { return files_; }
+
+  /// For the simulated closed libraries: the faults that their calls meet, and what the board shows while it is stuck.
+  Faults& crossings() noexcept { return shared_->faults; }
+  Board& held_board() noexcept { return shared_->held_board; }
 
   /// Whether crossings are watched: the record is on, calls are counted or a fault is armed. Costs one plain load.
   /// Crossings do extra work only if true.
@@ -67,7 +72,7 @@ private:
   /// The contents of the file.
   struct Shared {
     static constexpr std::uint64_t MAGIC = 0x31304C444D54494E;
-    static constexpr std::uint32_t VERSION = 1;
+    static constexpr std::uint32_t VERSION = 2;
 
     std::uint64_t magic = MAGIC;
     std::uint32_t version = VERSION;
@@ -78,6 +83,8 @@ private:
     Services services;
     Gui gui;
     Faults faults;
+    KeptTexts kept_texts;
+    Board held_board;
   };
 
   UnitModel(const std::string& path, Shared* shared);
@@ -87,7 +94,8 @@ private:
   Shared* shared_;
   std::string run_folder_;
   CallRecord record_;
-  SysfsFiles sysfs_;
+  UnitFiles files_;
+  UnitFaults faults_{*this};
 };
 
 }  // namespace simulator::model

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -63,11 +64,16 @@ public:
       words_.push_back(const_cast<char*>(word.c_str()));
     }
     words_.push_back(nullptr);
+    fill_environment();
   }
 
-  [[noreturn]] void become() {
-    if (options_.own_session) {
+  /// `report`: descriptor that receives the error number if the program cannot be started; -1: prints an error.
+  [[noreturn]] void become(int report = -1) {
+    if (options_.own_session || options_.terminal != -1) {
       ::setsid();
+    }
+    if (options_.terminal != -1) {
+      ::ioctl(options_.terminal, TIOCSCTTY, 0);
     }
     if (!options_.keeps_signal_mask) {
       sigset_t none;
@@ -75,8 +81,15 @@ public:
       ::sigprocmask(SIG_SETMASK, &none, nullptr);
       ::signal(SIGPIPE, SIG_DFL);
     }
-    place_descriptors();
-    ::execvp(words_[0], words_.data());
+    place_descriptors(report);
+    if (options_.directory.empty() || ::chdir(options_.directory.c_str()) == 0) {
+      ::execvpe(words_[0], words_.data(), environment_.data());
+    }
+    if (report != -1) {
+      const int error = errno;
+      [[maybe_unused]] const ssize_t told = ::write(report, &error, sizeof error);
+      ::_exit(NOT_STARTED);
+    }
     const char* const reason = ::strerrordesc_np(errno);
     for (const char* part : {complaint_.c_str(), reason, "\n"}) {
       [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, part, std::strlen(part));
@@ -85,8 +98,33 @@ public:
   }
 
 private:
+  /// The starter's environment with the options' variables.
+  void fill_environment() {
+    for (const auto& [name, value] : options_.environment) {
+      variables_.push_back(name + "=" + value);
+    }
+    const auto replaced = [this](const char* entry) {
+      return std::any_of(variables_.begin(), variables_.end(), [entry](const std::string& each) {
+        const std::size_t size = each.find('=') + 1;
+        return each.compare(0, size, entry, std::min(size, std::strlen(entry))) == 0;
+      });
+    };
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+      if (!replaced(*entry)) {
+        environment_.push_back(*entry);
+      }
+    }
+    for (std::string& each : variables_) {
+      environment_.push_back(each.data());
+    }
+    environment_.push_back(nullptr);
+  }
+
   /// Moves the descriptors aside first, then to their targets: the target of one may be the source of another.
-  void place_descriptors() {
+  void place_descriptors(int& report) {
+    if (report != -1) {
+      report = ::fcntl(report, F_DUPFD_CLOEXEC, highest_place() + 1);
+    }
     for (auto& [ours, theirs] : descriptors_) {
       ours = ::fcntl(ours, F_DUPFD_CLOEXEC, highest_place() + 1);
     }
@@ -111,19 +149,63 @@ private:
   Descriptor nothing_;
   std::string complaint_;
   std::vector<char*> words_;
+  std::vector<std::string> variables_;
+  std::vector<char*> environment_;
+};
+
+/// A pipe through which a child reports why its program could not be started; the start of the program closes it.
+class StartReport {
+public:
+  StartReport() { require(::pipe2(ends_, O_CLOEXEC), "pipe"); }
+  ~StartReport() {
+    ::close(ends_[0]);
+    close_child_end();
+  }
+  StartReport(const StartReport&) = delete;
+  StartReport& operator=(const StartReport&) = delete;
+
+  int child_end() const { return ends_[1]; }
+  /// The error number; 0 if the program was started. Blocks until either is known.
+  int error() {
+    close_child_end();
+    int number = 0;
+    ssize_t size = 0;
+    do {
+      size = ::read(ends_[0], &number, sizeof number);
+    } while (size == -1 && errno == EINTR);
+    return size == static_cast<ssize_t>(sizeof number) ? number : 0;
+  }
+
+private:
+  void close_child_end() {
+    if (ends_[1] != -1) {
+      ::close(ends_[1]);
+      ends_[1] = -1;
+    }
+  }
+
+  int ends_[2];
 };
 
 }  // namespace
 
 pid_t start_program(const std::vector<std::string>& line, const ChildOptions& options) {
   Start program(line, options);
+  std::optional<StartReport> report;
+  if (options.throws_if_not_started) {
+    report.emplace();
+  }
   const pid_t starter = ::getpid();
   const pid_t child = require(::fork(), "fork");
   if (child == 0) {
     if (options.dies_with_starter && (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::getppid() != starter)) {
       ::_exit(NOT_STARTED);
     }
-    program.become();
+    program.become(report ? report->child_end() : -1);
+  }
+  if (const int error = report ? report->error() : 0) {
+    reap(child, true);
+    throw std::system_error(error, std::generic_category(), line[0]);
   }
   return child;
 }

@@ -17,10 +17,17 @@ struct ChildOptions {
   bool keeps_signal_mask = false;  ///< signals blocked by the starter stay blocked
   bool own_session = false;        ///< the terminal's signals do not reach it
   bool dies_with_starter = false;  ///< killed when the starting thread ends
+  int terminal = -1;               ///< terminal that controls the child; implies own_session
+  std::string directory;           ///< its working directory; empty: the starter's
+  /// Variables set or replaced in its environment.
+  std::vector<std::pair<std::string, std::string>> environment;
+  /// Start-up errors are thrown by the starter instead of printed by the child.
+  bool throws_if_not_started = false;
 };
 
-/// Starts a program, found in PATH. If the program cannot be started, the child prints an error and exits with 127.
-/// Throws std::system_error if no process can be created or the log cannot be opened. Any thread.
+/// Starts a program, found in PATH. If the program cannot be started, the child prints an error and exits with 127, or
+/// std::system_error is thrown, as the options choose. Throws std::system_error if no process can be created or the log
+/// cannot be opened. Any thread.
 pid_t start_program(const std::vector<std::string>& line, const ChildOptions& options = {});
 
 /// Replaces this process by the program; exits with 127 if it cannot be started.

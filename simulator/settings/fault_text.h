@@ -13,7 +13,8 @@ std::string text_of(const model::Fault& fault);
 /// The kind: the first word of a fault's text.
 std::string kind_in(const std::string& text);
 
-/// The fault of that text, whose kind must be valid. Throws std::invalid_argument if a parameter is wrong.
-model::Fault fault_of(const std::string& text);
+/// The fault of that text for that point, which admits its kind. Throws std::invalid_argument if a parameter is wrong
+/// or has no effect.
+model::Fault fault_of(model::Point point, const std::string& text);
 
 }  // namespace simulator::settings

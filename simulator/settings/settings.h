@@ -38,19 +38,21 @@ struct Setting {
   std::function<void(model::UnitModel&, const nlohmann::json&)> set;  ///< accepts values that passed check()
 };
 
-/// An invalid value or name; what() is "name: reason".
+/// An invalid value or name; what() is "name: reason", on one line. Texts from outside are shortened and escaped in it.
 class SettingError : public std::runtime_error {
 public:
-  SettingError(const std::string& setting, const std::string& why);
+  SettingError(const std::string& setting, const std::string& why, std::string wanted = {});
 
   std::string name;
   std::string reason;
+  std::string expected;  ///< the accepted values, "whole number from 0 to 255"; empty: the error concerns no value
 };
 
 /// All settings, in documentation order. Unnamed board registers are the settings board.register.<space>.<address>,
-/// which find_setting() knows but this list does not contain.
+/// both decimal without leading zeros, which find_setting() knows but this list does not contain.
 const std::vector<Setting>& settings();
-/// The setting of that name; none if there is no such setting.
+/// The setting of that name; none if there is no such setting. A register with a name of its own is found by both
+/// names.
 std::optional<Setting> find_setting(const std::string& name);
 
 /// Throws SettingError if the setting does not accept the value.
@@ -61,5 +63,9 @@ nlohmann::json get_setting(model::UnitModel& unit, const std::string& name);
 void set_setting(model::UnitModel& unit, const std::string& name, const nlohmann::json& value);
 /// Like set_setting(), with a typed value: parsed as JSON if valid, else taken as text ("never", "38.5\n").
 void set_setting_from_text(model::UnitModel& unit, const std::string& name, const std::string& text);
+
+/// Sets several values of the unit: all, or none if one is not accepted or cannot be set. `values`: one object, as in a
+/// unit file. Faults are armed last. Throws SettingError.
+void patch(model::UnitModel& unit, const nlohmann::json& values);
 
 }  // namespace simulator::settings

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <limits>
 #include <type_traits>
@@ -7,12 +6,12 @@
 
 #include "simulator/settings/fault_text.h"
 #include "simulator/settings/settings.h"
+#include "simulator/settings/values.h"
 
 namespace simulator::settings {
 namespace {
 
 using model::Board;
-using model::Faults;
 using model::PowerSupply;
 using model::Reply;
 using model::Sensors;
@@ -20,7 +19,7 @@ using model::Service;
 using model::ServiceBehaviour;
 using model::Services;
 using model::SysfsFile;
-using model::SysfsFiles;
+using model::UnitFiles;
 using model::UnitModel;
 using nlohmann::json;
 
@@ -56,8 +55,6 @@ json shown(const Value& value) {
     return value.count();
   } else if constexpr (std::is_same_v<Value, ServiceBehaviour>) {
     return std::string(name_of(value));
-  } else if constexpr (std::is_same_v<Value, model::Fault>) {
-    return text_of(value);
   } else if constexpr (std::is_same_v<Value, std::optional<std::string>>) {
     return value ? json(*value) : json(nullptr);
   } else {
@@ -75,8 +72,6 @@ auto taken(const json& value) {
                              : value.get<std::uint32_t>();
   } else if constexpr (std::is_same_v<Value, ServiceBehaviour>) {
     return memory::named_in(model::SERVICE_BEHAVIOURS, value.get<std::string>()).value();
-  } else if constexpr (std::is_same_v<Value, model::Fault>) {
-    return fault_of(value.get<std::string>());
   } else if constexpr (std::is_same_v<Value, std::optional<std::string>>) {
     return value.is_null() ? std::nullopt : std::optional(value.get<std::string>());
   } else {
@@ -105,6 +100,38 @@ Setting register_setting(const std::string& name, std::uint32_t space, std::uint
   return setting;
 }
 
+/// A register with a setting of its own, in address space 1.
+struct NamedRegister {
+  std::uint32_t address;
+  const char* name;
+  const char* doc;
+};
+
+constexpr NamedRegister NAMED_REGISTERS[] = {
+    {0, "board.digital.card_id", "digital board card identifier"},
+    {4, "board.digital.card_revision", "digital board card revision"},
+    {8, "board.digital.firmware", "digital board firmware word"},
+    {40, "board.digital.temperature_count", "digital board temperature, 0.25 degC per step"},
+    {128, "board.rf.card_id", "RF board card identifier"},
+    {132, "board.rf.card_revision", "RF board card revision"},
+    {136, "board.rf.firmware", "RF board firmware word"},
+    {Board::RF_CONTROL, "board.rf.control", "RF control register; bit 0 hides the RF ADC"},
+};
+
+const NamedRegister* named_register(std::uint32_t space, std::uint32_t address) {
+  const auto* const at = std::find_if(std::begin(NAMED_REGISTERS), std::end(NAMED_REGISTERS),
+                                      [&](const NamedRegister& each) { return each.address == address; });
+  return space == 1 && at != std::end(NAMED_REGISTERS) ? at : nullptr;
+}
+
+void add_registers(std::vector<Setting>& all, const std::string& board) {
+  for (const NamedRegister& each : NAMED_REGISTERS) {
+    if (std::string_view(each.name).substr(0, board.size()) == board) {
+      all.push_back(register_setting(each.name, 1, each.address, each.doc));
+    }
+  }
+}
+
 Setting adc_fitted() {
   Setting fitted = flag("board.rf.adc_fitted", "whether the RF ADC converts (bit 0 of RF register 248)");
   fitted.get = [](UnitModel& unit) -> json { return (unit.board().register_value(1, Board::RF_LAST) & 1) != 0; };
@@ -130,22 +157,14 @@ Setting transfer_time() {
 }
 
 void add_board(std::vector<Setting>& all) {
-  all = {
-      held<&UnitModel::board, &Board::handle, &Board::set_handle>(
-          number("board.handle", "", 0, HIGHEST, "handle returned by opening the board; older handles become invalid")),
-      register_setting("board.digital.card_id", 1, 0, "digital board card identifier"),
-      register_setting("board.digital.card_revision", 1, 4, "digital board card revision"),
-      register_setting("board.digital.firmware", 1, 8, "digital board firmware word"),
-      register_setting("board.digital.temperature_count", 1, 40, "digital board temperature, 0.25 degC per step"),
-      held<&UnitModel::board, &Board::rf_present, &Board::set_rf_present>(
-          flag("board.rf.present", "whether the RF board is fitted and answers")),
-      transfer_time(),
-      register_setting("board.rf.card_id", 1, 128, "RF board card identifier"),
-      register_setting("board.rf.card_revision", 1, 132, "RF board card revision"),
-      register_setting("board.rf.firmware", 1, 136, "RF board firmware word"),
-      register_setting("board.rf.control", 1, Board::RF_CONTROL, "RF control register; bit 0 hides the RF ADC"),
-      adc_fitted(),
-  };
+  all.push_back(held<&UnitModel::board, &Board::handle, &Board::set_handle>(
+      number("board.handle", "", 0, HIGHEST, "handle returned by opening the board; older handles become invalid")));
+  add_registers(all, "board.digital.");
+  all.push_back(held<&UnitModel::board, &Board::rf_present, &Board::set_rf_present>(
+      flag("board.rf.present", "whether the RF board is fitted and answers")));
+  all.push_back(transfer_time());
+  add_registers(all, "board.rf.");
+  all.push_back(adc_fitted());
   for (std::uint32_t channel = 0; channel < Board::ADC_CHANNELS; ++channel) {
     const std::string digit = std::to_string(channel);
     all.push_back(held<&UnitModel::board, &Board::adc_count, &Board::set_adc_count>(
@@ -207,8 +226,18 @@ void add_sysfs(std::vector<Setting>& all) {
     Setting text = named("sysfs." + std::string(file.name), SettingType::OPTIONAL_TEXT, {},
                          "/sys/" + std::string(file.path) + ": " + std::string(file.doc));
     text.maximum = LONGEST_TEXT;
-    all.push_back(held<&UnitModel::sysfs, &SysfsFiles::text, &SysfsFiles::set_text>(std::move(text), std::cref(file)));
+    all.push_back(held<&UnitModel::files, &UnitFiles::text, &UnitFiles::set_text>(std::move(text), std::cref(file)));
   }
+}
+
+Setting fault_setting(const model::PointRow& row, const Choices& kinds) {
+  Setting fault = named("faults." + std::string(row.name), SettingType::FAULT, kinds, std::string(row.doc));
+  const model::Point point = row.key;
+  fault.get = [point](UnitModel& unit) -> json { return text_of(unit.faults().armed_at(point)); };
+  fault.set = [point](UnitModel& unit, const json& value) {
+    unit.faults().arm(point, fault_of(point, value.get<std::string>()));
+  };
+  return fault;
 }
 
 void add_faults(std::vector<Setting>& all) {
@@ -220,8 +249,7 @@ void add_faults(std::vector<Setting>& all) {
       }
     }
     if (kinds.size() > 1) {
-      all.push_back(held<&UnitModel::faults, &Faults::armed_at, &Faults::arm>(
-          named("faults." + std::string(row.name), SettingType::FAULT, kinds, std::string(row.doc)), row.key));
+      all.push_back(fault_setting(row, kinds));
     }
   }
 }
@@ -235,13 +263,6 @@ std::vector<Setting> settings_table() {
 }
 
 constexpr std::string_view REGISTER_PREFIX = "board.register.";
-
-std::optional<std::uint32_t> number_in(std::string_view text) {
-  std::uint32_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool whole = error == std::errc{} && end == text.data() + text.size();
-  return whole ? std::optional(number) : std::nullopt;
-}
 
 /// True if the board does not let anybody set the register.
 bool is_out_of_reach(std::uint32_t space, std::uint32_t address) {
@@ -260,10 +281,13 @@ std::optional<Setting> find_register(const std::string& name) {
   if (dot == std::string_view::npos) {
     return std::nullopt;
   }
-  const auto space = number_in(numbers.substr(0, dot));
-  const auto address = number_in(numbers.substr(dot + 1));
+  const auto space = decimal_in(numbers.substr(0, dot));
+  const auto address = decimal_in(numbers.substr(dot + 1));
   if (!space || !address || is_out_of_reach(*space, *address)) {
     return std::nullopt;
+  }
+  if (const NamedRegister* own = named_register(*space, *address)) {
+    return register_setting(own->name, *space, *address, own->doc);
   }
   return register_setting(name, *space, *address, "board register");
 }

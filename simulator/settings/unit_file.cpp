@@ -1,167 +1,101 @@
 #include "simulator/settings/unit_file.h"
 
-#include <algorithm>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <set>
-#include <sstream>
-#include <string_view>
+#include <limits>
 
-#include "simulator/settings/settings.h"
+#include "simulator/settings/json_input.h"
+#include "simulator/settings/one_line.h"
 
 namespace simulator::settings {
 namespace {
 
-using model::UnitModel;
-using nlohmann::json;
-using Values = std::vector<std::pair<std::string, json>>;
+constexpr std::size_t LARGEST_FILE = 1 << 20;
 
-/// "line 3, column 5: …", from the message of the JSON parser.
-std::string place_and_reason(const json::parse_error& error) {
-  const std::string text = error.what();
-  const std::size_t line = text.find("line ");
-  return line == std::string::npos ? text : text.substr(line);
-}
-
-/// Detects duplicate keys in a JSON object.
-class TwiceWatch {
-public:
-  bool operator()(int, json::parse_event_t event, const json& parsed) {
-    if (event == json::parse_event_t::object_start) {
-      open_.emplace_back();
-    } else if (event == json::parse_event_t::object_end) {
-      open_.pop_back();
-    } else if (event == json::parse_event_t::key) {
-      note(parsed.get<std::string>());
-    }
-    return true;
-  }
-
-  /// The dotted name of the first duplicate key; empty if there is none.
-  const std::string& twice() const { return twice_; }
-
-private:
-  struct Object {
-    std::string last;
-    std::set<std::string> keys;
-  };
-
-  void note(const std::string& key) {
-    open_.back().last = key;
-    if (!open_.back().keys.insert(key).second && twice_.empty()) {
-      for (const Object& object : open_) {
-        twice_ += (twice_.empty() ? "" : ".") + object.last;
-      }
+/// An open file that closes itself.
+struct OpenFile {
+  // A FIFO without a writer and a terminal would block.
+  explicit OpenFile(const std::string& path)
+      : descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
+  ~OpenFile() {
+    if (descriptor >= 0) {
+      ::close(descriptor);
     }
   }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
 
-  std::vector<Object> open_;
-  std::string twice_;
+  const int descriptor;
 };
 
-constexpr std::string_view REGISTERS = "board.register";
-
-/// True for the two levels above a register: board.register and board.register.<space>.
-bool is_register_group(const std::string& name) {
-  if (name.compare(0, REGISTERS.size(), REGISTERS) != 0) {
-    return false;
-  }
-  const std::string space = name.substr(REGISTERS.size());
-  return space.empty() ||
-         (space.size() > 1 && space[0] == '.' && space.find_first_not_of("0123456789", 1) == std::string::npos);
+[[noreturn]] void refuse_unreadable(const std::string& path) {
+  throw UnitFileError(path, "", std::string("cannot be read: ") + std::strerror(errno));
 }
 
-bool is_group(const std::string& name) {
-  const std::string prefix = name + ".";
-  const auto& all = settings();
-  return is_register_group(name) ||
-         std::any_of(all.begin(), all.end(), [&](const Setting& each) { return each.name.rfind(prefix, 0) == 0; });
-}
-
-/// Checks and collects the value at the dotted `name`, or its members if the name is a group.
-void collect(const std::string& name, const json& value, Values& values) {
-  if (const auto setting = find_setting(name)) {
-    check(*setting, value);
-    values.emplace_back(name, value);
-    return;
-  }
-  if (!is_group(name)) {
-    throw SettingError(name, "no such setting");
-  }
-  if (!value.is_structured()) {
-    throw SettingError(name, "must hold settings, not " + value.dump(-1, ' ', false, json::error_handler_t::replace));
-  }
-  std::size_t place = 0;
-  for (const auto& [key, held] : value.items()) {
-    collect(name + "." + (value.is_array() ? std::to_string(place++) : key), held, values);
+std::string text_in(const OpenFile& file, const std::string& path) {
+  std::string text(LARGEST_FILE + 1, '\0');
+  std::size_t length = 0;
+  for (;;) {
+    const ssize_t got = ::read(file.descriptor, text.data() + length, text.size() - length);
+    if (got < 0) {
+      refuse_unreadable(path);
+    }
+    length += static_cast<std::size_t>(got);
+    if (length > LARGEST_FILE) {
+      throw UnitFileError(path, "", "larger than " + std::to_string(LARGEST_FILE) + " bytes");
+    }
+    if (got == 0) {
+      return text.substr(0, length);
+    }
   }
 }
 
-/// Rejects more registers than a board can hold in addition to the named ones.
-void check_room(const Values& values) {
-  const auto registers = std::count_if(values.begin(), values.end(), [](const auto& each) {
-    return each.first.compare(0, REGISTERS.size(), REGISTERS) == 0;
-  });
-  if (registers > UnitFile::REGISTERS_AT_MOST) {
-    throw SettingError(std::string(REGISTERS), "holds " + std::to_string(registers) +
-                                                   " registers; a unit file may hold " +
-                                                   std::to_string(UnitFile::REGISTERS_AT_MOST));
-  }
-}
-
-json parsed_text(const std::string& text, const std::string& name) {
-  TwiceWatch watch;
-  json parsed;
-  try {
-    parsed = json::parse(
-        text, [&watch](int depth, json::parse_event_t event, json& value) { return watch(depth, event, value); });
-  } catch (const json::parse_error& error) {
-    throw UnitFileError(name, "", place_and_reason(error));
-  }
-  if (!watch.twice().empty()) {
-    throw UnitFileError(name, watch.twice(), "given twice");
-  }
-  if (!parsed.is_object()) {
-    throw UnitFileError(name, "", "must hold one JSON object");
-  }
-  return parsed;
+std::string place(const std::string& path, const std::string& name) {
+  const std::string file = one_line(path, std::numeric_limits<std::size_t>::max());
+  return file + ": " + (name.empty() ? "" : name + ": ");
 }
 
 }  // namespace
 
-UnitFileError::UnitFileError(const std::string& path, const std::string& name, const std::string& why)
-    : std::runtime_error(path + ": " + (name.empty() ? "" : name + ": ") + why), file(path), key(name), reason(why) {}
+UnitFileError::UnitFileError(const std::string& path, const std::string& name, const std::string& why,
+                             std::string wanted)
+    : std::runtime_error(place(path, name) + why), file(path), key(name), reason(why), expected(std::move(wanted)) {}
 
 UnitFile UnitFile::load(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  if (in && in.peek() != std::ifstream::traits_type::eof()) {
-    text << in.rdbuf();
+  return parse(text_of(path), path);
+}
+
+std::string UnitFile::text_of(const std::string& path) {
+  const OpenFile file(path);
+  struct stat status {};
+  if (file.descriptor < 0 || ::fstat(file.descriptor, &status) != 0) {
+    refuse_unreadable(path);
   }
-  if (!in.is_open() || in.bad()) {
-    throw UnitFileError(path, "", std::string("cannot be read: ") + std::strerror(errno));
+  if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) {
+    throw UnitFileError(path, "", "not a regular file");
   }
-  return parse(text.str(), path);
+  return text_in(file, path);
 }
 
 UnitFile UnitFile::parse(const std::string& text, const std::string& name) {
   UnitFile file;
   try {
-    const json parsed = parsed_text(text, name);
-    for (const auto& [key, value] : parsed.items()) {
-      collect(key, value, file.values_);
-    }
-    check_room(file.values_);
+    file.values_ = checked_values(parsed_json(text));
+  } catch (const JsonError& error) {
+    throw UnitFileError(name, error.key, error.reason);
   } catch (const SettingError& error) {
-    throw UnitFileError(name, error.name, error.reason);
+    throw UnitFileError(name, error.name, error.reason, error.expected);
   }
   return file;
 }
 
-void UnitFile::operator()(UnitModel& unit) const {
-  for (const auto& [name, value] : values_) {
-    set_setting(unit, name, value);
+void UnitFile::operator()(model::UnitModel& unit) const {
+  for (const Value& each : values_) {
+    each.setting.set(unit, each.value);
   }
 }
 

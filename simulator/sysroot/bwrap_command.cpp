@@ -30,6 +30,11 @@ Words machine() {
   return words;
 }
 
+/// Where the outer root shows the bound path of that number.
+std::string bound(std::size_t number) {
+  return "/bound/" + std::to_string(number);
+}
+
 /// An open memory file with the text, inherited by child processes.
 int file_holding(const std::string& text) {
   const int descriptor = memfd_create("unit", 0);
@@ -42,8 +47,7 @@ int file_holding(const std::string& text) {
 
 }  // namespace
 
-BwrapCommand::BwrapCommand(const std::filesystem::path& build, const std::filesystem::path& state)
-    : build_(build), state_(state) {
+BwrapCommand::BwrapCommand(RootOptions options) : options_(std::move(options)) {
   // The unit's own fstab allows remounting "/"; the machine's would name missing devices.
   files_.push_back({"/etc/fstab", "0644", file_holding("tmpfs / tmpfs rw 0 0\n")});
   files_.push_back({"/etc/resolv.conf", "0644", file_holding("")});
@@ -75,9 +79,12 @@ Words BwrapCommand::outer() const {
   Words words{"/usr/bin/bwrap", "--die-with-parent"};
   append(words, machine());
   append(words, {"--bind", "/proc", "/proc", "--dev-bind", "/dev", "/dev", "--dir", "/tmp"});
-  append(words, {"--ro-bind", build_, "/opt/unit", "--dir", "/state"});
-  for (const char* name : {"sys", "tmp", "run", "root"}) {
-    append(words, {"--bind", state_ / name, std::string("/state/") + name});
+  append(words, {"--ro-bind", options_.build, "/opt/unit"});
+  for (std::size_t i = 0; i < options_.binds.size(); ++i) {
+    append(words, {"--ro-bind", options_.binds[i], bound(i)});
+  }
+  for (std::size_t i = 0; i < options_.files.size(); ++i) {
+    append(words, {"--ro-bind", options_.files[i].first, bound(options_.binds.size() + i)});
   }
   if (geteuid() == 0) {
     const std::string user = std::to_string(UNIT_USER_OF_ROOT);
@@ -96,14 +103,24 @@ Words BwrapCommand::inner() const {
   append(words, {"--die-with-parent", "--new-session"});
   append(words, machine());
   append(words, {"--symlink", "/proc/self/mounts", "/etc/mtab", "--proc", "/proc", "--dev", "/dev"});
+  const std::string size = std::to_string(static_cast<std::int64_t>(options_.disk_mib) << 20);
+  for (const char* folder : {"/sys", "/run", "/root", "/dev/shm"}) {
+    append(words, {"--size", size, "--tmpfs", folder});
+  }
+  // As on the unit: anybody may write, and files belong to their creator.
+  append(words, {"--perms", "1777", "--size", size, "--tmpfs", "/tmp"});
   for (const OwnFile& file : files_) {
     append(words, {"--perms", file.permissions, "--file", std::to_string(file.descriptor), file.path});
   }
-  for (const char* name : {"sys", "tmp", "run", "root"}) {
-    append(words, {"--bind", std::string("/state/") + name, std::string("/") + name});
-  }
   append(words, {"--ro-bind", "/opt/unit", "/opt/unit", "--dir", "/home/radalt/bin", "--symlink",
-                 "/opt/unit/bin/i2c_read", "/home/radalt/bin/i2c_read", "--chdir", "/"});
+                 "/opt/unit/bin/i2c_read", "/home/radalt/bin/i2c_read"});
+  for (std::size_t i = 0; i < options_.binds.size(); ++i) {
+    append(words, {"--ro-bind", bound(i), options_.binds[i]});
+  }
+  for (std::size_t i = 0; i < options_.files.size(); ++i) {
+    append(words, {"--ro-bind", bound(options_.binds.size() + i), options_.files[i].second});
+  }
+  append(words, {"--chdir", "/"});
   return words;
 }
 

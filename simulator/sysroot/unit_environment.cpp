@@ -1,7 +1,5 @@
 #include "simulator/sysroot/unit_environment.h"
 
-#include <fstream>
-
 namespace simulator::sysroot {
 namespace {
 
@@ -17,33 +15,11 @@ constexpr const char* CYCLONE_CONFIGURATION =
     "<Internal><UnicastResponseToSPDPMessages>false</UnicastResponseToSPDPMessages></Internal>"
     "</Domain></CycloneDDS>";
 
-/// OpenDDS discovers the other processes by multicast on the loopback interface and sends by unicast. With its default
-/// heartbeat and repair times a late reader would wait seconds for a value published earlier.
-constexpr const char* OPENDDS_CONFIGURATION =
-    "[common]\n"
-    "DCPSGlobalTransportConfig=$file\n"
-    "DCPSDefaultDiscovery=unit_discovery\n"
-    "DCPSRTISerialization=1\n"
-    "[transport/unit_transport]\n"
-    "transport_type=rtps_udp\n"
-    "local_address=127.0.0.1:0\n"
-    "use_multicast=0\n"
-    "heartbeat_period=50\n"
-    "heartbeat_response_delay=5\n"
-    "nak_response_delay=5\n"
-    "[rtps_discovery/unit_discovery]\n"
-    "MulticastInterface=lo\n"
-    "SedpMulticast=0\n"
-    "SedpLocalAddress=127.0.0.1:0\n"
-    "SpdpLocalAddress=127.0.0.1\n"
-    "ResendPeriod=1\n";
-
 }  // namespace
 
-std::vector<std::pair<std::string, std::string>> unit_environment(const StateFolder& state, int naming_port) {
-  std::ofstream(state.run() / "rtps.ini") << OPENDDS_CONFIGURATION;
+std::vector<std::pair<std::string, std::string>> unit_environment(int naming_port) {
   return {
-      {"PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"},
+      {"PATH", "/opt/unit/bin/commands:/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"},
       {"HOME", "/root"},
       {"USER", "root"},
       {"SHELL", "/bin/sh"},

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
@@ -28,16 +30,32 @@ unsigned long number(const std::string& text) {
   return value;
 }
 
+/// The register as the tool prints it.
+unsigned printed(UnitModel& unit, const Fault& fault) {
+  const std::uint32_t right = unit.sensors().mic284();
+  switch (fault.kind) {
+    case FaultKind::GARBAGE:
+      return static_cast<unsigned>(simulator::model::wrong_value(fault, static_cast<std::int32_t>(right)));
+    case FaultKind::STUCK:
+      return static_cast<unsigned>(unit.crossings().held(Point::I2C_READ));
+    default:
+      unit.crossings().delivered(Point::I2C_READ, static_cast<std::int32_t>(right));
+      return right;
+  }
+}
+
 /// Prints the sensor's register according to the unit's settings. Returns the exit status.
 int read_mic284(UnitModel& unit) {
   const Fault fault = unit.watched() ? unit.cross(Point::I2C_READ, "{}") : Fault{};
   if (fault.kind == FaultKind::FAIL) {
     std::fprintf(stderr, "i2c_read: device 0x48 on bus 3 does not answer\n");
-    return FAILED;
+    return fault.value == 0 ? FAILED : fault.value;
   }
-  const bool garbage = fault.kind == FaultKind::GARBAGE;
+  while (fault.kind == FaultKind::NO_REPLY) {
+    ::pause();
+  }
   if (unit.sensors().i2c_read_prints()) {
-    std::printf("%x\n", garbage ? static_cast<unsigned>(fault.value) : unit.sensors().mic284());
+    std::printf("%x\n", printed(unit, fault));
   }
   return unit.sensors().i2c_read_status();
 }

@@ -34,13 +34,13 @@ TEST(IsolationTest, TwoUnitsSideBySideDoNotMeet) {
   EXPECT_EQ(other_listener.out(), "listening\n");
 
   const std::uint64_t interrupt = one.interrupt(0x100);
-  ASSERT_TRUE(one.model().gui().wait_shown("System Prompt", PATIENCE));
-  EXPECT_THAT(other.model().gui().dialogs(), IsEmpty());
-  one.model().gui().answer("System Prompt", "Ok");
+  ASSERT_TRUE(one.shows("System Prompt"));
+  EXPECT_THAT(other.dialogs(), IsEmpty());
+  one.answer("System Prompt", "Ok");
   EXPECT_TRUE(one.handled(interrupt));
-  EXPECT_TRUE(fs::exists(one.outside("/run/unit/shutdown")));
-  EXPECT_FALSE(fs::exists(other.outside("/run/unit/shutdown")));
-  EXPECT_EQ(other.model().power_supply().communication_status(), -1);
+  EXPECT_TRUE(one.text("/run/unit/shutdown"));
+  EXPECT_FALSE(other.text("/run/unit/shutdown"));
+  EXPECT_EQ(other.setting("power_supply.communication_status"), -1);
 }
 
 /// A folder of the machine with contents that must not change.
@@ -85,7 +85,7 @@ TEST(IsolationTest, ANameThatWouldWriteOutsideChangesNothingThere) {
       "/deep; touch /usr/canary /etc/canary /opt/unit/canary /proc/1/root/canary /canary; mknod /tmp/canary b 8 0; "
       "touch /tmp/reached #";
   host.call("NetworkOff", {commands});
-  EXPECT_TRUE(fs::exists(unit.outside("/tmp/reached")));
+  EXPECT_TRUE(unit.text("/tmp/reached"));
   EXPECT_EQ(canary.contents(), before);
   for (const char* path :
        {"/usr/canary", "/etc/canary", "/canary", "/tmp/canary", "/tmp/reached", BUILD_FOLDER "/canary"}) {
@@ -94,16 +94,16 @@ TEST(IsolationTest, ANameThatWouldWriteOutsideChangesNothingThere) {
 }
 
 TEST(IsolationTest, EverythingOfAUnitGoesWithIt) {
-  fs::path state;
+  fs::path folder;
   {
     SimulatedUnit unit;
     unit.with_services().start();
     const Host host = unit.host();
     host.call("NetworkOff", {"; sleep 1000 & "});
-    state = unit.outside("/run").parent_path();
-    EXPECT_TRUE(simulator::sysroot::is_running(state));
+    folder = unit.found().folder;
+    EXPECT_TRUE(fs::exists(folder));
   }
-  EXPECT_FALSE(fs::exists(state));
+  EXPECT_FALSE(fs::exists(folder));
 }
 
 TEST(UnitFileTest, AMissingUnitFileIsRefused) {

@@ -74,19 +74,19 @@ TEST_F(LoadTest, LoadingTwiceMakesNothingNew) {
   EXPECT_THAT(ending, ExitedWith(0));
   EXPECT_THAT(ending.out, MatchesRegex(std::string(TRACE_LINE) + FAN_LINE));
   EXPECT_EQ(ending.err, "BASE_HARDWARE::GetFanState index err\n");
-  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_INIT), 1U);
+  EXPECT_EQ(unit_.calls_of(Point::RADALT_INIT), 1U);
 }
 
 TEST_F(LoadTest, ASecondCopyOfTheLibraryRefusesAndLeavesThePointer) {
   unit_.recorded().start();
-  std::filesystem::copy_file(BUILD_FOLDER "/lib/libradalt_hardware.so", unit_.outside("/run/unit/libcopy.so"));
+  unit_.shell("cp /opt/unit/lib/libradalt_hardware.so /run/unit/libcopy.so");
   const Ending ending =
       unit_.run_to_end({"load_probe", LIBRARY, "/run/unit/libcopy.so"}, {{"LD_LIBRARY_PATH", "/opt/unit/lib"}});
   EXPECT_THAT(ending, ExitedWith(0));
   const std::string address = report()["hardware"];
   EXPECT_EQ(ending.out, "BASE_HARDWARE::BASE_HARDWARE1 " + address + "\n" + FAN_LINE);
   EXPECT_EQ(ending.err, "so proxy err\nBASE_HARDWARE::GetFanState index err\n");
-  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_INIT), 1U);
+  EXPECT_EQ(unit_.calls_of(Point::RADALT_INIT), 1U);
 }
 
 TEST_F(LoadTest, AHardwareObjectThatIsThereAlreadyStays) {
@@ -236,7 +236,7 @@ TEST_F(LoadTest, ExitsWhileMessagesArrive) {
   for (int run = 0; run < 10; ++run) {
     const Host host = unit_.host();
     unit_.set("power_supply.led_status", -1);
-    ASSERT_TRUE(eventually([this] { return unit_.model().power_supply().led_status() == 12; })) << "run " << run;
+    ASSERT_TRUE(eventually([this] { return unit_.setting("power_supply.led_status") == 12; })) << "run " << run;
     const Ending ending = host.leave();
     ASSERT_THAT(ending, ExitedWith(0)) << "run " << run;
     ASSERT_EQ(ending.err, "") << "run " << run;
@@ -250,7 +250,7 @@ TEST_F(LoadTest, MessagesThatComeBeforeTheDriverWaitForIt) {
   const Program peer = unit_.run({"dds_peer", "flood"});
   peer.wait_for("flooding\n");
   const Host host = unit_.host();
-  ASSERT_TRUE(eventually([this] { return unit_.model().power_supply().led_status() == 12; }));
+  ASSERT_TRUE(eventually([this] { return unit_.setting("power_supply.led_status") == 12; }));
   EXPECT_THAT(host.leave(), ExitedWith(0));
   const std::vector<std::string> calls = unit_.call_names();
   const auto opened = std::find(calls.begin(), calls.end(), "psdriver.open");

@@ -31,7 +31,7 @@ protected:
   }
 
   /// How often the system LED has been set, counted while the unit is watched.
-  std::uint64_t led_calls() { return unit_.model().faults().calls(Point::SET_SYSTEM_LED_STATUS); }
+  std::uint64_t led_calls() { return unit_.calls_of(Point::SET_SYSTEM_LED_STATUS); }
 
   SimulatedUnit unit_;
   std::optional<Program> peer_;
@@ -130,7 +130,7 @@ TEST_F(MessagesTest, AnLedThatCannotBeSetIsOneEventAMessage) {
   const json failure =
       event("Handheld_Hardware::UIDoneLoadingDDS_SubCallback()", "Power Supply Driver Failure: UI Done Loading");
   EXPECT_THAT(unit_.events(), ElementsAre(failure, failure));
-  EXPECT_EQ(unit_.model().power_supply().led_status(), -1);
+  EXPECT_EQ(unit_.setting("power_supply.led_status"), -1);
   EXPECT_EQ(host.err(), "");
 }
 

@@ -85,7 +85,7 @@ TEST_F(NetworkTest, OffTakesTheInterfaceDown) {
 TEST_F(NetworkTest, StaticTakesTheInterfaceDownAndUpAndSetsNoAddress) {
   unit_.with_network();
   host().call("NetworkOff", {"eth0"});
-  fs::remove(unit_.outside("/run/unit/commands.jsonl"));
+  unit_.shell("rm /run/unit/commands.jsonl");
   EXPECT_EQ(host().call("SetupStaticIP", {"eth0"}), json::object());
   EXPECT_THAT(commands(), ElementsAre(Command{"ifconfig eth0 down", "read-only", "read-only"},
                                       Command{"ifconfig eth0 up", "read-only", "read-only"}));

@@ -18,7 +18,7 @@ protected:
   }
 
   /// How many replies the driver has delivered, counted while the unit is watched.
-  std::uint64_t replies() { return unit_.model().faults().calls(Point::PSDRIVER_REPLY); }
+  std::uint64_t replies() { return unit_.calls_of(Point::PSDRIVER_REPLY); }
 
   SimulatedUnit unit_;
   std::optional<Host> host_;
@@ -74,8 +74,8 @@ TEST_F(PowerTest, AReplyThatNobodyWaitedForAnswersTheNextRequest) {
 
 TEST_F(PowerTest, AReplyThatNeverComesBlocksItsCallerOnly) {
   unit_.fault(Point::GET_BATTERY_TEMPERATURE, {FaultKind::NO_REPLY});
-  const OpenCall blocked = host().begin("GetTemperature");
-  EXPECT_TRUE(eventually([this] { return unit_.model().faults().calls(Point::GET_BATTERY_TEMPERATURE) == 1; }));
+  OpenCall blocked = host().begin("GetTemperature");
+  EXPECT_TRUE(eventually([this] { return unit_.calls_of(Point::GET_BATTERY_TEMPERATURE) == 1; }));
   EXPECT_EQ(host().call("GetBatteryChargeStatus")["charge"], 57);
   EXPECT_FALSE(blocked.answered());
   EXPECT_THAT(host().leave(), ExitedWith(0));

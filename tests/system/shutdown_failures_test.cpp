@@ -25,7 +25,7 @@ void PrintTo(const Failing& failing, std::ostream* stream) {
 class FailingServiceTest : public ShutdownTest, public testing::WithParamInterface<Failing> {};
 
 TEST_P(FailingServiceTest, TheUnitIsShutDownAllTheSame) {
-  unit_.model().services().set_slow_ms(GetParam().service, 150);
+  unit_.set("services." + std::string(name_of(GetParam().service)) + ".slow_ms", 150);
   unit_.behave(GetParam().service, GetParam().behaviour);
   if (GetParam().asks) {
     interrupt_and_answer(0x140, "Ok");
@@ -35,7 +35,7 @@ TEST_P(FailingServiceTest, TheUnitIsShutDownAllTheSame) {
   EXPECT_THAT(unit_.call_names(), ElementsAreArray(GetParam().calls));
   EXPECT_EQ(out(), trace_line(0x140) + GetParam().progress);
   EXPECT_EQ(host_.err(), GetParam().errors);
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), 0x100);
+  EXPECT_EQ(unit_.setting("power_supply.communication_status"), 0x100);
   EXPECT_EQ(unit_.text(BL_POWER), "0");
   EXPECT_EQ(host_.call("GetChargerStatus")["result"], true);
 }
@@ -96,7 +96,7 @@ TEST_P(FailingCallTest, TheNextStepFollows) {
   EXPECT_THAT(unit_.call_names(), ElementsAreArray(GetParam().calls));
   EXPECT_EQ(out(), trace_line(0x100) + ALL_LINES);
   EXPECT_EQ(host_.err(), "");
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), 0x100);
+  EXPECT_EQ(unit_.setting("power_supply.communication_status"), 0x100);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -113,7 +113,7 @@ TEST(LonelyUnitTest, WithoutANamingServiceTheUnitIsShutDown) {
   const Host host = unit.start().host();
   ASSERT_TRUE(unit.handled(unit.interrupt(0x100)));
   EXPECT_EQ(host.err(), std::string(NO_GUI) + NO_EVERYBODY + NO_ENUMERATION);
-  EXPECT_EQ(unit.model().power_supply().communication_status(), 0x100);
+  EXPECT_EQ(unit.setting("power_supply.communication_status"), 0x100);
 }
 
 }  // namespace

@@ -53,8 +53,8 @@ protected:
   /// Raises an interrupt that asks the question, answers it, and waits until the interrupt has been handled.
   void interrupt_and_answer(int value, const std::string& label) {
     const std::uint64_t number = unit_.interrupt(value);
-    ASSERT_TRUE(unit_.model().gui().wait_shown(QUESTION, PATIENCE));
-    ASSERT_TRUE(unit_.model().gui().answer(QUESTION, label));
+    ASSERT_TRUE(unit_.shows(QUESTION));
+    ASSERT_TRUE(unit_.answer(QUESTION, label));
     ASSERT_TRUE(unit_.handled(number));
   }
 

@@ -17,8 +17,8 @@ TEST_F(ShutdownTest, AnswerOkShutsEverythingDownInItsOrder) {
   EXPECT_THAT(unit_.call_names(), ElementsAreArray(joined({REQUEST, ASK, SCREEN, EVERYBODY, ENUMERATION, HARDWARE})));
   EXPECT_EQ(out(), trace_line(0x100) + EVERYBODY_LINE + ENUMERATION_LINE + HARDWARE_LINE);
   EXPECT_EQ(host_.err(), "");
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), 0x100);
-  EXPECT_TRUE(std::filesystem::exists(unit_.outside("/run/unit/shutdown")));
+  EXPECT_EQ(unit_.setting("power_supply.communication_status"), 0x100);
+  EXPECT_TRUE(unit_.text("/run/unit/shutdown"));
   EXPECT_THAT(unit_.events(), IsEmpty());
   EXPECT_EQ(unit_.text(BL_POWER), "1\n");
 }
@@ -48,8 +48,8 @@ TEST_F(ShutdownTest, AnswerCancelEndsTheRequest) {
   interrupt_and_answer(0x100, "Cancel");
   EXPECT_THAT(unit_.call_names(), ElementsAreArray(joined({REQUEST, ASK})));
   EXPECT_EQ(out(), trace_line(0x100));
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), -1);
-  EXPECT_FALSE(std::filesystem::exists(unit_.outside("/run/unit/shutdown")));
+  EXPECT_EQ(unit_.setting("power_supply.communication_status"), -1);
+  EXPECT_FALSE(unit_.text("/run/unit/shutdown"));
 }
 
 TEST_F(ShutdownTest, AnyAnswerButOkEndsTheRequest) {
@@ -60,14 +60,14 @@ TEST_F(ShutdownTest, AnyAnswerButOkEndsTheRequest) {
 
 TEST_F(ShutdownTest, TheQuestionHoldsUpTheControllersReplies) {
   const std::uint64_t number = unit_.interrupt(0x01);
-  ASSERT_TRUE(unit_.model().gui().wait_shown(QUESTION, PATIENCE));
-  const OpenCall open = host_.begin("GetChargerStatus");
-  ASSERT_TRUE(eventually([this] { return unit_.model().faults().calls(Point::GET_CHARGER_BATTERY_STATUS) == 1; }));
+  ASSERT_TRUE(unit_.shows(QUESTION));
+  OpenCall open = host_.begin("GetChargerStatus");
+  ASSERT_TRUE(eventually([this] { return unit_.calls_of(Point::GET_CHARGER_BATTERY_STATUS) == 1; }));
   EXPECT_EQ(host_.call("GetBacklight")["level"], 100);
   EXPECT_FALSE(open.answered());
-  unit_.model().gui().answer(QUESTION, "Cancel");
+  unit_.answer(QUESTION, "Cancel");
   ASSERT_TRUE(unit_.handled(number));
-  EXPECT_EQ(json::parse(open.answer())["result"], true);
+  EXPECT_EQ(open.answer()["result"], true);
 }
 
 TEST_F(ShutdownTest, ASecondRequestMakesASecondCore) {
@@ -83,15 +83,14 @@ TEST_F(ShutdownTest, ASecondRequestMakesASecondCore) {
 // The file of the cover step is a pipe here: the writer waits for its reader.
 TEST_F(ShutdownTest, TheCoverStepComesLast) {
   unit_.fault(Point::SET_USER_INTERFACE_COMMUNICATION_STATUS, {FaultKind::FAIL});
-  std::filesystem::remove(unit_.outside(BL_POWER));
-  ASSERT_EQ(mkfifo(unit_.outside(BL_POWER).c_str(), 0666), 0);
-  std::filesystem::permissions(unit_.outside(BL_POWER), std::filesystem::perms(0666));
+  const std::string file(BL_POWER);
+  unit_.shell("rm " + file + "; mkfifo -m 666 " + file);
   const std::uint64_t number = unit_.interrupt(0x141);
-  ASSERT_TRUE(unit_.model().gui().wait_shown(QUESTION, PATIENCE));
-  unit_.model().gui().answer(QUESTION, "Ok");
+  ASSERT_TRUE(unit_.shows(QUESTION));
+  unit_.answer(QUESTION, "Ok");
   const auto everything = joined({REQUEST, ASK, SCREEN, EVERYBODY, ENUMERATION, HARDWARE, {"events.send"}});
   ASSERT_TRUE(eventually([&] { return unit_.call_names() == everything; }));
-  EXPECT_FALSE(unit_.model().power_supply().wait_interrupt_handled(number, std::chrono::milliseconds(0)));
+  EXPECT_FALSE(unit_.handled(number, std::chrono::milliseconds(0)));
   EXPECT_EQ(unit_.text(BL_POWER), "0");
   ASSERT_TRUE(unit_.handled(number));
   EXPECT_EQ(unit_.call_names(), everything);
@@ -128,7 +127,7 @@ TEST_F(ShutdownTest, TheCoverIsFollowedFromClosedToOpen) {
 }
 
 TEST_F(ShutdownTest, ABacklightThatIsNotThereIsPassedOver) {
-  std::filesystem::remove_all(unit_.outside("/sys/class/backlight"));
+  unit_.shell("rm -r /sys/class/backlight");
   interrupt(0x60);
   EXPECT_EQ(out(), trace_line(0x60));
   EXPECT_EQ(host_.err(), "");
@@ -155,7 +154,7 @@ TEST_F(ShutdownTest, OtherBitsDoNothing) {
     EXPECT_EQ(unit_.text(BRIGHTNESS), "100\n") << value;
     EXPECT_EQ(unit_.text(BL_POWER), "1\n") << value;
   }
-  EXPECT_THAT(unit_.model().gui().dialogs(), IsEmpty());
+  EXPECT_THAT(unit_.dialogs(), IsEmpty());
   EXPECT_THAT(out(), testing::EndsWith(trace_line(-2147483647 - 1)));
 }
 
@@ -168,23 +167,23 @@ TEST_F(ShutdownTest, AllBitsBrightenAskAndCloseTheCover) {
 
 TEST_F(ShutdownTest, TheDisplayIsBrightBeforeTheQuestion) {
   const std::uint64_t number = unit_.interrupt(0x120);
-  ASSERT_TRUE(unit_.model().gui().wait_shown(QUESTION, PATIENCE));
+  ASSERT_TRUE(unit_.shows(QUESTION));
   EXPECT_EQ(unit_.text(BRIGHTNESS), "255");
-  unit_.model().gui().answer(QUESTION, "Ok");
+  unit_.answer(QUESTION, "Ok");
   ASSERT_TRUE(unit_.handled(number));
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), 0x100);
+  EXPECT_EQ(unit_.setting("power_supply.communication_status"), 0x100);
 }
 
 TEST_F(ShutdownTest, TheScriptsStatusIsNotLookedAt) {
   unit_.write("/root/.shutdown", "#!/bin/sh\nexit 7\n");
   interrupt_and_answer(0x100, "Ok");
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), 0x100);
+  EXPECT_EQ(unit_.setting("power_supply.communication_status"), 0x100);
 }
 
 TEST_F(ShutdownTest, WithoutAScriptTheControllerIsTold) {
-  std::filesystem::remove(unit_.outside("/root/.shutdown"));
+  unit_.shell("rm /root/.shutdown");
   interrupt_and_answer(0x100, "Ok");
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), 0x100);
+  EXPECT_EQ(unit_.setting("power_supply.communication_status"), 0x100);
   EXPECT_EQ(host_.err(), "sh: 1: /root/.shutdown: not found\n");
 }
 
@@ -207,7 +206,7 @@ TEST_F(ShutdownTest, AGuiManagerFoundEarlierIsStillAsked) {
   unit_.behave(Service::GUI_MANAGER, ServiceBehaviour::ABSENT);
   interrupt_and_answer(0x100, "Cancel");
   EXPECT_EQ(host_.err(), NO_GUI);
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), -1);
+  EXPECT_EQ(unit_.setting("power_supply.communication_status"), -1);
 }
 
 TEST_F(ShutdownTest, AGuiManagerThatTurnsIntoSomethingElseIsForgotten) {
@@ -221,8 +220,8 @@ TEST_F(ShutdownTest, AGuiManagerThatTurnsIntoSomethingElseIsForgotten) {
 
 TEST_F(ShutdownTest, AGuiManagerThatDiesWithItsQuestionOpenLetsTheShutdownGoOn) {
   const std::uint64_t number = unit_.interrupt(0x140);
-  ASSERT_TRUE(unit_.model().gui().wait_shown(QUESTION, PATIENCE));
-  unit_.model().services().set_behaviour(Service::GUI_MANAGER, ServiceBehaviour::DIES_IN_CALL);
+  ASSERT_TRUE(unit_.shows(QUESTION));
+  unit_.set("services.gui_manager.behaviour", "dies_in_call");
   ASSERT_TRUE(unit_.handled(number));
   EXPECT_THAT(unit_.call_names(), ElementsAreArray(joined({REQUEST, ASK, EVERYBODY, ENUMERATION, HARDWARE})));
   EXPECT_EQ(unit_.text(BL_POWER), "0");
@@ -231,11 +230,11 @@ TEST_F(ShutdownTest, AGuiManagerThatDiesWithItsQuestionOpenLetsTheShutdownGoOn) 
 TEST_F(ShutdownTest, AServantThatNeverAnswersHoldsTheShutdownUp) {
   unit_.fault(Point::HW_ENUMERATE_SHUTDOWN_ENGINE, {FaultKind::NO_REPLY});
   const std::uint64_t number = unit_.interrupt(0x100);
-  ASSERT_TRUE(unit_.model().gui().wait_shown(QUESTION, PATIENCE));
-  unit_.model().gui().answer(QUESTION, "Ok");
-  ASSERT_TRUE(eventually([this] { return unit_.model().faults().calls(Point::HW_ENUMERATE_SHUTDOWN_ENGINE) == 1; }));
-  EXPECT_FALSE(unit_.model().power_supply().wait_interrupt_handled(number, std::chrono::milliseconds(300)));
-  EXPECT_EQ(unit_.model().power_supply().communication_status(), -1);
+  ASSERT_TRUE(unit_.shows(QUESTION));
+  unit_.answer(QUESTION, "Ok");
+  ASSERT_TRUE(eventually([this] { return unit_.calls_of(Point::HW_ENUMERATE_SHUTDOWN_ENGINE) == 1; }));
+  EXPECT_FALSE(unit_.handled(number, std::chrono::milliseconds(300)));
+  EXPECT_EQ(unit_.setting("power_supply.communication_status"), -1);
   EXPECT_THAT(host_.leave(), ExitedWith(0));
 }
 

@@ -145,7 +145,7 @@ TEST_F(TemperaturesTest, AReadingThatCannotBeReplacedIsReadAgain) {
 
 TEST_F(TemperaturesTest, WithoutAReadingThereIsNoRow) {
   temperatures();
-  std::filesystem::remove(unit_.outside("/tmp/MIC284"));
+  unit_.shell("rm /tmp/MIC284");
   make_read_only("/tmp");
   EXPECT_THAT(names(), ElementsAre("RF Temperature", "Power Supply Temperature", "Battery Temperature",
                                    "Slot 1 OMAP Temperature", "Digital Board Temperature"));
@@ -172,10 +172,9 @@ TEST_F(TemperaturesTest, WithoutTheOmapFileThereIsNoRow) {
 TEST_F(TemperaturesTest, TheConversionHoldsTheBoardLockOnce) {
   unit_.set("board.rf.control", 1).recorded();
   EXPECT_EQ(host().call("get_RFAdc", {10})["result"], 3318);
-  EXPECT_EQ(unit_.model().board().selected_adc_channel(), 2U);
-  EXPECT_EQ(unit_.model().board().register_value(1, 131076), 1U);
-  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_LOCK_GET), 1U);
-  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_LOCK_PUT), 1U);
+  EXPECT_EQ(unit_.setting("board.rf.control"), 1);
+  EXPECT_EQ(unit_.calls_of(Point::RADALT_LOCK_GET), 1U);
+  EXPECT_EQ(unit_.calls_of(Point::RADALT_LOCK_PUT), 1U);
 }
 
 // One value of the unit and its row.

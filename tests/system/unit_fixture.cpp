@@ -1,36 +1,22 @@
 #include "tests/system/unit_fixture.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
+#include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
-#include <system_error>
 
-#include "simulator/settings/settings.h"
-#include "simulator/settings/unit_file.h"
-#include "tests/system/inside_files.h"
+#include "simulator/settings/fault_text.h"
 
 namespace system_test {
 namespace {
 
 namespace fs = std::filesystem;
-using simulator::model::UnitModel;
-using simulator::settings::UnitFile;
-
-std::vector<json> json_lines(const fs::path& path) {
-  std::vector<json> lines;
-  std::istringstream text(text_of(path).value_or(""));
-  for (std::string line; std::getline(text, line);) {
-    lines.push_back(json::parse(line));
-  }
-  return lines;
-}
+using control::client::ApiError;
+using control::client::Client;
+using control::client::Command;
+using control::client::escaped;
 
 /// The path inside of the program with that name.
 std::string place_inside(const std::string& name) {
@@ -42,184 +28,220 @@ std::string place_inside(const std::string& name) {
   return name;
 }
 
-/// A pipe whose ends no other program inherits.
-struct Pipe {
-  Pipe() {
-    if (pipe2(ends, O_CLOEXEC) != 0) {
-      throw std::system_error(errno, std::generic_category(), "pipe");
-    }
-  }
-  int ends[2];
-};
+/// The place of a setting in a unit file.
+json::json_pointer pointer_to(const std::string& name) {
+  std::string pointer = "/" + name;
+  std::replace(pointer.begin(), pointer.end(), '.', '/');
+  return json::json_pointer(pointer);
+}
 
 }  // namespace
 
 SimulatedUnit::SimulatedUnit()
-    : state_(std::make_unique<simulator::sysroot::StateFolder>(simulator::sysroot::StateFolder::make())) {
-  // Ignored, so that requests to a unit that has ended return an error.
-  ::signal(SIGPIPE, SIG_IGN);
-  state_->fill(UnitFile::load(UNIT_FILE));
-  model_.reset(new UnitModel(UnitModel::open((state_->run() / "model").string())));
-  options_.build = BUILD_FOLDER;
-  options_.command = {"/opt/unit/bin/tests/process_starter"};
-}
+    : launch_({{"services", false}, {"network", false}, {"unit_file", UNIT_FILE}}),
+      unit_file_(json::parse(std::ifstream(UNIT_FILE))) {}
 
 SimulatedUnit::~SimulatedUnit() {
   stop();
 }
 
 SimulatedUnit& SimulatedUnit::with_services() {
-  options_.services = true;
+  launch_["services"] = true;
   return *this;
 }
 
 SimulatedUnit& SimulatedUnit::with_network() {
-  options_.network = true;
+  launch_["network"] = true;
   return *this;
 }
 
 SimulatedUnit& SimulatedUnit::with_dhcp_server() {
-  options_.dhcp_server = true;
+  launch_["dhcp_server"] = true;
   return *this;
 }
 
 SimulatedUnit& SimulatedUnit::set(const std::string& name, const json& value) {
-  simulator::settings::set_setting(*model_, name, value);
+  if (client_) {
+    client_->send("PUT", "/v1/settings/" + escaped(name), {{"value", value}});
+  } else {
+    unit_file_[pointer_to(name)] = value;
+  }
   return *this;
 }
 
 SimulatedUnit& SimulatedUnit::fault(Point point, const Fault& fault) {
-  model_->faults().arm(point, fault);
-  return *this;
+  return set("faults." + std::string(name_of(point)), simulator::settings::text_of(fault));
 }
 
 SimulatedUnit& SimulatedUnit::recorded() {
-  model_->record().start();
+  if (client_) {
+    client_->send("PUT", "/v1/record", {{"on", true}});
+  } else {
+    launch_["record"] = true;
+  }
   return *this;
 }
 
 SimulatedUnit& SimulatedUnit::behave(Service service, ServiceBehaviour behaviour) {
-  model_->services().set_behaviour(service, behaviour);
-  if (!model_->services().wait_applied(PATIENCE)) {
+  set("services." + std::string(name_of(service)) + ".behaviour", name_of(behaviour));
+  const json applied = client_->send("POST", "/v1/services/applied", {{"timeout_ms", PATIENCE.count()}});
+  if (applied["applied"] != true) {
     throw std::runtime_error("the unit's services do not take their new behaviour");
   }
   return *this;
 }
 
 SimulatedUnit& SimulatedUnit::start() {
-  if (root_) {
-    return *this;
-  }
-  Pipe orders;
-  Pipe reports;
-  options_.input = orders.ends[0];
-  options_.output = reports.ends[1];
-  root_ = std::make_unique<simulator::sysroot::PrivateRoot>(*state_, options_);
-  close(orders.ends[0]);
-  close(reports.ends[1]);
-  orders_ = orders.ends[1];
-  reports_ = reports.ends[0];
-  if (run_to_end({"true"}).status != 0) {
-    throw std::runtime_error("the unit does not start");
+  if (!launched_) {
+    launch_["unit_file_text"] = unit_file_.dump();
+    launched_ = control::client::start_unit(launch_, {fs::path(BUILD_FOLDER) / "bin/unit-control"});
+    client_.emplace(launched_->unit.socket());
   }
   return *this;
 }
 
 void SimulatedUnit::stop() {
-  if (!root_) {
+  if (!launched_) {
     return;
   }
-  root_->stop();
-  root_.reset();
-  close(orders_);
-  close(reports_);
-}
-
-void SimulatedUnit::send(const json& order) {
-  const std::string line = order.dump() + "\n";
-  if (write_all(orders_, line)) {
-    return;
-  }
-  throw std::system_error(errno, std::generic_category(), "the unit takes no orders");
-}
-
-bool SimulatedUnit::take_report(std::chrono::milliseconds limit) {
-  const auto deadline = std::chrono::steady_clock::now() + limit;
-  std::size_t end = received_.find('\n');
-  while (end == std::string::npos) {
-    const auto left =
-        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-    pollfd event{reports_, POLLIN, 0};
-    if (poll(&event, 1, std::max(0, static_cast<int>(left.count()))) != 1) {
-      return false;
-    }
-    char block[4096];
-    const ssize_t size = read(reports_, block, sizeof block);
-    if (size <= 0) {
-      throw std::runtime_error("the unit has ended");
-    }
-    received_.append(block, static_cast<std::size_t>(size));
-    end = received_.find('\n');
-  }
-  note(json::parse(received_.substr(0, end)));
-  received_.erase(0, end + 1);
-  return true;
-}
-
-void SimulatedUnit::note(const json& report) {
-  Known& program = programs_[report.at("number")];
-  if (report.contains("pid")) {
-    program.pid = report.at("pid");
-    return;
-  }
-  program.ended = true;
-  if (report.contains("status")) {
-    program.ending.status = report.at("status").get<int>();
-  } else {
-    program.ending.signal = report.at("signal").get<int>();
-  }
+  programs_.clear();
+  client_.reset();
+  close(launched_->lifeline);
+  // The unit's folder goes last.
+  eventually([this] { return !fs::exists(launched_->unit.folder); });
+  launched_.reset();
 }
 
 std::string SimulatedUnit::stream_file(int number, const char* stream) const {
-  return "/run/unit/log/" + std::to_string(number) + "." + stream;
+  return "/run/unit/" + std::to_string(number) + "." + stream;
 }
 
+// The output goes to files, where it is seen as soon as it is written.
 Program SimulatedUnit::run(std::vector<std::string> line, const std::map<std::string, std::string>& environment) {
-  const int number = ++started_;
+  const int number = static_cast<int>(programs_.size());
   line.front() = place_inside(line.front());
-  send({{"number", number},
-        {"run", line},
-        {"environment", environment},
-        {"out", stream_file(number, "out")},
-        {"err", stream_file(number, "err")}});
-  while (programs_[number].pid == 0) {
-    if (!take_report(PATIENCE)) {
-      throw std::runtime_error("the unit does not start " + line.front());
-    }
+  std::vector<std::string> words{"/bin/sh", "-c", "out=$1 err=$2; shift 2; exec \"$@\" >>\"$out\" 2>>\"$err\"", "sh",
+                                 stream_file(number, "out"), stream_file(number, "err")};
+  words.insert(words.end(), line.begin(), line.end());
+  programs_.push_back(std::make_unique<Known>(
+      Known{Command(launched_->unit.socket(), {{"argv", words}, {"environment", environment}}), 0, {}, false}));
+  while (programs_.back()->pid == 0) {
+    pump(*programs_.back(), PATIENCE);
   }
   return {*this, number};
+}
+
+void SimulatedUnit::pump(Known& program, std::chrono::milliseconds limit) {
+  const auto message = program.ended ? std::nullopt : program.command.next(limit);
+  if (!message || message->kind != Command::Message::CONTROL) {
+    return;
+  }
+  if (message->control.contains("started")) {
+    program.pid = message->control["started"]["pid"].get<int>();
+  } else if (message->control.contains("exit")) {
+    const json& exit = message->control["exit"];
+    program.ended = true;
+    if (exit.contains("status") && !exit["status"].is_null()) {
+      program.ending.status = exit["status"].get<int>();
+    } else {
+      program.ending.signal = exit["signal"].get<int>();
+    }
+  }
 }
 
 Ending SimulatedUnit::run_to_end(std::vector<std::string> line, const std::map<std::string, std::string>& environment) {
   return run(std::move(line), environment).wait();
 }
 
+Ending SimulatedUnit::outcome(const std::vector<std::string>& line, const std::string& input) const {
+  Command command(launched_->unit.socket(), {{"argv", line}, {"stdin", true}});
+  command.input(input);
+  command.end_input();
+  Ending ending;
+  for (;;) {
+    const auto message = command.next(PATIENCE);
+    if (!message) {
+      throw std::runtime_error("a command of the unit does not end: " + line.back());
+    }
+    if (message->kind != Command::Message::CONTROL) {
+      (message->kind == Command::Message::OUT ? ending.out : ending.err) += message->bytes;
+    } else if (message->control.contains("exit")) {
+      ending.status = message->control["exit"].value("status", -1);
+      return ending;
+    }
+  }
+}
+
+std::string SimulatedUnit::shell(const std::string& command) const {
+  const Ending ending = outcome({"/bin/sh", "-c", command});
+  if (ending.status != 0) {
+    throw std::runtime_error(command + " failed: " + ending.err);
+  }
+  return ending.out;
+}
+
 Host SimulatedUnit::host(const std::vector<std::string>& arguments,
                          const std::map<std::string, std::string>& environment) {
-  const fs::path socket = outside("/run/unit/host.sock");
-  fs::remove(socket);
+  shell("rm -f /run/unit/host.sock");
   std::vector<std::string> line{"unit-host"};
   line.insert(line.end(), arguments.begin(), arguments.end());
   Host host = run(line, environment);
-  const bool serves = eventually([&] { return listens(socket) || !host.running(); }) && host.running();
-  if (!serves) {
+  const auto serves = [this] {
+    try {
+      client_->get("/v1/operations");
+      return true;
+    } catch (const ApiError&) {
+      return false;
+    }
+  };
+  if (!eventually([&] { return serves() || !host.running(); }) || !host.running()) {
     throw std::runtime_error("unit-host does not serve; out \"" + host.out() + "\", err \"" + host.err() + "\"");
   }
   return host;
 }
 
+json SimulatedUnit::setting(const std::string& name) const {
+  return client_->get("/v1/settings/" + escaped(name)).at("value");
+}
+
+std::uint64_t SimulatedUnit::calls_of(Point point) const {
+  const json all = client_->get("/v1/faults");
+  for (const json& row : all["faults"]) {
+    if (row["point"] == name_of(point)) {
+      return row["calls"];
+    }
+  }
+  throw std::runtime_error("unknown point " + std::string(name_of(point)));
+}
+
+std::vector<json> SimulatedUnit::dialogs() const {
+  return json(client_->get("/v1/dialogs"))["dialogs"];
+}
+
+bool SimulatedUnit::shows(const std::string& title) const {
+  return eventually([&] {
+    const std::vector<json> all = dialogs();
+    return std::any_of(all.begin(), all.end(), [&title](const json& each) {
+      return each["title"] == title && each["waits"] == true && each["answer"].is_null();
+    });
+  });
+}
+
+bool SimulatedUnit::answer(const std::string& title, const std::string& label) const {
+  const std::vector<json> all = dialogs();
+  const auto open = std::find_if(all.rbegin(), all.rend(), [&title](const json& each) {
+    return each["title"] == title && each["answer"].is_null();
+  });
+  if (open == all.rend()) {
+    return false;
+  }
+  const std::string target = "/v1/dialogs/" + (*open)["id"].dump() + "/answer";
+  client_->send("POST", target, {{"button", label}});
+  return true;
+}
+
 std::vector<json> SimulatedUnit::events() const {
-  std::vector<json> events = json_lines(outside("/run/unit/events.jsonl"));
+  std::vector<json> events = json(client_->get("/v1/eventlog"))["events"];
   for (json& event : events) {
     event.erase("timestamp");
   }
@@ -227,7 +249,7 @@ std::vector<json> SimulatedUnit::events() const {
 }
 
 std::vector<json> SimulatedUnit::calls() const {
-  return json_lines(outside("/run/unit/calls.jsonl"));
+  return json(client_->get("/v1/record"))["calls"];
 }
 
 std::vector<std::string> SimulatedUnit::call_names() const {
@@ -238,15 +260,25 @@ std::vector<std::string> SimulatedUnit::call_names() const {
   return names;
 }
 
+std::uint64_t SimulatedUnit::interrupt(int value) const {
+  return client_->send("POST", "/v1/interrupts", {{"value", value}}).at("number");
+}
+
+bool SimulatedUnit::handled(std::uint64_t number, std::chrono::milliseconds limit) const {
+  const std::string target =
+      "/v1/interrupts/" + std::to_string(number) + "?timeout_ms=" + std::to_string(std::max<long>(limit.count(), 1));
+  return client_->get(target).at("handled");
+}
+
 std::optional<std::string> SimulatedUnit::text(const std::string& path) const {
-  return text_of(outside(path));
+  const Ending ending = outcome({"cat", path});
+  return ending.status == 0 ? std::optional(ending.out) : std::nullopt;
 }
 
 void SimulatedUnit::write(const std::string& path, const std::string& text) const {
-  std::ofstream file(outside(path), std::ios::binary);
-  file << text << std::flush;
-  if (!file) {
-    throw std::runtime_error(path + " cannot be written");
+  const Ending ending = outcome({"/bin/sh", "-c", "cat > \"$1\"", "sh", path}, text);
+  if (ending.status != 0) {
+    throw std::runtime_error(path + " cannot be written: " + ending.err);
   }
 }
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <filesystem>
+#include <future>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -12,9 +12,9 @@
 #include <thread>
 #include <vector>
 
-#include "simulator/model/unit_model.h"
-#include "simulator/sysroot/private_root.h"
-#include "simulator/sysroot/state_folder.h"
+#include "control/client/client.h"
+#include "simulator/model/faults.h"
+#include "simulator/model/services.h"
 
 namespace system_test {
 
@@ -76,17 +76,17 @@ protected:
 /// A request that has been sent and may never be answered. The destructor gives it up.
 class OpenCall {
 public:
-  OpenCall(const std::filesystem::path& socket, const std::string& line);
+  OpenCall(const std::filesystem::path& socket, const std::string& target, const json& body);
   ~OpenCall();
-  OpenCall(const OpenCall&) = delete;
-  OpenCall& operator=(const OpenCall&) = delete;
+  OpenCall(OpenCall&&) = default;
 
   bool answered() const;
-  /// Waits for the answer's line. Throws std::runtime_error on timeout.
-  std::string answer() const;
+  /// Waits for the answer. Throws std::runtime_error on timeout.
+  json answer();
 
 private:
-  int connection_;
+  int given_up_ = -1;
+  std::future<json> answer_;
 };
 
 /// A unit-host that serves requests.
@@ -94,7 +94,7 @@ class Host : public Program {
 public:
   /// Calls an operation without waiting for the answer.
   OpenCall begin(const std::string& operation, const json& arguments = json::array()) const;
-  /// Calls an operation and returns the answer without its "id".
+  /// Calls an operation and returns the answer; a rejected request gives {"error": reason}.
   json call(const std::string& operation, const json& arguments = json::array()) const;
   /// Asks it to exit cleanly and waits until it has.
   Ending leave() const;
@@ -104,8 +104,8 @@ private:
   Host(const Program& program) : Program(program) {}
 };
 
-/// A simulated unit with its own private root and state folder, with the shipped unit file's values. Set up first, then
-/// start(); the destructor removes all of it. One thread.
+/// A simulated unit with the shipped unit file's values, used through its control service as any client does. Set up
+/// first, then start(); the destructor removes all of it. One thread.
 class SimulatedUnit {
 public:
   SimulatedUnit();
@@ -124,7 +124,7 @@ public:
   SimulatedUnit& fault(Point point, const Fault& fault);
   /// Empties the call record and switches it on. Any time.
   SimulatedUnit& recorded();
-  /// Sets the service's behaviour and waits until the naming service shows it. After start().
+  /// Sets the service's behaviour, and waits until the naming service shows it. After start().
   SimulatedUnit& behave(Service service, ServiceBehaviour behaviour);
 
   /// Does nothing if it has started.
@@ -136,10 +136,21 @@ public:
   Program run(std::vector<std::string> line, const std::map<std::string, std::string>& environment = {});
   /// As run(), and waits until it exits.
   Ending run_to_end(std::vector<std::string> line, const std::map<std::string, std::string>& environment = {});
+  /// Runs a shell command inside, which must succeed, and returns its standard output.
+  std::string shell(const std::string& command) const;
   /// Starts unit-host and waits until it serves requests. Throws std::runtime_error with its output if it exits.
   Host host(const std::vector<std::string>& arguments = {}, const std::map<std::string, std::string>& environment = {});
 
-  simulator::model::UnitModel& model() { return *model_; }
+  /// The value of a setting.
+  json setting(const std::string& name) const;
+  /// Number of calls of the point while the unit was watched.
+  std::uint64_t calls_of(Point point) const;
+  /// The dialogs on the screen.
+  std::vector<json> dialogs() const;
+  /// Waits until an unanswered dialog of that title waits for its answer; false on timeout.
+  bool shows(const std::string& title) const;
+  /// Presses a button of the newest unanswered dialog of that title; false if there is none.
+  bool answer(const std::string& title, const std::string& label) const;
   /// The events sent so far, without their time stamps.
   std::vector<json> events() const;
   /// The crossings recorded so far.
@@ -147,41 +158,37 @@ public:
   /// The place of every crossing recorded so far: "radalt.read".
   std::vector<std::string> call_names() const;
   /// Raises a switch interrupt and returns its number.
-  std::uint64_t interrupt(int value) { return model_->power_supply().raise_interrupt(value); }
+  std::uint64_t interrupt(int value) const;
   /// Waits until the handler of that interrupt has returned; false on timeout.
-  bool handled(std::uint64_t number) { return model_->power_supply().wait_interrupt_handled(number, PATIENCE); }
+  bool handled(std::uint64_t number, std::chrono::milliseconds limit = PATIENCE) const;
 
-  /// The path outside of a path of the unit ("/sys/…", "/tmp/…", "/run/…", "/root/…").
-  std::filesystem::path outside(const std::string& path) const { return state_->path() / path.substr(1); }
   /// The text of a file of the unit; none if there is no such file.
   std::optional<std::string> text(const std::string& path) const;
   void write(const std::string& path, const std::string& text) const;
+
+  const control::client::FoundUnit& found() const { return launched_->unit; }
 
 private:
   friend class Program;
   friend class Host;
 
   struct Known {
+    control::client::Command command;
     int pid = 0;
     Ending ending;
     bool ended = false;
   };
 
-  void send(const json& order);
-  /// Reads one report of the starter; false if none arrives within `limit`.
-  bool take_report(std::chrono::milliseconds limit);
-  void note(const json& report);
+  /// Reads what has arrived of a program.
+  void pump(Known& program, std::chrono::milliseconds limit);
   std::string stream_file(int number, const char* stream) const;
+  Ending outcome(const std::vector<std::string>& line, const std::string& input = {}) const;
 
-  std::unique_ptr<simulator::sysroot::StateFolder> state_;
-  std::unique_ptr<simulator::model::UnitModel> model_;
-  simulator::sysroot::RootOptions options_;
-  std::unique_ptr<simulator::sysroot::PrivateRoot> root_;
-  int orders_ = -1;
-  int reports_ = -1;
-  std::string received_;
-  int started_ = 0;
-  std::map<int, Known> programs_;
+  json launch_;
+  json unit_file_;
+  std::optional<control::client::Launched> launched_;
+  mutable std::optional<control::client::Client> client_;
+  std::vector<std::unique_ptr<Known>> programs_;
 };
 
 /// Waits until `condition()` is true; false on timeout.

@@ -1,17 +1,19 @@
 // The programs inside a unit under test, and its host's requests.
 
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <stdexcept>
-#include <system_error>
 
-#include "tests/system/inside_files.h"
 #include "tests/system/unit_fixture.h"
 
 namespace system_test {
 namespace {
+
+using control::client::ApiError;
+using control::client::Client;
+using control::client::escaped;
 
 std::size_t count_of(const std::string& wanted, const std::string& text) {
   std::size_t count = 0;
@@ -19,6 +21,19 @@ std::size_t count_of(const std::string& wanted, const std::string& text) {
     ++count;
   }
   return count;
+}
+
+std::string target_of(const std::string& operation) {
+  return "/v1/operations/" + escaped(operation);
+}
+
+/// Sends the request; one that is rejected gives {"error": reason}.
+json answer_to(Client& client, const std::string& target, const json& body) {
+  try {
+    return client.send("POST", target, body);
+  } catch (const ApiError& error) {
+    return {{"error", error.what()}};
+  }
 }
 
 }  // namespace
@@ -30,25 +45,28 @@ void PrintTo(const Ending& ending, std::ostream* stream) {
 }
 
 Ending Program::wait() const {
-  while (running()) {
-    if (!unit_->take_report(PATIENCE)) {
+  SimulatedUnit::Known& known = *unit_->programs_.at(number_);
+  const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
+  while (!known.ended) {
+    if (std::chrono::steady_clock::now() > deadline) {
       throw std::runtime_error("a program of the unit does not end; out \"" + out() + "\", err \"" + err() + "\"");
     }
+    unit_->pump(known, std::chrono::milliseconds(100));
   }
-  Ending ending = unit_->programs_.at(number_).ending;
+  Ending ending = known.ending;
   ending.out = out();
   ending.err = err();
   return ending;
 }
 
 bool Program::running() const {
-  while (unit_->take_report(std::chrono::milliseconds(0))) {
-  }
-  return !unit_->programs_.at(number_).ended;
+  SimulatedUnit::Known& known = *unit_->programs_.at(number_);
+  unit_->pump(known, std::chrono::milliseconds(0));
+  return !known.ended;
 }
 
 void Program::kill(int signal) const {
-  unit_->send({{"kill", pid()}, {"signal", signal}});
+  unit_->programs_.at(number_)->command.signal(signal);
 }
 
 std::string Program::out() const {
@@ -67,48 +85,49 @@ void Program::wait_for(const std::string& text, std::size_t times) const {
 }
 
 int Program::pid() const {
-  return unit_->programs_.at(number_).pid;
+  return unit_->programs_.at(number_)->pid;
 }
 
-OpenCall::OpenCall(const std::filesystem::path& socket, const std::string& line) : connection_(connected(socket)) {
-  if (connection_ == -1 || !write_all(connection_, line + "\n")) {
-    throw std::system_error(errno, std::generic_category(), socket.string());
-  }
+OpenCall::OpenCall(const std::filesystem::path& socket, const std::string& target, const json& body)
+    : given_up_(eventfd(0, EFD_CLOEXEC)) {
+  answer_ = std::async(std::launch::async, [socket, target, body, given_up = given_up_] {
+    Client client(socket);
+    client.wait_with([given_up](int descriptor) {
+      pollfd events[] = {{descriptor, POLLIN, 0}, {given_up, POLLIN, 0}};
+      poll(events, 2, -1);
+      if (events[1].revents != 0) {
+        throw std::runtime_error("given up");
+      }
+    });
+    return answer_to(client, target, body);
+  });
 }
 
 OpenCall::~OpenCall() {
-  close(connection_);
+  if (answer_.valid()) {
+    eventfd_write(given_up_, 1);
+    answer_.wait();
+  }
+  close(given_up_);
 }
 
 bool OpenCall::answered() const {
-  pollfd event{connection_, POLLIN, 0};
-  return poll(&event, 1, 0) == 1;
+  return answer_.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
 }
 
-std::string OpenCall::answer() const {
-  std::string answer;
-  while (answer.find('\n') == std::string::npos) {
-    pollfd event{connection_, POLLIN, 0};
-    char block[4096];
-    const ssize_t size =
-        poll(&event, 1, static_cast<int>(PATIENCE.count())) == 1 ? read(connection_, block, sizeof block) : 0;
-    if (size <= 0) {
-      throw std::runtime_error("a request is not answered");
-    }
-    answer.append(block, static_cast<std::size_t>(size));
+json OpenCall::answer() {
+  if (answer_.wait_for(PATIENCE) != std::future_status::ready) {
+    throw std::runtime_error("a request is not answered");
   }
-  return answer;
+  return answer_.get();
 }
 
 OpenCall Host::begin(const std::string& operation, const json& arguments) const {
-  const json request = {{"id", 1}, {"call", operation}, {"args", arguments}};
-  return {unit_->outside("/run/unit/host.sock"), request.dump()};
+  return {unit_->found().socket(), target_of(operation), {{"args", arguments}}};
 }
 
 json Host::call(const std::string& operation, const json& arguments) const {
-  json answer = json::parse(begin(operation, arguments).answer());
-  answer.erase("id");
-  return answer;
+  return answer_to(*unit_->client_, target_of(operation), {{"args", arguments}});
 }
 
 Ending Host::leave() const {

@@ -88,15 +88,15 @@ TEST_F(VersionsTest, AnRfBoardThatDoesNotAnswerShowsZeros) {
   EXPECT_EQ(list[2]["version"], "0.00.00 ");
   EXPECT_EQ(list[3]["version"], "92881");
   // For each of the three: one request, a hundred reads of the pending bits, no read of the register.
-  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_WRITE), 3U);
-  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_READ), 303U);
+  EXPECT_EQ(unit_.calls_of(Point::RADALT_WRITE), 3U);
+  EXPECT_EQ(unit_.calls_of(Point::RADALT_READ), 303U);
 }
 
 TEST_F(VersionsTest, TheBoardIsLockedTwice) {
   unit_.recorded();
   versions();
-  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_LOCK_GET), 2U);
-  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_LOCK_PUT), 2U);
+  EXPECT_EQ(unit_.calls_of(Point::RADALT_LOCK_GET), 2U);
+  EXPECT_EQ(unit_.calls_of(Point::RADALT_LOCK_PUT), 2U);
 }
 
 TEST_F(VersionsTest, ALockThatCannotBeTakenIsReportedAndTheListGoesOn) {
@@ -110,28 +110,28 @@ TEST_F(VersionsTest, AnotherProgramThatHoldsTheBoardIsWaitedForAndItsDeathGivesT
   const Program holder = unit_.run({"lock_holder"});
   holder.wait_for("lock 0\n");
   unit_.recorded();
-  const OpenCall open = host_->begin("GetVersionList");
-  ASSERT_TRUE(eventually([this] { return unit_.model().faults().calls(Point::RADALT_LOCK_GET) == 1; }));
+  OpenCall open = host_->begin("GetVersionList");
+  ASSERT_TRUE(eventually([this] { return unit_.calls_of(Point::RADALT_LOCK_GET) == 1; }));
   EXPECT_FALSE(open.answered());
-  EXPECT_EQ(unit_.model().faults().calls(Point::RADALT_READ), 0U);
+  EXPECT_EQ(unit_.calls_of(Point::RADALT_READ), 0U);
   holder.kill(SIGKILL);
-  EXPECT_EQ(json::parse(open.answer())["versions"][0]["version"], "88993 (5300)");
+  EXPECT_EQ(open.answer()["versions"][0]["version"], "88993 (5300)");
   EXPECT_EQ(host_->out().find("SysLockfail"), std::string::npos);
 }
 
-// The file is a pipe, which the list waits for: opening it returns once the list has opened it too.
+// The file is a pipe, which the list waits for. The writer says when the list has opened it too, and waits for its cue.
 TEST_F(VersionsTest, AnotherProgramGetsTheBoardWhileAFileIsRead) {
   host_.emplace(unit_.start().host());
-  const std::filesystem::path path = unit_.outside("/sys/class/omappci/FPGA_ver");
-  std::filesystem::remove(path);
-  ASSERT_EQ(mkfifo(path.c_str(), 0644), 0);
-  const OpenCall open = host_->begin("GetVersionList");
-  std::ofstream file(path);
+  const std::string path = "/sys/class/omappci/FPGA_ver";
+  unit_.shell("rm " + path + "; mkfifo " + path);
+  OpenCall open = host_->begin("GetVersionList");
+  const Program writer = unit_.run(
+      {"sh", "-c", "exec 3>" + path + "; echo open; until [ -e /tmp/cue ]; do sleep 0.01; done; echo 1.3 rev4 >&3"});
+  writer.wait_for("open\n");
   unit_.run({"lock_holder"}).wait_for("lock 0\n");
   EXPECT_FALSE(open.answered());
-  file << "1.3 rev4\n" << std::flush;
-  file.close();
-  EXPECT_EQ(json::parse(open.answer())["versions"][6]["version"], "1.3 rev4");
+  unit_.shell("touch /tmp/cue");
+  EXPECT_EQ(open.answer()["versions"][6]["version"], "1.3 rev4");
 }
 
 TEST_F(VersionsTest, ATooShortPowerSupplyVersionIsMissing) {

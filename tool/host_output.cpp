@@ -1,0 +1,60 @@
+#include "tool/host_output.h"
+
+#include <poll.h>
+
+#include <cerrno>
+#include <cstdio>
+
+#include "tool/text.h"
+
+namespace tool {
+
+using control::client::Event;
+
+HostOutput::HostOutput(const std::filesystem::path& socket) : stream_(std::in_place, socket, "/v1/stream?events=log") {}
+
+void HostOutput::wait_readable(int descriptor) {
+  show_arrived();
+  for (;;) {
+    pollfd events[] = {{descriptor, POLLIN, 0}, {stream_ ? stream_->descriptor() : -1, POLLIN, 0}};
+    if (poll(events, 2, -1) == -1 && errno != EINTR) {
+      return;
+    }
+    if (events[1].revents != 0) {
+      show_arrived();
+    }
+    if (events[0].revents != 0) {
+      return;
+    }
+  }
+}
+
+void HostOutput::show_arrived() {
+  try {
+    while (stream_) {
+      const std::optional<Event> event = stream_->next(std::chrono::milliseconds(0));
+      if (!event) {
+        return;
+      }
+      show(*event);
+    }
+  } catch (const control::client::ConnectionError&) {
+    // The unit is ending; the command's own connection reports it.
+    stream_.reset();
+  }
+}
+
+void HostOutput::show(const Event& event) {
+  if (event.type != "log" || !is_hosts(event.data.value("name", ""))) {
+    return;
+  }
+  for (const std::string& line : lines_[event.data["name"]].add(event.data.value("text", ""))) {
+    std::fprintf(stderr, "host: %s\n", printable(line).c_str());
+  }
+}
+
+bool is_hosts(const std::string& log) {
+  return log.rfind("host.", 0) == 0;
+}
+
+}  // namespace tool
