@@ -25,7 +25,7 @@ private:
 
 class ServiceProbe final : public Probe {
 public:
-  /// `operation` returns what the call delivers; empty: nothing.
+  /// `operation` returns what the call delivers.
   ServiceProbe(PairsUnit& unit, std::function<std::string(PairsUnit&)> operation)
       : unit_(unit), operation_(std::move(operation)) {}
 
@@ -58,7 +58,7 @@ std::string get_shutdown(PairsUnit& unit) {
 std::string shut_down_all(PairsUnit& unit) {
   const Varnok::EverybodyEng::Shutdown_var shutdown = unit.everybody_engine()->GetShutdown();
   shutdown->ShutdownAll(Varnok::Locker_Core());
-  return "";
+  return "done";
 }
 
 std::string show_dialog(PairsUnit& unit) {
@@ -67,12 +67,12 @@ std::string show_dialog(PairsUnit& unit) {
 
 std::string set_dialog_size(PairsUnit& unit) {
   unit.gui_manager()->SetDialogSize("Shutdown", "Max");
-  return "";
+  return "done";
 }
 
 std::string shut_down_engine(PairsUnit& unit) {
   unit.hw_enumerate()->ShutdownEngine("SYSTEM_ENGINE1");
-  return "";
+  return "done";
 }
 
 }  // namespace
