@@ -1,5 +1,6 @@
 #include "messaging/dds_subscriber.h"
 
+#include <engine/diagnostics.h>
 #include <gmock/gmock.h>
 
 #include <future>
@@ -51,7 +52,7 @@ protected:
     doubles::reset_framework();
     calls().clear();
   }
-  ~DdsSubscriberTest() override { EXPECT_EQ(output_.err(), ""); }
+  ~DdsSubscriberTest() override { EXPECT_EQ(doubles::without_engine_lines(output_.err()), ""); }
 
   FakeDds dds_;
   ParticipantInUse in_use_{dds_.participant()};
@@ -209,13 +210,11 @@ TEST_F(DdsSubscriberTest, SamplesThatArriveWhileStartUpIsHeldUpAreAllHeardAfterw
   dds_.runs_last("create_datareader", [&] { gate.pass(); });
   const VoidSubscriber subscriber(TOPIC, &hear);
   const doubles::OpensAtEnd however_this_ends(gate);
-  AttributeReader<VoidAttribute> other(TOPIC, DDS::VOLATILE_DURABILITY_QOS);
   AttributeWriter<VoidAttribute> writer(TOPIC);
-  writer.wait_for_readers(2);
+  writer.wait_for_reader();
   for (int sample = 0; sample < 3; ++sample) {
     EXPECT_EQ(writer.write(), DDS::RETCODE_OK);
   }
-  EXPECT_EQ(other.take(3).size(), 3U) << "the samples have gone out";
   calls().clear();
   calls().record("start-up goes on");
   gate.open();
