@@ -263,34 +263,6 @@ TEST_F(DdsSubscriberTest, DestructionRemovesReaderSubscriberAndTopicInOrder) {
               ElementsAre("dds delete_contained_entities of subscriber", "dds delete_subscriber", DELETE_TOPIC));
 }
 
-TEST_F(DdsSubscriberTest, DestructionWhileDataArrivesEndsTheCallsAndNothingElse) {
-  AttributeWriter<VoidAttribute> writer(TOPIC);
-  for (int round = 0; round < 5; ++round) {
-    auto subscriber = std::make_unique<VoidSubscriber>(TOPIC, &hear);
-    writer.wait_for_reader();
-    std::atomic<bool> enough{false};
-    std::atomic<unsigned int> written{0};
-    const std::future<void> writing = std::async(std::launch::async, [&] {
-      while (!enough) {
-        writer.write();
-        ++written;
-        std::this_thread::sleep_for(std::chrono::microseconds(100));
-      }
-    });
-    EXPECT_TRUE(calls().wait_for(HEARD));
-    subscriber.reset();
-    const unsigned int heard = calls().count(HEARD);
-    const unsigned int then = written;
-    while (written < then + 100) {
-      std::this_thread::yield();
-    }
-    enough = true;
-    writing.wait();
-    EXPECT_EQ(calls().count(HEARD), heard);
-    calls().clear();
-  }
-}
-
 TEST_F(DdsSubscriberTest, AnInstanceThatAWriterDisposesIsReportedAndNotHeard) {
   const VoidSubscriber subscriber(TOPIC, &hear);
   AttributeWriter<VoidAttribute> writer(TOPIC);
@@ -317,6 +289,35 @@ TEST_F(DdsSubscriberTest, AnInstanceThatItsLastWriterLeavesIsReportedAndNotHeard
   }
   EXPECT_EQ(output_.out(), DELIVERY + " instance is unregistered\n");
   EXPECT_EQ(calls().count(HEARD), 1U);
+}
+
+// The last test: OpenDDS may stop sending for good when a reader leaves while a sample goes out to it.
+TEST_F(DdsSubscriberTest, DestructionWhileDataArrivesEndsTheCallsAndNothingElse) {
+  for (int round = 0; round < 5; ++round) {
+    AttributeWriter<VoidAttribute> writer(TOPIC);
+    auto subscriber = std::make_unique<VoidSubscriber>(TOPIC, &hear);
+    writer.wait_for_reader();
+    std::atomic<bool> enough{false};
+    std::atomic<unsigned int> written{0};
+    const std::future<void> writing = std::async(std::launch::async, [&] {
+      while (!enough) {
+        writer.write();
+        ++written;
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
+      }
+    });
+    EXPECT_TRUE(calls().wait_for(HEARD));
+    subscriber.reset();
+    const unsigned int heard = calls().count(HEARD);
+    const unsigned int then = written;
+    while (written < then + 100) {
+      std::this_thread::yield();
+    }
+    enough = true;
+    writing.wait();
+    EXPECT_EQ(calls().count(HEARD), heard);
+    calls().clear();
+  }
 }
 
 }  // namespace
