@@ -293,30 +293,37 @@ TEST_F(DdsSubscriberTest, AnInstanceThatItsLastWriterLeavesIsReportedAndNotHeard
 
 // The last test: OpenDDS may stop sending for good when a reader leaves while a sample goes out to it.
 TEST_F(DdsSubscriberTest, DestructionWhileDataArrivesEndsTheCallsAndNothingElse) {
-  for (int round = 0; round < 5; ++round) {
-    AttributeWriter<VoidAttribute> writer(TOPIC);
-    auto subscriber = std::make_unique<VoidSubscriber>(TOPIC, &hear);
-    writer.wait_for_reader();
-    std::atomic<bool> enough{false};
-    std::atomic<unsigned int> written{0};
-    const std::future<void> writing = std::async(std::launch::async, [&] {
-      while (!enough) {
-        writer.write();
-        ++written;
-        std::this_thread::sleep_for(std::chrono::microseconds(100));
-      }
-    });
-    EXPECT_TRUE(calls().wait_for(HEARD));
-    subscriber.reset();
-    const unsigned int heard = calls().count(HEARD);
-    const unsigned int then = written;
-    while (written < then + 100) {
-      std::this_thread::yield();
+  const std::vector<std::string> heard_by{"heard by 0", "heard by 1", "heard by 2", "heard by 3", "heard by 4"};
+  std::vector<std::unique_ptr<VoidSubscriber>> subscribers;
+  for (const std::string& heard : heard_by) {
+    subscribers.push_back(std::make_unique<VoidSubscriber>(TOPIC, [&](const char*) { calls().record(heard); }));
+  }
+  AttributeWriter<VoidAttribute> writer(TOPIC);
+  std::atomic<bool> enough{false};
+  std::atomic<unsigned int> written{0};
+  const std::future<void> writing = std::async(std::launch::async, [&] {
+    while (!enough) {
+      writer.write();
+      ++written;
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
-    enough = true;
-    writing.wait();
-    EXPECT_EQ(calls().count(HEARD), heard);
-    calls().clear();
+  });
+  for (const std::string& heard : heard_by) {
+    EXPECT_TRUE(calls().wait_for(heard));
+  }
+  std::vector<unsigned int> counts;
+  for (std::size_t i = 0; i < subscribers.size(); ++i) {
+    subscribers[i].reset();
+    counts.push_back(calls().count(heard_by[i]));
+  }
+  const unsigned int then = written;
+  while (written < then + 100) {
+    std::this_thread::yield();
+  }
+  enough = true;
+  writing.wait();
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    EXPECT_EQ(calls().count(heard_by[i]), counts[i]) << heard_by[i];
   }
 }
 
