@@ -63,7 +63,7 @@ private:
     if (!host_has_ended(host)) {
       return false;
     }
-    print("the host " + end_of_host(host) + '\n');
+    print("host " + end_of_host(host) + '\n');
     return true;
   }
 
