@@ -1,15 +1,13 @@
 #include "benchmarks/child.h"
 
 #include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <iostream>
+
+#include "simulator/process/child_process.h"
 
 namespace benchmarks {
 namespace {
@@ -31,21 +29,11 @@ Child::Child(const std::string& program, const std::vector<std::string>& argumen
   if (pipe2(to_child, O_CLOEXEC) != 0 || pipe2(from_child, O_CLOEXEC) != 0) {
     fail("pipe");
   }
-  const std::string path = path_of(program);
-  std::vector<char*> argv{const_cast<char*>(path.c_str())};
-  for (const std::string& argument : arguments) {
-    argv.push_back(const_cast<char*>(argument.c_str()));
-  }
-  argv.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, to_child[0], STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, from_child[1], STDOUT_FILENO);
-  const int error = posix_spawn(&process_, path.c_str(), &actions, nullptr, argv.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) {
-    fail(path + ": " + std::strerror(error));
-  }
+  std::vector<std::string> line{path_of(program)};
+  line.insert(line.end(), arguments.begin(), arguments.end());
+  simulator::process::ChildOptions options;
+  options.descriptors = {{to_child[0], STDIN_FILENO}, {from_child[1], STDOUT_FILENO}};
+  process_ = simulator::process::start_program(line, options);
   close(to_child[0]);
   close(from_child[1]);
   input_ = to_child[1];
@@ -54,9 +42,7 @@ Child::Child(const std::string& program, const std::vector<std::string>& argumen
 
 Child::~Child() {
   close(input_);
-  int status = 0;
-  while (waitpid(process_, &status, 0) == -1 && errno == EINTR) {
-  }
+  const int status = simulator::process::shell_status(simulator::process::reap(process_, true).value());
   close(output_);
   if (status != 0) {
     fail("a child ended with status " + std::to_string(status));

@@ -22,7 +22,12 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 
 constexpr std::size_t LARGEST_UNIT_FILE = 64 << 10;
+const std::string REMOVED = ".removed-";  // begins the names of folders that are being removed
 constexpr int FOLDER = O_DIRECTORY | O_RDONLY | O_NOFOLLOW | O_CLOEXEC;
+
+bool is_removed(const std::string& name) {
+  return name.compare(0, REMOVED.size(), REMOVED) == 0;
+}
 
 fs::path runtime_path() {
   const char* base = std::getenv("XDG_RUNTIME_DIR");
@@ -74,8 +79,9 @@ std::vector<std::string> names_in(int folder) {
     return names;
   }
   while (const dirent* entry = ::readdir(listing)) {
-    if (is_unit_name(entry->d_name)) {
-      names.emplace_back(entry->d_name);
+    const std::string name = entry->d_name;
+    if (name != "." && name != "..") {
+      names.push_back(name);
     }
   }
   ::closedir(listing);
@@ -83,16 +89,42 @@ std::vector<std::string> names_in(int folder) {
   return names;
 }
 
-/// Whether the unit's supervisor is gone: nobody holds its lock.
-bool is_left_over(int unit) {
-  const Descriptor lock(::openat(unit, "lock", O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-  return lock.get() == -1 ? errno == ENOENT : ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0;
+/// What a folder in the runtime folder is.
+enum class Folder { ALIVE, LEFT_OVER, OTHER };
+
+/// Whether the supervisor of a unit's folder holds its lock. If not, `lock` holds it then, so that nobody else clears
+/// the folder.
+Folder kind_of(int runtime, const std::string& name, Descriptor& lock) {
+  const Descriptor folder(::openat(runtime, name.c_str(), FOLDER));
+  if (folder.get() == -1) {
+    return Folder::OTHER;
+  }
+  lock = Descriptor(::openat(folder.get(), "lock", O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (lock.get() == -1) {
+    // A folder gets its name only once it has its lock; a hidden one may be about to get it.
+    return errno == ENOENT && (is_unit_name(name) || is_removed(name)) ? Folder::LEFT_OVER : Folder::OTHER;
+  }
+  if (::flock(lock.get(), LOCK_EX | LOCK_NB) != 0) {
+    return is_unit_name(name) ? Folder::ALIVE : Folder::OTHER;
+  }
+  // A lock without name was in a folder that has been removed meanwhile.
+  struct stat status {};
+  return ::fstat(lock.get(), &status) == 0 && status.st_nlink != 0 ? Folder::LEFT_OVER : Folder::OTHER;
+}
+
+/// Removes a unit's folder. First out of the way: a new unit may take the name.
+void remove_folder(int runtime, const fs::path& runtime_path, const std::string& name) {
+  const std::string removed = is_removed(name) ? name : REMOVED + std::to_string(::getpid()) + '-' + name;
+  std::error_code ignored;
+  if (::renameat(runtime, name.c_str(), runtime, removed.c_str()) == 0) {
+    fs::remove_all(runtime_path / removed, ignored);
+  }
 }
 
 std::optional<pid_t> supervisor_of(int unit) {
   const auto text = read_small(unit, "unit.json");
   const json document = text ? json::parse(*text, nullptr, false) : json();
-  const json pid = document.is_object() ? document.value("supervisor", document.value("pid", json())) : json();
+  const json pid = document.is_object() ? document.value("supervisor", json()) : json();
   return pid.is_number_integer() ? std::optional(pid.get<pid_t>()) : std::nullopt;
 }
 
@@ -116,19 +148,17 @@ bool is_unit_name(const std::string& name) {
 std::vector<FoundUnit> list_units() {
   const fs::path path = runtime_path();
   const Descriptor folder = open_runtime_folder(path);
-  // A supervisor holds this lock while it makes its unit's folder, so that none is taken for a left-over.
-  ::flock(folder.get(), LOCK_EX);
   std::vector<FoundUnit> units;
   for (const std::string& name : names_in(folder.get())) {
-    const Descriptor unit(::openat(folder.get(), name.c_str(), FOLDER));
-    if (unit.get() == -1) {
-      continue;
-    }
-    if (is_left_over(unit.get())) {
-      std::error_code ignored;
-      fs::remove_all(path / name, ignored);
-    } else if (const auto supervisor = supervisor_of(unit.get())) {
-      units.push_back({name, path / name, *supervisor});
+    Descriptor lock;
+    const Folder kind = kind_of(folder.get(), name, lock);
+    if (kind == Folder::LEFT_OVER) {
+      remove_folder(folder.get(), path, name);
+    } else if (kind == Folder::ALIVE) {
+      const Descriptor unit(::openat(folder.get(), name.c_str(), FOLDER));
+      if (const auto supervisor = supervisor_of(unit.get())) {
+        units.push_back({name, path / name, *supervisor});
+      }
     }
   }
   return units;

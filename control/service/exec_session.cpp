@@ -71,7 +71,9 @@ void ExecSession::begin(std::string received) {
   const std::string header = header_of(answer, NO_BODY, true);
   sending_.push_back(0);
   send(header);
-  tell({{"started", {{"pid", pid_.is_number_integer() ? pid_ : json()}}}});
+  if (pid_.is_number_integer()) {
+    tell({{"started", {{"pid", pid_}}}});
+  }
   const auto listen = [this](ExecKind kind) {
     return [weak = weak_from_this(), this, kind](std::string_view bytes) {
       if (const auto self = weak.lock()) {

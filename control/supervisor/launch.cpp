@@ -166,6 +166,7 @@ Launch read_launch(std::string_view text) {
   members.take("library", launch.library);
   members.take("host", launch.host);
   members.take("host_serves", launch.host_serves);
+  members.take("host_wrap", launch.host_wrap);
   members.take("host_arguments", launch.host_arguments);
   members.take("services", launch.services);
   members.take("without", launch.without);

@@ -43,6 +43,7 @@ struct Launch {
   std::string library;         ///< path outside or inside; empty: the one in the build folder
   std::string host;            ///< program; empty: no host
   bool host_serves = true;
+  std::vector<std::string> host_wrap;  ///< command under which the host runs: "valgrind"; empty: none
   std::vector<std::string> host_arguments;
   bool services = true;
   std::vector<std::string> without;

@@ -153,6 +153,7 @@ void Supervisor::start_root() {
 void Supervisor::order_set_up() const {
   std::vector<std::string> host;
   if (!launch_.host.empty()) {
+    host = launch_.host_wrap;
     host.push_back(launch_.host == "unit-host" ? "/opt/unit/bin/unit-host" : seen_inside(launch_.host));
     if (!launch_.library.empty()) {
       host.insert(host.end(), {"--library", library_inside(launch_.library)});

@@ -132,8 +132,7 @@ UnitFolder::UnitFolder(const std::string& name, const std::string& state) {
     take_name(name);
   } catch (...) {
     fs::remove_all(path_);
-    close(lock_);
-    close(logs_);
+    close_all();
     throw;
   }
 }
@@ -141,8 +140,15 @@ UnitFolder::UnitFolder(const std::string& name, const std::string& state) {
 UnitFolder::~UnitFolder() {
   std::error_code ignored;
   fs::remove_all(path_, ignored);
-  close(lock_);
-  close(logs_);
+  close_all();
+}
+
+void UnitFolder::close_all() {
+  for (const int descriptor : {logs_, state_lock_, lock_}) {
+    if (descriptor != -1) {
+      close(descriptor);
+    }
+  }
 }
 
 void UnitFolder::open_logs(const std::string& state) {
@@ -151,8 +157,12 @@ void UnitFolder::open_logs(const std::string& state) {
     return hand_over(logs_, path_ / "logs");
   }
   take_state_folder(state);
-  fs::remove_all(fs::path(state) / "logs");
   write_text(fs::path(state) / MARKER, MARKER_TEXT);
+  state_lock_ = locked(fs::path(state) / MARKER, O_RDWR);
+  if (state_lock_ == -1) {
+    throw LaunchError(STATUS_BAD_USAGE, state + ": a unit is running on this state folder");
+  }
+  fs::remove_all(fs::path(state) / "logs");
   logs_ = open_folder(fs::path(state) / "logs");
   hand_over(logs_, fs::path(state) / "logs");
   fs::create_symlink(fs::path(state) / "logs", path_ / "logs");

@@ -38,11 +38,13 @@ public:
 private:
   void take_name(const std::string& wanted);
   void open_logs(const std::string& state);
+  void close_all();
 
   std::string name_;
   std::filesystem::path path_;
   int lock_ = -1;
   int logs_ = -1;
+  int state_lock_ = -1;
 };
 
 /// The user of the control service if root starts a unit. It owns nothing but its logs.

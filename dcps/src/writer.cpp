@@ -1,3 +1,4 @@
+#include <dcps/write_guard.h>
 #include <dcps/writer.h>
 
 #include "dcps/src/publisher.h"
@@ -6,6 +7,20 @@
 #include "dcps/src/topic.h"
 
 namespace dcps {
+namespace {
+
+std::atomic<WriteGuard> write_guard{nullptr};
+
+WriteOrder order_for(const TopicImpl& topic) {
+  const WriteGuard guard = write_guard.load(std::memory_order_relaxed);
+  return guard == nullptr ? WriteOrder::SEND : guard(topic.name().c_str());
+}
+
+}  // namespace
+
+void set_write_guard(WriteGuard guard) noexcept {
+  write_guard.store(guard);
+}
 
 DDS::InstanceHandle_t next_instance_handle() {
   static std::atomic<DDS::InstanceHandle_t> last{DDS::HANDLE_NIL};
@@ -50,6 +65,17 @@ DDS::InstanceHandle_t DataWriterImpl::register_sample(const void* sample) {
 DDS::ReturnCode_t DataWriterImpl::write_sample(const void* sample) {
   if (register_sample(sample) == DDS::HANDLE_NIL) {
     return DDS::RETCODE_ERROR;
+  }
+  switch (order_for(*topic_.in())) {
+    case WriteOrder::REFUSE:
+      return DDS::RETCODE_ERROR;
+    case WriteOrder::LOSE:
+      return DDS::RETCODE_OK;
+    case WriteOrder::SEND_TWICE:
+      dds_write(cyclone(), sample);
+      break;
+    case WriteOrder::SEND:
+      break;
   }
   return to_return_code(dds_write(cyclone(), sample));
 }

@@ -6,6 +6,14 @@
 
 namespace simulator::framework {
 
+bool watched() noexcept {
+  try {
+    return model::UnitModel::of_this_unit().watched();
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
 model::Fault cross(model::Point point, const std::string& args) noexcept {
   try {
     model::UnitModel& unit = model::UnitModel::of_this_unit();

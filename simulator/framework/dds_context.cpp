@@ -1,9 +1,12 @@
 #include <dcps/dds_start.h>
+#include <dcps/write_guard.h>
 #include <varnok_dds.h>
 
 #include <exception>
+#include <string>
 
 #include "simulator/framework/crossing.h"
+#include "simulator/model/json_text.h"
 
 namespace Varnok {
 namespace {
@@ -20,11 +23,30 @@ DDS::DomainParticipant_ptr make_participant(DDS::DomainParticipantFactory_ptr fa
   return factory->create_participant(UNIT_DOMAIN, PARTICIPANT_QOS_DEFAULT, DDS::DomainParticipantListener::_nil(), 0);
 }
 
+/// Crosses the interface with a sample.
+dcps::WriteOrder order_for_write(const char* topic_name) {
+  if (!simulator::framework::watched()) {
+    return dcps::WriteOrder::SEND;
+  }
+  const std::string args = "{\"topic\":" + simulator::model::json_text(topic_name) + "}";
+  switch (simulator::framework::cross(Point::DDS_WRITE, args).kind) {
+    case FaultKind::FAIL:
+      return dcps::WriteOrder::REFUSE;
+    case FaultKind::NO_REPLY:
+      return dcps::WriteOrder::LOSE;
+    case FaultKind::TWICE:
+      return dcps::WriteOrder::SEND_TWICE;
+    default:
+      return dcps::WriteOrder::SEND;
+  }
+}
+
 DDS_Context make_context() {
   DDS_Context context{DDS::DomainParticipantFactory::_nil(), DDS::DomainParticipant::_nil()};
   try {
     context.factory = dcps::start_dds();
     if (!CORBA::is_nil(context.factory)) {
+      dcps::set_write_guard(order_for_write);
       context.participant = make_participant(context.factory);
     }
   } catch (const std::exception&) {

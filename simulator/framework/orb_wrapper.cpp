@@ -64,8 +64,9 @@ void cross(const std::vector<std::string>& path) {
   for (const std::string& name : path) {
     names += (names.empty() ? "" : ",") + simulator::model::json_text(name);
   }
-  if (simulator::framework::cross(Point::ORB_LOOKUP, "{\"path\":[" + names + "]}").kind == FaultKind::FAIL) {
-    throw CORBA::TRANSIENT();
+  const simulator::model::Fault fault = simulator::framework::cross(Point::ORB_LOOKUP, "{\"path\":[" + names + "]}");
+  if (fault.kind == FaultKind::FAIL) {
+    throw CORBA::TRANSIENT(static_cast<CORBA::ULong>(fault.value), CORBA::COMPLETED_NO);
   }
 }
 

@@ -99,7 +99,7 @@ constexpr memory::Table<Point, PointRow> POINTS{{
 static_assert(memory::is_complete(POINTS));
 
 constexpr memory::Table<Crossing, CrossingRow> CROSSINGS{{
-    {Crossing::DRIVER, "driver", "call of a driver or the event log", {"error number, 0 for EIO", 0, HIGHEST}},
+    {Crossing::DRIVER, "library", "call of a driver or the framework", {"error number, 0 for EIO", 0, HIGHEST}},
     {Crossing::CORBA, "CORBA", "call of a service", {"minor code of the exception", 0, HIGHEST}},
     {Crossing::DDS, "DDS", "call of the DDS engine", {}},
     {Crossing::COMMAND, "command", "program that is run", {"exit status, 0 for 1", 0, 255}},

@@ -106,8 +106,8 @@ struct FaultNumber {
 /// A sort of interface.
 struct CrossingRow {
   Crossing key;
-  std::string_view name;   ///< "driver"
-  std::string_view doc;    ///< "call of a driver"
+  std::string_view name;   ///< "library"
+  std::string_view doc;    ///< "call of a driver or the framework"
   FaultNumber fail;        ///< the number of FAIL
   bool is_counted = true;  ///< whether single crossings are seen, counted and hit; else the fault lasts while armed
 };

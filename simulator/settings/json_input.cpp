@@ -45,8 +45,9 @@ public:
 private:
   /// Each returns the number of bytes taken.
   std::size_t inside_string(std::size_t length) {
-    if (text_[at_] == '\\' && at_ + 1 < text_.size() && text_[at_ + 1] != '\0') {
-      return 2;
+    if (text_[at_] == '\\') {
+      const bool escapes_quote = at_ + 1 < text_.size() && (text_[at_ + 1] == '"' || text_[at_ + 1] == '\\');
+      return escapes_quote ? 2 : 1;
     }
     in_string_ = text_[at_] != '"';
     return length;

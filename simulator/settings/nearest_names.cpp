@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::size_t NAMES_AT_MOST = 3;
 constexpr std::size_t DIFFERENCES_AT_MOST = 3;
-/// Longer names are like no setting's.
+/// Shorter and longer names are like no setting's.
+constexpr std::size_t SHORTEST_NAME = 3;
 constexpr std::size_t LONGEST_NAME = 100;
 
 std::string lower_case(std::string text) {
@@ -67,7 +68,7 @@ std::string without_leading_zeros(const std::string& name) {
 }  // namespace
 
 std::vector<std::string> nearest_names(const std::string& name) {
-  if (name.empty() || name.size() > LONGEST_NAME) {
+  if (name.size() < SHORTEST_NAME || name.size() > LONGEST_NAME) {
     return {};
   }
   if (std::string spelled = without_leading_zeros(name); !spelled.empty()) {

@@ -5,14 +5,19 @@
 #include <string>
 #include <vector>
 
+#include "simulator/process/child_process.h"
+
 namespace doubles {
 
-/// A program run as a child process, killed by the destructor or when the thread that started it ends.
+/// A program run as a child process, killed by the destructor or when the thread that started it ends. If it cannot be
+/// started, it exits with 127.
 class ChildProcess {
 public:
-  /// Starts it with these variables added to the environment; both its output streams go to the file `output`. Throws
-  /// std::system_error.
-  ChildProcess(const std::vector<std::string>& arguments, const std::vector<std::string>& variables,
+  /// Throws std::system_error.
+  explicit ChildProcess(const std::vector<std::string>& line, simulator::process::ChildOptions options = {});
+  /// Starts it with these variables ("NAME=value") added to the environment; both its output streams go to the file
+  /// `output`. Throws std::system_error.
+  ChildProcess(const std::vector<std::string>& line, const std::vector<std::string>& variables,
                const std::string& output);
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
@@ -26,6 +31,8 @@ public:
   bool running();
 
 private:
+  void reap(bool wait);
+
   pid_t id_ = 0;
   int status_ = 0;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <dcps/dds_start.h>
+#include <engine/fake_entities.h>
 
 #include <atomic>
 #include <functional>
@@ -65,35 +66,38 @@ private:
   DDS::DomainParticipant_var participant_;
 };
 
-/// A separate participant on which the type name of attribute `Taken` is registered for another type, so that
-/// registering `Taken` fails.
+/// A fake participant in front of a separate real one. The type name of attribute `Taken` is registered for another
+/// type, so that registering `Taken` fails.
 template <typename Taken, typename Other>
 class TypeNameTaken {
 public:
-  TypeNameTaken() : factory_(dcps::start_dds()) {
-    participant_ = factory_->create_participant(real_domain(), PARTICIPANT_QOS_DEFAULT,
-                                                DDS::DomainParticipantListener::_nil(), Varnok::ALL_STATUSES);
+  TypeNameTaken()
+      : factory_(dcps::start_dds()),
+        real_(factory_->create_participant(real_domain(), PARTICIPANT_QOS_DEFAULT,
+                                           DDS::DomainParticipantListener::_nil(), Varnok::ALL_STATUSES)),
+        dds_(real_.in()) {
     const typename Taken::TypeSupport_var taken = new typename Taken::TypeSupportImpl;
     const typename Other::TypeSupport_var other = new typename Other::TypeSupportImpl;
     const CORBA::String_var name = taken->get_type_name();
-    other->register_type(participant_.in(), name.in());
+    other->register_type(participant(), name.in());
   }
   ~TypeNameTaken() {
-    participant_->delete_contained_entities();
-    factory_->delete_participant(participant_.in());
+    real_->delete_contained_entities();
+    factory_->delete_participant(real_.in());
   }
   TypeNameTaken(const TypeNameTaken&) = delete;
   TypeNameTaken& operator=(const TypeNameTaken&) = delete;
 
-  DDS::DomainParticipant_ptr participant() const { return participant_.in(); }
+  DDS::DomainParticipant_ptr participant() const { return dds_.participant(); }
 
 private:
   DDS::DomainParticipantFactory_var factory_;
-  DDS::DomainParticipant_var participant_;
+  DDS::DomainParticipant_var real_;
+  FakeDds dds_;
 };
 
 /// A typed reader of void attributes with preset results.
-class ScriptedReader : public virtual OpenDDS::DCPS::LocalObject<Varnok::QTNN_DDS::ATTR_VOIDDataReader> {
+class ScriptedReader : public FakeTypedReaderBase<Varnok::DDS_Attribute<Varnok::DDS_VoidMessage>> {
 public:
   /// Every take returns this.
   ScriptedReader(DDS::ReturnCode_t result, bool valid_data, DDS::InstanceStateKind state);

@@ -6,7 +6,7 @@ namespace {
 
 using State = std::shared_ptr<FakeDds::State>;
 
-class FakeParticipant : public virtual OpenDDS::DCPS::LocalObject<DDS::DomainParticipant> {
+class FakeParticipant : public FakeParticipantBase {
 public:
   FakeParticipant(const State& state, DDS::DomainParticipant_ptr real)
       : state_(state), real_(DDS::DomainParticipant::_duplicate(real)) {}
@@ -41,6 +41,7 @@ public:
     if (!state_->begin("create_topic", std::string(" ") + name + " " + type)) {
       return DDS::Topic::_nil();
     }
+    share_type(real_.in(), type);
     return real_->create_topic(name, type, qos, listener, mask);
   }
   DDS::ReturnCode_t delete_topic(DDS::Topic_ptr topic) override {

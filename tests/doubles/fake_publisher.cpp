@@ -10,9 +10,9 @@ using Boolean = Varnok::DDS_Attribute<bool>;
 constexpr DDS::InstanceHandle_t SOME_HANDLE = 4711;
 using State = std::shared_ptr<FakeDds::State>;
 
-/// A fake writer in front of a real one. `Interface` is DDS::DataWriter for a writer without a type.
-template <typename Interface>
-class FakeWriter : public virtual OpenDDS::DCPS::LocalObject<Interface> {
+/// A fake writer in front of a real one. `Base` is FakeWriterBase for a writer without a type.
+template <typename Base>
+class FakeWriter : public Base {
 public:
   FakeWriter(const State& state, DDS::DataWriter_ptr real) : state_(state), real_(real) { ++state_->living_writers; }
   ~FakeWriter() override { --state_->living_writers; }
@@ -27,7 +27,7 @@ protected:
   DDS::DataWriter_var real_;
 };
 
-class FakeBooleanWriter : public FakeWriter<Boolean::DataWriter> {
+class FakeBooleanWriter : public FakeWriter<FakeTypedWriterBase<Boolean>> {
 public:
   FakeBooleanWriter(const State& state, DDS::DataWriter_ptr real)
       : FakeWriter(state, real), typed_(Boolean::DataWriter::_narrow(real)) {}
@@ -61,7 +61,7 @@ private:
   Boolean::DataWriter_var typed_;
 };
 
-class FakePublisher : public virtual OpenDDS::DCPS::LocalObject<DDS::Publisher> {
+class FakePublisher : public FakePublisherBase {
 public:
   FakePublisher(const State& state, DDS::Publisher_ptr real) : state_(state), real_(real) {}
 
@@ -79,7 +79,7 @@ public:
     }
     DDS::DataWriter_ptr const writer = real_->create_datawriter(topic, qos, listener, mask);
     if (state_->is_refused("narrow_writer")) {
-      return new FakeWriter<DDS::DataWriter>(state_, writer);
+      return new FakeWriter<FakeWriterBase>(state_, writer);
     }
     return new FakeBooleanWriter(state_, writer);
   }

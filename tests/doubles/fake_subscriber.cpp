@@ -8,7 +8,7 @@ using State = std::shared_ptr<FakeDds::State>;
 
 std::atomic<unsigned int> living_readers{0};
 
-class FakeSubscriber : public virtual OpenDDS::DCPS::LocalObject<DDS::Subscriber> {
+class FakeSubscriber : public FakeSubscriberBase {
 public:
   FakeSubscriber(const State& state, DDS::Subscriber_ptr real) : state_(state), real_(real) {}
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
@@ -13,10 +14,19 @@ public:
     open_ = true;
     opened_.notify_all();
   }
+  bool is_open() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return open_;
+  }
   /// Waits until it is open.
   void pass() {
     std::unique_lock<std::mutex> lock(mutex_);
     opened_.wait(lock, [this] { return open_; });
+  }
+  /// Likewise, but returns false after ten seconds.
+  bool opens_in_time() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    return opened_.wait_for(lock, std::chrono::seconds(10), [this] { return open_; });
   }
 
 private:

@@ -205,7 +205,8 @@ json SimulatedUnit::setting(const std::string& name) const {
 }
 
 std::uint64_t SimulatedUnit::calls_of(Point point) const {
-  for (const json& row : json(client_->get("/v1/faults"))["faults"]) {
+  const json all = client_->get("/v1/faults");
+  for (const json& row : all["faults"]) {
     if (row["point"] == name_of(point)) {
       return row["calls"];
     }

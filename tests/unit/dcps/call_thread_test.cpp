@@ -33,18 +33,15 @@ protected:
 };
 
 /// Blocks when notified of a second writer.
-class BlockingOnMatch : public RecordingListener {
+class BlockingOnMatch : public BlockingListener {
 public:
+  BlockingOnMatch() : BlockingListener(NEVER) {}
+
   void on_subscription_matched(DDS::DataReader_ptr, const DDS::SubscriptionMatchedStatus& status) override {
     if (status.current_count == 2) {
-      entered.open();
-      leave.wait();
-      left = true;
+      block();
     }
   }
-  Gate entered;
-  Gate leave;
-  std::atomic<bool> left{false};
 };
 
 bool is_deleted(Reader* reader) {
@@ -57,22 +54,19 @@ TEST_F(CallThreadTest, DeletionWaitsForAStatusCallDuringWhichASampleArrives) {
   BlockingOnMatch listener;
   Entities entities;
   const Reader_var reader = entities.reader(topic_, &listener, durable_reader());
+  const Reader_var arrivals = entities.reader(topic_, nullptr, durable_reader());
   const auto peer = heard_peer(listener);
   const Writer_var writer = entities.writer(topic_, durable_writer());
-  ASSERT_TRUE(listener.entered.wait_briefly());
+  ASSERT_TRUE(listener.entered.opens_in_time());
   ASSERT_EQ(peer->ask("write 2"), "0");
-  for (int tries = 0; tries < 200 && listener.taken().size() < 2; ++tries) {
-    std::this_thread::sleep_for(1ms);
-  }
-  std::atomic<bool> left_first{false};
-  std::thread deletion([&] {
+  ASSERT_TRUE(take_up_to(arrivals, 2));
+  auto deletion = std::async(std::launch::async, [&] {
     entities.subscriber->delete_datareader(reader);
-    left_first = listener.left.load();
+    return listener.left.load();
   });
-  std::this_thread::sleep_for(200ms);
+  EXPECT_EQ(deletion.wait_for(200ms), std::future_status::timeout);
   listener.leave.open();
-  deletion.join();
-  EXPECT_TRUE(left_first);
+  EXPECT_TRUE(deletion.get()) << "the call has returned before the deletion";
 }
 
 TEST_F(CallThreadTest, AListenerMayWriteToItsOwnTopicFromASampleOfAnotherProcess) {
@@ -95,28 +89,20 @@ TEST_F(CallThreadTest, AListenerMayWriteToItsOwnTopicFromASampleOfAnotherProcess
 }
 
 TEST_F(CallThreadTest, AListenerThatBlocksOnASampleOfAnotherProcessHoldsUpNeitherWritesNorDeletions) {
-  Gate entered;
-  Gate leave;
-  std::atomic<int> calls{0};
-  RecordingListener listener([&] {
-    if (++calls == 2) {
-      entered.open();
-      leave.wait();
-    }
-  });
+  BlockingListener listener(2);
   Entities entities;
   const Reader_var reader = entities.reader(topic_, &listener, durable_reader());
   const Writer_var writer = entities.writer(topic_, durable_writer());
   const Reader_var other = entities.reader(topic_, nullptr, durable_reader());
   const auto peer = heard_peer(listener);
   ASSERT_EQ(peer->ask("write 2"), "0");
-  ASSERT_TRUE(entered.wait_briefly());
+  ASSERT_TRUE(listener.entered.opens_in_time());
   auto work = std::async(std::launch::async, [&] {
     EXPECT_EQ(writer->write(numbered(3), NIL), DDS::RETCODE_OK);
     EXPECT_EQ(entities.subscriber->delete_datareader(other), DDS::RETCODE_OK);
   });
   EXPECT_EQ(work.wait_for(5s), std::future_status::ready);
-  leave.open();
+  listener.leave.open();
   work.wait();
   EXPECT_EQ(listener.wait_for(3).back().number, 3);
 }
@@ -142,29 +128,24 @@ TEST_F(CallThreadTest, EachSampleIsNotifiedOnceEvenIfTheListenerTakesNone) {
   for (int i = 1; i <= 5; ++i) {
     writer->write(numbered(i), NIL);
   }
-  EXPECT_TRUE(listener.five.wait_briefly());
+  EXPECT_TRUE(listener.five.opens_in_time());
   EXPECT_EQ(entities.subscriber->delete_datareader(reader), DDS::RETCODE_OK);
   EXPECT_EQ(calls, 5);
 }
 
 TEST_F(CallThreadTest, ChangesThatWaitBehindABlockedCallAreNotifiedOnceEach) {
-  Gate entered;
-  Gate leave;
-  RecordingListener listener([&] {
-    entered.open();
-    leave.wait();
-  });
+  BlockingListener listener;
   Entities entities;
   const Reader_var reader = entities.reader(topic_, &listener);
   const Writer_var writer = entities.writer(topic_);
   writer->write(numbered(0), NIL);
-  ASSERT_TRUE(entered.wait_briefly());
+  ASSERT_TRUE(listener.entered.opens_in_time());
   for (int i = 1; i <= 100; ++i) {
     writer->dispose(numbered(i), NIL);
     writer->write(numbered(i), NIL);
   }
   writer->dispose(numbered(100), NIL);
-  leave.open();
+  listener.leave.open();
   ASSERT_EQ(listener.wait_for(202).size(), 202U);
   EXPECT_EQ(entities.subscriber->delete_datareader(reader), DDS::RETCODE_OK);
   const auto taken = listener.taken();
@@ -215,7 +196,7 @@ TEST_F(CallThreadTest, AListenerThatDeletesItsReaderIsReleasedAtTheEndOfItsCall)
   {
     const DDS::DataReaderListener_var listener = new SelfDeleting(
         [&] {
-          made.wait();
+          made.pass();
           EXPECT_EQ(entities.subscriber->delete_datareader(reader), DDS::RETCODE_OK);
           EXPECT_TRUE(is_deleted(reader));
           EXPECT_FALSE(destroyed.is_open());
@@ -226,7 +207,7 @@ TEST_F(CallThreadTest, AListenerThatDeletesItsReaderIsReleasedAtTheEndOfItsCall)
   made.open();
   const Writer_var writer = entities.writer(topic_);
   writer->write(numbered(1), NIL);
-  EXPECT_TRUE(destroyed.wait_briefly());
+  EXPECT_TRUE(destroyed.opens_in_time());
 }
 
 TEST_F(CallThreadTest, AListenerMayDeleteTheParticipant) {
@@ -237,7 +218,7 @@ TEST_F(CallThreadTest, AListenerMayDeleteTheParticipant) {
   {
     const DDS::DataReaderListener_var listener = new SelfDeleting(
         [&] {
-          made.wait();
+          made.pass();
           entities.reset();
         },
         destroyed);
@@ -246,7 +227,7 @@ TEST_F(CallThreadTest, AListenerMayDeleteTheParticipant) {
   const Writer_var writer = entities->writer(topic_);
   writer->write(numbered(1), NIL);
   made.open();
-  EXPECT_TRUE(destroyed.wait_briefly());
+  EXPECT_TRUE(destroyed.opens_in_time());
   EXPECT_TRUE(is_deleted(reader));
 }
 

@@ -2,7 +2,9 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 
 namespace dcps_test {
 
@@ -86,6 +88,19 @@ Reader* Entities::reader(const std::string& topic_name, DDS::DataReaderListener_
   const DDS::Topic_var on = topic(topic_name);
   const DDS::DataReader_var made = subscriber->create_datareader(on, qos, listener, ALL);
   return Reader::_narrow(made);
+}
+
+bool take_up_to(Reader* reader, CORBA::Long number) {
+  for (int tries = 0; tries < 10000; ++tries) {
+    Sample sample{};
+    DDS::SampleInfo info{};
+    if (reader->take_next_sample(sample, info) != DDS::RETCODE_OK) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    } else if (info.valid_data && sample.quality == number) {
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace dcps_test

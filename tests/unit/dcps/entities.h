@@ -55,4 +55,7 @@ public:
   CORBA::String_var type_name;
 };
 
+/// Takes samples until one has that number; false if it does not arrive within ten seconds.
+bool take_up_to(Reader* reader, CORBA::Long number);
+
 }  // namespace dcps_test

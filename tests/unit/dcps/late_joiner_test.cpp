@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdlib>
 
@@ -107,7 +106,7 @@ TEST_F(LateJoinerTest, SeesAnotherProcessLeave) {
   ASSERT_EQ(peer.line(), "ready");
   ASSERT_EQ(peer.ask("write 1"), "0");
   ASSERT_EQ(listener_.wait_for(1).size(), 1U);
-  EXPECT_EQ(WEXITSTATUS(peer.finish("leave 3")), 3);
+  EXPECT_EQ(peer.finish("leave 3"), 3);
   const auto taken = listener_.wait_for(2);
   ASSERT_EQ(taken.size(), 2U);
   EXPECT_FALSE(taken[1].valid);
@@ -136,7 +135,7 @@ TEST_F(LateJoinerTest, IsNotToldThatAnotherProcessWasKilled) {
     ASSERT_EQ(peer.ask("write 1"), "0");
     ASSERT_EQ(listener.wait_for(1).size(), 1U);
   }
-  ASSERT_TRUE(listener.unmatched.wait_briefly());
+  ASSERT_TRUE(listener.unmatched.opens_in_time());
   const Writer_var writer = entities.writer(topic_, durable_writer());
   ASSERT_EQ(writer->write(numbered(2), DDS::HANDLE_NIL), DDS::RETCODE_OK);
   ASSERT_EQ(listener.wait_for(2).size(), 2U);
@@ -165,7 +164,7 @@ TEST_F(LateJoinerTest, ASubscriberMayBeDeletedByAListener) {
   ASSERT_EQ(peer.ask("write 0"), "0");
   ASSERT_EQ(deleting->wait_for(1).size(), 1U);
   ASSERT_EQ(peer.ask("write-many 5"), "0");
-  EXPECT_TRUE(deleted.wait_briefly());
+  EXPECT_TRUE(deleted.opens_in_time());
   EXPECT_EQ(deleting->taken().size(), 3U);
 }
 

@@ -15,14 +15,14 @@ constexpr DDS::InstanceHandle_t NIL = DDS::HANDLE_NIL;
 
 class ListenerStartTest : public testing::Test {
 protected:
-  ListenerStartTest() : listener_([this] { finished_.wait(); }) {}
+  ListenerStartTest() : listener_([this] { finished_.pass(); }) {}
 
   /// Makes the reader on a thread that is not finished before finish() is called.
   void start(const DDS::DataReaderQos& qos) {
     maker_ = std::thread([this, qos] {
       reader_ = entities_.reader(topic_, &listener_, qos);
       made_.open();
-      finish_.wait();
+      finish_.pass();
       finished_.open();
     });
   }
@@ -48,7 +48,7 @@ TEST_F(ListenerStartTest, SamplesThatAreThereBeforeTheReaderAreTakenWhileItStart
   const auto taken = listener_.wait_for(1);
   ASSERT_EQ(taken.size(), 1U);
   EXPECT_EQ(taken[0].number, 1);
-  EXPECT_TRUE(made_.wait_briefly()) << "the waiting listener does not keep its maker in create_datareader";
+  EXPECT_TRUE(made_.opens_in_time()) << "the waiting listener does not keep its maker in create_datareader";
   for (int i = 2; i <= 20; ++i) {
     EXPECT_EQ(writer->write(numbered(i), NIL), DDS::RETCODE_OK);
   }
@@ -69,12 +69,7 @@ TEST_F(ListenerStartTest, TheEngineGoesOnWhileAListenerWaits) {
   ASSERT_EQ(other.line(), "ready");
   ASSERT_EQ(other.ask("write 5"), "0");
   const Reader_var reader = entities_.reader(other_topic, nullptr, durable_reader());
-  Sample sample = numbered(-1);
-  DDS::SampleInfo info{};
-  for (int i = 0; i < 1000 && reader->take_next_sample(sample, info) != DDS::RETCODE_OK; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  EXPECT_EQ(sample.quality, 5);
+  EXPECT_TRUE(take_up_to(reader, 5));
   EXPECT_EQ(entities_.subscriber->delete_datareader(reader), DDS::RETCODE_OK);
   ASSERT_EQ(peer.ask("write-many 3"), "0");
   EXPECT_EQ(listener_.taken().size(), 1U);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <set>
 #include <thread>
 
@@ -86,17 +88,12 @@ TEST_F(ListenerTest, TheListenerIsNotCalledOnTheWritersThread) {
 }
 
 TEST_F(ListenerTest, ABlockedListenerHoldsUpNeitherWritersNorOtherWork) {
-  Gate entered;
-  Gate leave;
-  RecordingListener listener([&] {
-    entered.open();
-    leave.wait();
-  });
+  BlockingListener listener;
   Entities entities;
   const Reader_var reader = entities.reader(topic_, &listener);
   const Writer_var writer = entities.writer(topic_);
   writer->write(numbered(0), NIL);
-  ASSERT_TRUE(entered.wait_briefly());
+  ASSERT_TRUE(listener.entered.opens_in_time());
   for (int i = 1; i < 50; ++i) {
     EXPECT_EQ(writer->write(numbered(i), NIL), DDS::RETCODE_OK);
   }
@@ -105,28 +102,33 @@ TEST_F(ListenerTest, ABlockedListenerHoldsUpNeitherWritersNorOtherWork) {
   EXPECT_EQ(another->write(numbered(1), NIL), DDS::RETCODE_OK);
   EXPECT_EQ(entities.subscriber->delete_datareader(its_reader), DDS::RETCODE_OK);
   EXPECT_EQ(listener.taken().size(), 1U);
-  leave.open();
+  listener.leave.open();
   EXPECT_EQ(listener.wait_for(50).size(), 50U);
 }
 
 TEST_F(ListenerTest, DeletionWaitsForTheCallUnderWay) {
-  Gate entered;
-  std::atomic<bool> left{false};
-  RecordingListener listener([&] {
-    entered.open();
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    left = true;
-  });
+  BlockingListener listener;
+  RecordingListener later;
   Entities entities;
   const Reader_var reader = entities.reader(topic_, &listener);
   const Writer_var writer = entities.writer(topic_);
   for (int i = 0; i < 10; ++i) {
     writer->write(numbered(i), NIL);
   }
-  ASSERT_TRUE(entered.wait_briefly());
-  entities.subscriber->delete_contained_entities();
-  EXPECT_TRUE(left);
-  EXPECT_EQ(listener.taken().size(), 1U) << "no call begins after the deletion";
+  ASSERT_TRUE(listener.entered.opens_in_time());
+  std::size_t calls_before = 0;
+  auto deletion = std::async(std::launch::async, [&] {
+    entities.subscriber->delete_contained_entities();
+    calls_before = listener.taken().size();
+    return listener.left.load();
+  });
+  EXPECT_EQ(deletion.wait_for(std::chrono::milliseconds(200)), std::future_status::timeout);
+  listener.leave.open();
+  EXPECT_TRUE(deletion.get()) << "the call has returned before the deletion";
+  const Reader_var other = entities.reader(topic_, &later);
+  writer->write(numbered(10), NIL);
+  EXPECT_EQ(later.wait_for(1).size(), 1U) << "the listener thread goes on";
+  EXPECT_EQ(listener.taken().size(), calls_before) << "no call begins after the deletion";
 }
 
 TEST_F(ListenerTest, AListenerMayGoAsSoonAsItsReaderIsDeleted) {
@@ -137,7 +139,7 @@ TEST_F(ListenerTest, AListenerMayGoAsSoonAsItsReaderIsDeleted) {
     RecordingListener listener([&] { entered.open(); });
     const Reader_var reader = entities.reader(topic_, &listener);
     writer->write(numbered(i), NIL);
-    ASSERT_TRUE(entered.wait_briefly());
+    ASSERT_TRUE(entered.opens_in_time());
     ASSERT_EQ(entities.subscriber->delete_datareader(reader), DDS::RETCODE_OK);
   }
 }
@@ -171,7 +173,7 @@ TEST_F(ListenerTest, AReaderMayBeDeletedByItsOwnListener) {
   Reader_var reader;
   Entities entities;
   const DDS::DataReaderListener_var listener = new RecordingListener([&] {
-    made.wait();
+    made.pass();
     EXPECT_EQ(entities.subscriber->delete_datareader(reader), DDS::RETCODE_OK);
     deleted.open();
   });
@@ -179,7 +181,7 @@ TEST_F(ListenerTest, AReaderMayBeDeletedByItsOwnListener) {
   made.open();
   const Writer_var writer = entities.writer(topic_);
   writer->write(numbered(1), NIL);
-  EXPECT_TRUE(deleted.wait_briefly());
+  EXPECT_TRUE(deleted.opens_in_time());
 }
 
 TEST_F(ListenerTest, AListenerMayWriteAndMakeEntities) {
@@ -237,9 +239,9 @@ TEST_F(ListenerTest, AReadersListenerHearsOfMatches) {
   Entities entities;
   const Reader_var reader = entities.reader(topic_, &listener);
   const Writer_var writer = entities.writer(topic_);
-  EXPECT_TRUE(listener.matched.wait_briefly());
+  EXPECT_TRUE(listener.matched.opens_in_time());
   entities.publisher->delete_datawriter(writer);
-  EXPECT_TRUE(listener.unmatched.wait_briefly());
+  EXPECT_TRUE(listener.unmatched.opens_in_time());
 }
 
 class IncompatibleListener : public QuietListener {
@@ -257,7 +259,7 @@ TEST_F(ListenerTest, AReadersListenerHearsOfIncompatibleWriters) {
   Entities entities;
   const Writer_var writer = entities.writer(topic_);
   const Reader_var reader = entities.reader(topic_, &listener, durable_reader());
-  ASSERT_TRUE(listener.told.wait_briefly());
+  ASSERT_TRUE(listener.told.opens_in_time());
   EXPECT_EQ(listener.policy, DDS::DURABILITY_QOS_POLICY_ID);
 }
 
@@ -281,7 +283,7 @@ TEST_F(ListenerTest, AReadersListenerHearsOfRejectedSamples) {
   const Writer_var writer = entities.writer(topic_);
   writer->write(numbered(1), NIL);
   writer->write(numbered(2), NIL);
-  ASSERT_TRUE(listener.told.wait_briefly());
+  ASSERT_TRUE(listener.told.opens_in_time());
   EXPECT_EQ(listener.reason, DDS::REJECTED_BY_SAMPLES_LIMIT);
 }
 

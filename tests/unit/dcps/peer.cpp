@@ -2,9 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -23,19 +21,11 @@ Peer::Peer(const std::vector<std::string>& arguments) {
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, in.data()) != 0 || pipe2(out.data(), O_CLOEXEC) != 0) {
     throw std::runtime_error("no pipe");
   }
-  const std::string program = test_folder() + "/dcps_peer";
-  std::vector<char*> command{const_cast<char*>(program.c_str())};
-  for (const std::string& argument : arguments) {
-    command.push_back(const_cast<char*>(argument.c_str()));
-  }
-  command.push_back(nullptr);
-  process_ = fork();
-  if (process_ == 0) {
-    dup2(in[0], STDIN_FILENO);
-    dup2(out[1], STDOUT_FILENO);
-    execv(program.c_str(), command.data());
-    _exit(127);
-  }
+  std::vector<std::string> line{test_folder() + "/dcps_peer"};
+  line.insert(line.end(), arguments.begin(), arguments.end());
+  simulator::process::ChildOptions options;
+  options.descriptors = {{in[0], STDIN_FILENO}, {out[1], STDOUT_FILENO}};
+  process_ = std::make_unique<doubles::ChildProcess>(line, options);
   close(in[0]);
   close(out[1]);
   to_ = in[1];
@@ -45,11 +35,6 @@ Peer::Peer(const std::vector<std::string>& arguments) {
 Peer::~Peer() {
   close(to_);
   close(from_);
-  if (process_ <= 0) {
-    return;
-  }
-  kill(process_, SIGKILL);
-  waitpid(process_, nullptr, 0);
 }
 
 std::string Peer::line() {
@@ -68,10 +53,7 @@ std::string Peer::ask(const std::string& command) {
 
 int Peer::finish(const std::string& command) {
   tell(command);
-  int status = -1;
-  waitpid(process_, &status, 0);
-  process_ = -1;
-  return status;
+  return process_->wait();
 }
 
 bool Peer::tell(const std::string& command) {

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <sys/types.h>
-
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "tests/doubles/child_process.h"
 
 namespace dcps_test {
 
@@ -21,7 +22,8 @@ public:
 
   /// Sends it a command, waits for its answer and returns it.
   std::string ask(const std::string& command);
-  /// Sends it its last command, waits until it exits and returns the status as waitpid() gives it.
+  /// Sends it its last command, waits until it exits and returns the exit status, or the negative number of the signal
+  /// that killed it.
   int finish(const std::string& command);
   /// The next line that it writes; empty if it has exited, or has written none for twenty seconds.
   std::string line();
@@ -29,7 +31,7 @@ public:
 private:
   bool tell(const std::string& command);
 
-  pid_t process_ = -1;
+  std::unique_ptr<doubles::ChildProcess> process_;
   int to_ = -1;
   int from_ = -1;
 };

@@ -28,25 +28,18 @@ std::vector<RecordingListener::Taken> RecordingListener::taken() {
   return taken_;
 }
 
-void Gate::open() {
-  const std::lock_guard lock(mutex_);
-  open_ = true;
-  opened_.notify_all();
-}
+BlockingListener::BlockingListener(int nth)
+    : RecordingListener([this] {
+        if (--calls_until_block_ == 0) {
+          block();
+        }
+      }),
+      calls_until_block_(nth) {}
 
-void Gate::wait() {
-  std::unique_lock lock(mutex_);
-  opened_.wait(lock, [&] { return open_; });
-}
-
-bool Gate::is_open() {
-  const std::lock_guard lock(mutex_);
-  return open_;
-}
-
-bool Gate::wait_briefly() {
-  std::unique_lock lock(mutex_);
-  return opened_.wait_for(lock, std::chrono::seconds(10), [&] { return open_; });
+void BlockingListener::block() {
+  entered.open();
+  leave.pass();
+  left = true;
 }
 
 }  // namespace dcps_test

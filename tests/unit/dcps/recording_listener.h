@@ -1,14 +1,18 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <thread>
 #include <vector>
 
+#include "tests/doubles/gate.h"
 #include "tests/unit/dcps/entities.h"
 
 namespace dcps_test {
+
+using doubles::Gate;
 
 /// Ignores all statuses.
 class QuietListener : public virtual OpenDDS::DCPS::LocalObject<DDS::DataReaderListener> {
@@ -49,19 +53,21 @@ private:
   std::vector<Taken> taken_;
 };
 
-/// A gate that threads wait at until it is opened.
-class Gate {
+/// Blocks at the end of its `nth` notification of data, if ever, until it is let go.
+class BlockingListener : public RecordingListener {
 public:
-  void open();
-  void wait();
-  /// False if the gate is not opened within ten seconds.
-  bool wait_briefly();
-  bool is_open();
+  static constexpr int NEVER = 0;
+  explicit BlockingListener(int nth = 1);
+
+  Gate entered;
+  Gate leave;
+  std::atomic<bool> left{false};
+
+protected:
+  void block();
 
 private:
-  std::mutex mutex_;
-  std::condition_variable opened_;
-  bool open_ = false;
+  int calls_until_block_;
 };
 
 }  // namespace dcps_test

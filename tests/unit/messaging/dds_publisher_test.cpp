@@ -2,21 +2,24 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <type_traits>
 
 #include "tests/doubles/captured_output.h"
+#include "tests/doubles/child_process.h"
 #include "tests/doubles/fake_dds.h"
+#include "tests/doubles/temporary_folder.h"
 #include "tests/unit/messaging/attribute_topic.h"
 
 namespace {
 
 using doubles::calls;
 using doubles::CapturedOutput;
+using doubles::ChildProcess;
 using doubles::FakeDds;
 using doubles::ParticipantInUse;
+using doubles::TemporaryFolder;
+using doubles::text_of;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Varnok::DDS_Publisher;
@@ -110,8 +113,7 @@ TEST_F(DdsPublisherTest, AProcessWithoutParticipantHasNoPublisherEither) {
 
 TEST_F(DdsPublisherTest, ATypeThatIsRefusedIsPrintedAndThrown) {
   const doubles::TypeNameTaken<BooleanAttribute, VoidAttribute> taken;
-  const FakeDds dds(taken.participant());
-  const ParticipantInUse in_use(dds.participant());
+  const ParticipantInUse in_use(taken.participant());
   expect_printed_and_thrown(CONSTRUCTOR + " err: Osts->register_type");
   EXPECT_THAT(calls().all(), ElementsAre("dds create_publisher"));
 }
@@ -198,14 +200,11 @@ TEST_F(DdsPublisherTest, ALateJoinerInAnotherProcessGetsTheLastValue) {
   publisher.sendData(false);
   publisher.sendData(true);
   const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-  const std::string command =
-      "TEST_DOMAIN=" + std::to_string(doubles::real_domain()) + " '" + (folder / "late_joiner").string() + "' " + TOPIC;
-  std::FILE* const joiner = popen(command.c_str(), "r");
-  ASSERT_NE(joiner, nullptr);
-  std::array<char, 100> line{};
-  EXPECT_NE(std::fgets(line.data(), static_cast<int>(line.size()), joiner), nullptr);
-  EXPECT_STREQ(line.data(), "true\n");
-  EXPECT_EQ(pclose(joiner), 0);
+  const TemporaryFolder output;
+  ChildProcess joiner({folder / "late_joiner", TOPIC}, {"TEST_DOMAIN=" + std::to_string(doubles::real_domain())},
+                      output / "joiner");
+  EXPECT_EQ(joiner.wait(), 0);
+  EXPECT_EQ(text_of(output / "joiner"), "true\n");
 }
 
 TEST_F(DdsPublisherTest, DestructionRemovesWriterPublisherAndTopicInOrder) {

@@ -120,8 +120,7 @@ TEST(DdsSubscriberFailureTest, AProcessWithoutParticipantIsPrintedAndThrown) {
 
 TEST(DdsSubscriberFailureTest, ATypeThatIsRefusedIsPrintedAndThrown) {
   const VoidNameTaken taken;
-  const FakeDds dds(taken.participant());
-  const ParticipantInUse in_use(dds.participant());
+  const ParticipantInUse in_use(taken.participant());
   const CapturedOutput output;
   EXPECT_EQ(OpenBase::made().failure(), NO_TYPE);
   EXPECT_EQ(output.err(), NO_TYPE + "\n");
@@ -144,8 +143,7 @@ TEST(DdsSubscriberFailureDeathTest, ATypeThatIsRefusedEndsTheProcess) {
   EXPECT_EXIT(
       {
         const VoidNameTaken taken;
-        const FakeDds dds(taken.participant());
-        const ParticipantInUse in_use(dds.participant());
+        const ParticipantInUse in_use(taken.participant());
         const DDS_Subscriber<DDS_VoidMessage> subscriber(TOPIC, [](const char*) {});
         subscriber.waitForInitDone();
       },

@@ -1,7 +1,8 @@
-#include "simulator/sysroot/naming.h"
+#include "simulator/agent/naming.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <stdexcept>
 
@@ -14,17 +15,17 @@ TEST(NamingTest, ServicesWhosePortIsNoNumberAreNotWaitedFor) {
   const std::string port = ::getenv("UNIT_NAMING_PORT");
   ::setenv("UNIT_NAMING_PORT", "none", 1);
   try {
-    simulator::sysroot::start_services();
+    simulator::agent::start_services(STDERR_FILENO);
     FAIL() << "started";
   } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "unit-services exited before it was ready; see /run/unit/log/services.log");
+    EXPECT_STREQ(error.what(), "unit-services exited before it was ready; see services.log");
   }
   ::setenv("UNIT_NAMING_PORT", port.c_str(), 1);
 }
 
 TEST(NamingTest, ServicesAreReadyOnceTheyAreStarted) {
-  simulator::sysroot::start_naming(2809);
-  simulator::sysroot::start_services();
+  simulator::agent::start_naming(2809, STDERR_FILENO);
+  simulator::agent::start_services(STDERR_FILENO);
   auto& services = simulator::model::UnitModel::of_this_unit().services();
   EXPECT_TRUE(services.wait_applied(std::chrono::milliseconds(0)));
 }

@@ -110,6 +110,34 @@ TEST_F(PsdriverFaultsTest, AGarbledReplyCarriesTheWrongValue) {
   EXPECT_EQ(heard.at_least(2), (Heard::Calls{{'e', -99}, {'e', 27}}));
 }
 
+TEST_F(PsdriverFaultsTest, EachGarbledReplyIsDrawn) {
+  driver_.SetBatteryTemperatureCallback(hear<'e'>);
+  simulator::model::Fault fault{FaultKind::GARBAGE};
+  fault.seed = 9;
+  fault.draws = true;
+  for (int round = 0; round < 2; ++round) {
+    unit_.faults().arm(Point::GET_BATTERY_TEMPERATURE, fault);
+    driver_.GetBatteryTemperature();
+    driver_.GetBatteryTemperature();
+  }
+  const Heard::Calls calls = heard.at_least(4);
+  EXPECT_NE(calls[0].second, calls[1].second);
+  EXPECT_EQ(calls[2].second, calls[0].second);
+  EXPECT_EQ(calls[3].second, calls[1].second);
+}
+
+TEST_F(PsdriverFaultsTest, AStuckReplyRepeatsTheLastOne) {
+  driver_.SetBatteryTemperatureCallback(hear<'e'>);
+  power_supply_.set_reply(Reply::BATTERY_TEMPERATURE, 27);
+  unit_.faults().arm(Point::GET_BATTERY_TEMPERATURE, {FaultKind::STUCK, 0, 1, simulator::model::Fault::ALWAYS, 2});
+  for (std::size_t request = 0; request < 4; ++request) {
+    power_supply_.set_reply(Reply::BATTERY_TEMPERATURE, 30 + static_cast<int>(request));
+    driver_.GetBatteryTemperature();
+    heard.at_least(request + 1);
+  }
+  EXPECT_EQ(heard.at_least(4), (Heard::Calls{{'e', 27}, {'e', 31}, {'e', 31}, {'e', 33}}));
+}
+
 /// The operations of one reply kind, and its name.
 struct ReplyOperations {
   const char* name;

@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <memory>
+#include <vector>
 
 #include "tests/unit/simulator/drivers/driver_fixture.h"
 
@@ -131,7 +133,7 @@ TEST_F(PsdriverTest, AnInterruptWithoutHandlerIsDropped) {
   EXPECT_EQ(heard.at_least(1), (Heard::Calls{{'i', 2}}));
 }
 
-TEST_F(PsdriverTest, ADriverFarBehindLosesTheOldestInterrupts) {
+TEST_F(PsdriverTest, ADriverFarBehindGetsEveryInterruptThatWasRaised) {
   static std::mutex running;
   std::unique_lock held(running);
   driver_.SetSwitchInterruptCallback([](int value) {
@@ -140,14 +142,50 @@ TEST_F(PsdriverTest, ADriverFarBehindLosesTheOldestInterrupts) {
   });
   power_supply_.raise_interrupt(0);
   heard.at_least(1);
-  for (int value = 1; value <= 300; ++value) {
+  for (int value = 1; value < 256; ++value) {
     power_supply_.raise_interrupt(value);
   }
+  EXPECT_THROW(power_supply_.raise_interrupt(256), simulator::model::InterruptsFull);
   held.unlock();
-  const Heard::Calls calls = heard.at_least(257);
-  ASSERT_EQ(calls.size(), 257U);
-  EXPECT_EQ(calls[1].second, 45);
-  EXPECT_EQ(calls[256].second, 300);
+  const Heard::Calls calls = heard.at_least(256);
+  ASSERT_EQ(calls.size(), 256U);
+  for (int value = 0; value < 256; ++value) {
+    EXPECT_EQ(calls[static_cast<std::size_t>(value)], (std::pair<char, int>('i', value)));
+  }
+  ASSERT_TRUE(power_supply_.wait_interrupt_handled(power_supply_.interrupts_raised(), std::chrono::seconds(60)));
+  power_supply_.raise_interrupt(300);
+  EXPECT_EQ(heard.at_least(257)[256].second, 300);
+}
+
+TEST_F(PsdriverTest, TheSlowestOfTwoDriversLosesNothing) {
+  static std::mutex running;
+  std::unique_lock held(running);
+  driver_.SetSwitchInterruptCallback([](int) { const std::lock_guard wait(running); });
+  std::uint64_t last = 0;
+  {
+    psdriver other(DEVICE);
+    for (int value = 0; value < 256; ++value) {
+      last = power_supply_.raise_interrupt(value);
+    }
+    EXPECT_TRUE(power_supply_.wait_interrupt_handled(last, std::chrono::seconds(60)));
+    EXPECT_THROW(power_supply_.raise_interrupt(256), simulator::model::InterruptsFull);
+  }
+  EXPECT_THROW(power_supply_.raise_interrupt(256), simulator::model::InterruptsFull);
+  held.unlock();
+}
+
+TEST_F(PsdriverTest, ADriverTooManyIsRefused) {
+  std::vector<std::unique_ptr<psdriver>> drivers;
+  try {
+    for (;;) {
+      drivers.push_back(std::make_unique<psdriver>(DEVICE));
+    }
+  } catch (const psdriverError& error) {
+    EXPECT_STREQ(error.what(), "psdriver.open: Too many open files");
+  }
+  EXPECT_EQ(drivers.size(), 63U);
+  drivers.clear();
+  EXPECT_NO_THROW(psdriver{DEVICE});
 }
 
 TEST_F(PsdriverTest, StatusesReachTheController) {

@@ -103,6 +103,39 @@ TEST_F(RadaltTest, AGarbledReadSucceedsWithTheWrongWord) {
   EXPECT_EQ(value_, 0xFFFFFFFF);
 }
 
+TEST_F(RadaltTest, EachGarbledReadIsDrawn) {
+  Fault fault{FaultKind::GARBAGE};
+  fault.seed = 3;
+  fault.draws = true;
+  unsigned first = 0;
+  unsigned second = 0;
+  arm(Point::RADALT_READ, fault);
+  EXPECT_EQ(Radalt_Read(handle_, 1, 40, &first), 0);
+  EXPECT_EQ(Radalt_Read(handle_, 1, 40, &second), 0);
+  EXPECT_NE(first, second);
+  arm(Point::RADALT_READ, fault);
+  EXPECT_EQ(Radalt_Read(handle_, 1, 40, &value_), 0);
+  EXPECT_EQ(value_, first);
+}
+
+TEST_F(RadaltTest, AStuckReadRepeatsTheRegistersLastWord) {
+  unit_.board().set_register(1, 40, 70);
+  unit_.board().set_register(1, 44, 80);
+  arm(Point::RADALT_READ, {FaultKind::STUCK, 0, 2});
+  unit_.board().set_register(1, 40, 71);
+  unit_.board().set_register(1, 44, 81);
+  EXPECT_EQ(Radalt_Read(handle_, 1, 40, &value_), 0);
+  EXPECT_EQ(value_, 71U) << "not hit";
+  unit_.board().set_register(1, 40, 72);
+  EXPECT_EQ(Radalt_Read(handle_, 1, 40, &value_), 0);
+  EXPECT_EQ(value_, 71U) << "delivered before";
+  EXPECT_EQ(Radalt_Read(handle_, 1, 44, &value_), 0);
+  EXPECT_EQ(value_, 80U) << "current when the fault was armed";
+  arm(Point::RADALT_READ, Fault{});
+  EXPECT_EQ(Radalt_Read(handle_, 1, 40, &value_), 0);
+  EXPECT_EQ(value_, 72U);
+}
+
 TEST_F(RadaltTest, AFailedWriteChangesNothing) {
   unit_.board().set_register(1, 40, 70);
   arm(Point::RADALT_WRITE, {FaultKind::FAIL, EIO});

@@ -1,44 +1,27 @@
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <orb_wrapper.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <cstdlib>
 
-#include "tests/unit/simulator/framework/naming_service.h"
+#include "tests/doubles/naming_service.h"
 #include "tests/unit/simulator/model/this_unit.h"
 
 namespace {
 
+using doubles::free_port;
+using doubles::NamingService;
 using simulator::model::FaultKind;
 using simulator::model::Point;
-using simulator_test::NamingService;
 using simulator_test::ThisUnit;
 using ClientInfo = ORB_wrapper_base::ClientInfo;
-
-/// A loopback port on which no process listens.
-int free_port() {
-  const int probe = ::socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof(address);
-  EXPECT_EQ(::bind(probe, reinterpret_cast<sockaddr*>(&address), size), 0);
-  EXPECT_EQ(::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &size), 0);
-  ::close(probe);
-  return ntohs(address.sin_port);
-}
 
 /// The naming service that this process's ORB uses; it contains the path "Halcyra"/"local"/"GUIManager".
 class OrbWrapperTest : public ::testing::Test {
 protected:
   static void SetUpTestSuite() {
     ThisUnit::get();
-    const int port = free_port();
-    ::setenv("UNIT_NAMING_PORT", std::to_string(port).c_str(), 1);
-    naming = new NamingService(port);
+    naming = new NamingService;
+    ::setenv("UNIT_NAMING_PORT", std::to_string(naming->port()).c_str(), 1);
     const CosNaming::NamingContext_var root = naming->root();
     const CosNaming::NamingContext_var halcyra = root->bind_new_context(name("Halcyra"));
     const CosNaming::NamingContext_var local = halcyra->bind_new_context(name("local"));

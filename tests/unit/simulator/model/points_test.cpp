@@ -39,9 +39,10 @@ TEST(PointsTest, NamesArePaired) {
   EXPECT_EQ(name_of(FaultKind::GARBAGE), "garbage");
 }
 
-/// The kinds that the point accepts, by their first letters: none, fail, no_reply (r), late, twice, slow, garbage.
+/// The kinds that the point accepts, by their first letters: none, fail, no_reply (r), late, twice, slow, garbage,
+/// stuck (k).
 std::string admitted(Point point) {
-  constexpr std::string_view LETTERS = "nfrltsg";
+  constexpr std::string_view LETTERS = "nfrltsgk";
   std::string letters;
   for (const auto& each : simulator::model::FAULT_KINDS) {
     letters += row_of(point).kinds.has(each.key) ? LETTERS[static_cast<std::size_t>(each.key)] : '.';
@@ -50,15 +51,29 @@ std::string admitted(Point point) {
 }
 
 TEST(PointsTest, APointAdmitsOnlyWhatCanGoWrongThere) {
-  EXPECT_EQ(admitted(Point::RADALT_READ), "nf...sg");
-  EXPECT_EQ(admitted(Point::RADALT_WRITE), "nf...s.");
-  EXPECT_EQ(admitted(Point::GET_CHARGER_BATTERY_STATUS), "nfrltsg");
-  EXPECT_EQ(admitted(Point::SET_SYSTEM_LED_STATUS), "nf...s.");
-  EXPECT_EQ(admitted(Point::PSDRIVER_REPLY), "n......");
-  EXPECT_EQ(admitted(Point::LOCKER_TAKE), "n....s.");
-  EXPECT_EQ(admitted(Point::GUI_SHOW_DIALOG), "nfr..sg");
-  EXPECT_EQ(admitted(Point::GUI_SET_DIALOG_SIZE), "nfr..s.");
-  EXPECT_EQ(admitted(Point::I2C_READ), "nf...sg");
+  EXPECT_EQ(admitted(Point::RADALT_READ), "nf...sgk");
+  EXPECT_EQ(admitted(Point::RADALT_WRITE), "nf...s..");
+  EXPECT_EQ(admitted(Point::GET_CHARGER_BATTERY_STATUS), "nfrltsgk");
+  EXPECT_EQ(admitted(Point::SET_SYSTEM_LED_STATUS), "nf...s..");
+  EXPECT_EQ(admitted(Point::PSDRIVER_REPLY), "n.......");
+  EXPECT_EQ(admitted(Point::LOCKER_TAKE), "n....s..");
+  EXPECT_EQ(admitted(Point::GUI_SHOW_DIALOG), "nfr..sg.");
+  EXPECT_EQ(admitted(Point::GUI_SET_DIALOG_SIZE), "nfr..s..");
+  EXPECT_EQ(admitted(Point::I2C_READ), "nfr..sgk");
+  EXPECT_EQ(admitted(Point::DDS_WRITE), "nfr.ts..");
+  EXPECT_EQ(admitted(Point::SHELL_IFCONFIG), "nfr..s..");
+  EXPECT_EQ(admitted(Point::FILE_CELSIUS), "nf....gk");
+  EXPECT_EQ(admitted(Point::FILE_BRIGHTNESS), "nf....g.");
+  EXPECT_EQ(admitted(Point::FILE_MIC284), "nf......");
+}
+
+TEST(PointsTest, TheNumberOfAFailureDependsOnWhatIsCrossed) {
+  EXPECT_EQ(number_of(Point::RADALT_READ, FaultKind::FAIL).meaning, "error number, 0 for EIO");
+  EXPECT_EQ(number_of(Point::ORB_LOOKUP, FaultKind::FAIL).meaning, "minor code of the exception");
+  EXPECT_EQ(number_of(Point::SHELL_MOUNT, FaultKind::FAIL).maximum, 255);
+  EXPECT_EQ(number_of(Point::DDS_WRITE, FaultKind::FAIL).meaning, "");
+  EXPECT_EQ(number_of(Point::FILE_CELSIUS, FaultKind::FAIL).meaning, "");
+  EXPECT_EQ(number_of(Point::FILE_CELSIUS, FaultKind::GARBAGE).meaning, "the wrong value");
 }
 
 }  // namespace

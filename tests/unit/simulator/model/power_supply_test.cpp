@@ -1,13 +1,17 @@
 #include "simulator/model/power_supply.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <vector>
 
 #include "tests/unit/simulator/model/model_fixture.h"
 
 namespace {
 
+using simulator::model::InterruptsFull;
 using simulator::model::PowerSupply;
 using simulator::model::Reply;
 
@@ -45,7 +49,7 @@ TEST_F(PowerSupplyTest, NumbersItsInterruptsFromOne) {
   EXPECT_EQ(power_supply_.interrupt(3), std::nullopt);
 }
 
-TEST_F(PowerSupplyTest, KeepsTheLastTwoHundredAndFiftySixInterrupts) {
+TEST_F(PowerSupplyTest, WithoutDriverKeepsTheLastTwoHundredAndFiftySixInterrupts) {
   for (int value = 1; value <= 258; ++value) {
     power_supply_.raise_interrupt(value);
   }
@@ -68,15 +72,88 @@ TEST_F(PowerSupplyTest, AnInterruptOfAnotherProcessArrives) {
 }
 
 TEST_F(PowerSupplyTest, AnInterruptIsHandledOnceSomeDriverSaysSo) {
+  std::optional<PowerSupply::Driver> driver = power_supply_.enter();
+  ASSERT_TRUE(driver);
   const std::uint64_t first = power_supply_.raise_interrupt(1);
   const std::uint64_t second = power_supply_.raise_interrupt(2);
   EXPECT_FALSE(power_supply_.wait_interrupt_handled(first, AT_ONCE));
-  power_supply_.mark_interrupt_handled(first);
+  PowerSupply::Driver slow = *driver;
+  power_supply_.mark_interrupt_handled(*driver);
   EXPECT_TRUE(power_supply_.wait_interrupt_handled(first, LONG));
   EXPECT_FALSE(power_supply_.wait_interrupt_handled(second, AT_ONCE));
-  power_supply_.mark_interrupt_handled(second);
-  power_supply_.mark_interrupt_handled(first);
+  power_supply_.mark_interrupt_handled(*driver);
+  power_supply_.mark_interrupt_handled(slow);
   EXPECT_TRUE(power_supply_.wait_interrupt_handled(second, LONG));
+  power_supply_.leave(*driver);
+}
+
+TEST_F(PowerSupplyTest, ADriverStartsWithTheInterruptsThatFollow) {
+  power_supply_.raise_interrupt(1);
+  const auto driver = power_supply_.enter();
+  ASSERT_TRUE(driver);
+  EXPECT_EQ(driver->next, 2U);
+  power_supply_.leave(*driver);
+}
+
+TEST_F(PowerSupplyTest, AnInterruptThatASlowDriverWouldLoseIsRefused) {
+  auto slow = power_supply_.enter();
+  auto fast = power_supply_.enter();
+  ASSERT_TRUE(slow && fast);
+  for (int value = 1; value <= 256; ++value) {
+    power_supply_.raise_interrupt(value);
+    power_supply_.mark_interrupt_handled(*fast);
+  }
+  try {
+    power_supply_.raise_interrupt(257);
+    ADD_FAILURE() << "raised";
+  } catch (const InterruptsFull& error) {
+    EXPECT_STREQ(error.what(), "interrupt not raised: a driver has 256 unhandled ones");
+  }
+  EXPECT_EQ(power_supply_.interrupts_raised(), 256U);
+  EXPECT_EQ(power_supply_.interrupt(slow->next), 1);
+  power_supply_.mark_interrupt_handled(*slow);
+  EXPECT_EQ(power_supply_.raise_interrupt(257), 257U);
+  EXPECT_THROW(power_supply_.raise_interrupt(258), InterruptsFull);
+  power_supply_.leave(*slow);
+  EXPECT_EQ(power_supply_.raise_interrupt(258), 258U);
+  power_supply_.leave(*fast);
+}
+
+TEST_F(PowerSupplyTest, ADriverThatWasKilledHoldsUpNobody) {
+  int entered[2];
+  ASSERT_EQ(::pipe(entered), 0);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    const char is_in = power_supply_.enter() ? 'y' : 'n';
+    ::_exit(::write(entered[1], &is_in, 1) == 1 ? (::pause(), 0) : 1);
+  }
+  char is_in = 'n';
+  ASSERT_EQ(::read(entered[0], &is_in, 1), 1);
+  ASSERT_EQ(is_in, 'y');
+  for (int value = 1; value <= 256; ++value) {
+    power_supply_.raise_interrupt(value);
+  }
+  EXPECT_THROW(power_supply_.raise_interrupt(257), InterruptsFull);
+  ASSERT_EQ(::kill(child, SIGKILL), 0);
+  ::waitpid(child, nullptr, 0);
+  EXPECT_EQ(power_supply_.raise_interrupt(257), 257U);
+  ::close(entered[0]);
+  ::close(entered[1]);
+}
+
+TEST_F(PowerSupplyTest, HasRoomForSixtyFourDrivers) {
+  std::vector<PowerSupply::Driver> drivers;
+  while (const auto driver = power_supply_.enter()) {
+    drivers.push_back(*driver);
+  }
+  EXPECT_EQ(drivers.size(), 64U);
+  power_supply_.leave(drivers[10]);
+  const auto again = power_supply_.enter();
+  ASSERT_TRUE(again);
+  EXPECT_EQ(again->seat, drivers[10].seat);
+  for (const PowerSupply::Driver& driver : drivers) {
+    power_supply_.leave(driver);
+  }
 }
 
 }  // namespace

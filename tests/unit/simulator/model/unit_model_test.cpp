@@ -40,16 +40,19 @@ TEST_F(UnitModelTest, ANewUnitTakesTheOldOnesPlace) {
 
 TEST_F(UnitModelTest, ANewUnitHasOnlyItsOwnSysfsFiles) {
   const auto& celsius = simulator::model::sysfs_files()[3];
-  unit_.sysfs().set_text(celsius, "20");
+  unit_.files().set_text(celsius, "20");
   UnitModel::create(path_);
-  EXPECT_EQ(unit_.sysfs().text(celsius), std::nullopt);
+  EXPECT_EQ(unit_.files().text(celsius), std::nullopt);
 }
 
 TEST_F(UnitModelTest, KnowsItsFolders) {
+  const auto& celsius = simulator::model::sysfs_files()[3];
   EXPECT_EQ(unit_.run_folder(), folder_ / "run/unit");
-  EXPECT_EQ(unit_.sysfs().root(), folder_ / "sys");
+  unit_.files().set_text(celsius, "20");
+  EXPECT_EQ(doubles::text_of(folder_ / "sys/class/hwmon/hwmon0/device/celsius"), "20");
   UnitModel elsewhere = UnitModel::create(folder_ / "elsewhere/model");
-  EXPECT_EQ(elsewhere.sysfs().root(), folder_ / "elsewhere/sys");
+  elsewhere.files().set_text(celsius, "21");
+  EXPECT_EQ(doubles::text_of(folder_ / "elsewhere/sys/class/hwmon/hwmon0/device/celsius"), "21");
 }
 
 TEST_F(UnitModelTest, AMissingFileIsRefused) {

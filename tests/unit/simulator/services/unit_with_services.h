@@ -1,26 +1,27 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <orbsvcs/CosNamingC.h>
-#include <tao/corba.h>
 
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "everybody_engineC.h"
 #include "gui_managerC.h"
 #include "hw_enumerateC.h"
 #include "simulator/model/unit_model.h"
 #include "tests/doubles/child_process.h"
+#include "tests/doubles/naming_service.h"
+#include "tests/doubles/temporary_folder.h"
 
 namespace services_test {
 
 using doubles::ChildProcess;
-
+using doubles::NamingService;
 using simulator::model::Fault;
 using simulator::model::FaultKind;
 using simulator::model::Point;
@@ -64,23 +65,17 @@ protected:
   std::string services_output() const;
 
   simulator::model::UnitModel& model() { return *model_; }
-  unsigned naming_port() const { return naming_port_; }
+  unsigned naming_port() const { return naming_service_->port(); }
   std::vector<std::string> variables() const;
-  std::string file(const std::string& name) const { return folder_ + "/" + name; }
-
-  std::unique_ptr<ChildProcess> naming_service_;
-  std::unique_ptr<ChildProcess> services_;
+  std::string file(const std::string& name) const { return folder_ / name; }
 
 private:
-  void start_naming_service();
-  CosNaming::NamingContext_var naming_root();
-  /// Queries the naming service until it answers: it listens before its root context is ready.
-  void await_naming_service();
-
-  std::string folder_;
+  doubles::TemporaryFolder folder_;
   std::unique_ptr<simulator::model::UnitModel> model_;
-  unsigned naming_port_ = 0;
-  CORBA::ORB_var orb_;
+
+protected:
+  std::unique_ptr<NamingService> naming_service_ = std::make_unique<NamingService>();
+  std::unique_ptr<ChildProcess> services_;
 };
 
 }  // namespace services_test

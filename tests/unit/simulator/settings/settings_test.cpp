@@ -71,10 +71,13 @@ protected:
     } catch (const SettingError& error) {
       EXPECT_EQ(error.name, name);
       EXPECT_EQ(error.what(), error.name + ": " + error.reason);
+      expected_ = error.expected;
       return error.reason;
     }
     return "taken";
   }
+
+  std::string expected_;  ///< of the last refusal
 };
 
 TEST_F(SettingsTest, EverySettingShowsWhatItWasSetTo) {
@@ -162,8 +165,9 @@ TEST_F(SettingsTest, ATextFromTheCommandLineIsReadAsTheSettingWantsIt) {
 }
 
 TEST_F(SettingsTest, UnknownNamesAreRefused) {
-  for (const char* name : {"", "board", "board.register", "board.register.1", "board.register.1.x", "board.register.1.",
-                           "board.register.4294967296.0", "board.register.-1.0", "power_supply.colour"}) {
+  for (const char* name :
+       {"board", "board.register", "board.register.1", "board.register.1.x", "board.register.1.",
+        "board.register.4294967296.0", "board.register.-1.0", "board.register.+1.0", "power_supply.colour"}) {
     EXPECT_EQ(refusal(name, 1), "no such setting") << name;
     EXPECT_EQ(find_setting(name), std::nullopt) << name;
     EXPECT_THROW(get_setting(unit_, name), SettingError);
@@ -203,9 +207,86 @@ TEST_F(SettingsTest, TheOtherTypesSayWhatTheyTake) {
   EXPECT_EQ(
       refusal("services.gui_manager.behaviour", "shy"),
       "must be one of \"present\", \"absent\", \"wrong_type\", \"slow\", \"dies_in_call\", \"throws\", not \"shy\"");
-  EXPECT_EQ(refusal("sysfs.celsius", 38.5), "must be text of at most 4095 bytes or null, not 38.5");
-  EXPECT_NE(refusal("sysfs.celsius", std::string(4096, 'x')), "taken");
+  const std::string text =
+      "must be UTF-8 text of at most 4095 bytes, without control characters but tabs and line ends, or null, not ";
+  EXPECT_EQ(refusal("sysfs.celsius", 38.5), text + "38.5");
+  EXPECT_EQ(refusal("sysfs.celsius", std::string(4096, 'x')), text + "\"" + std::string(59, 'x') + "...");
+  EXPECT_EQ(refusal("sysfs.celsius", "a\x1b[31m"), text + "\"a\\u001b[31m\"");
+  EXPECT_EQ(refusal("sysfs.celsius", std::string("a\0b", 3)), text + "\"a\\u0000b\"");
+  EXPECT_EQ(refusal("sysfs.celsius", "a\xff"), text + "\"a\xEF\xBF\xBD\"");
+  EXPECT_EQ(refusal("sysfs.celsius", "one\ttwo\r\nthr\xC3\xA9\x65"), "taken");
   EXPECT_EQ(refusal("sysfs.celsius", std::string(4095, 'x')), "taken");
+}
+
+TEST_F(SettingsTest, ARegisterHasOneSpelling) {
+  EXPECT_EQ(refusal("board.register.2.05", 1), "no such setting; did you mean \"board.register.2.5\"?");
+  EXPECT_EQ(refusal("board.register.02.0", 1), "no such setting; did you mean \"board.register.2.0\"?");
+  EXPECT_EQ(refusal("board.register.00.5", 1), "no such setting; did you mean \"board.register.0.5\"?");
+  EXPECT_EQ(refusal("board.register.2.0", 1), "taken");
+}
+
+TEST_F(SettingsTest, ARegisterWithANameOfItsOwnIsOneSetting) {
+  EXPECT_EQ(find_setting("board.register.1.0")->name, "board.digital.card_id");
+  EXPECT_EQ(find_setting("board.register.1.136")->name, "board.rf.firmware");
+  EXPECT_EQ(find_setting("board.register.2.0")->name, "board.register.2.0");
+  set_setting(unit_, "board.register.1.0", 77);
+  EXPECT_EQ(get_setting(unit_, "board.digital.card_id"), 77);
+}
+
+TEST_F(SettingsTest, ARefusalSaysWhatWasExpected) {
+  refusal("sensors.i2c_read_status", 256);
+  EXPECT_EQ(expected_, "whole number from 0 to 255");
+  refusal("board.rf.present", 1);
+  EXPECT_EQ(expected_, "true or false");
+  refusal("faults.radalt.write", "twice");
+  EXPECT_EQ(expected_, "one of \"none\", \"fail\", \"slow\"");
+  refusal("faults.radalt.write", "fail colour=1");
+  EXPECT_EQ(expected_, "one of \"none\", \"fail\", \"slow\"");
+  refusal("power_supply.colour", 1);
+  EXPECT_EQ(expected_, "");
+}
+
+TEST_F(SettingsTest, AForeignNameIsShownOnOneShortLine) {
+  try {
+    set_setting(unit_, "board\n\x1b[2J." + std::string(100, 'x'), 1);
+    ADD_FAILURE() << "taken";
+  } catch (const SettingError& error) {
+    EXPECT_EQ(error.what(), "board\\n\\u001b[2J." + std::string(49, 'x') + "...: no such setting");
+  }
+}
+
+TEST_F(SettingsTest, ADeepOrLongValueIsShownShort) {
+  json deep;
+  for (int level = 0; level < 1000; ++level) {
+    deep = json::array({deep});
+  }
+  EXPECT_EQ(refusal("board.handle", deep), "must be a whole number from 0 to 2147483647, not [...]");
+  EXPECT_EQ(refusal("board.handle", json::array({1, 2})), "must be a whole number from 0 to 2147483647, not [1,2]");
+  EXPECT_EQ(refusal("board.handle", std::string(100, 'a')),
+            "must be a whole number from 0 to 2147483647, not \"" + std::string(59, 'a') + "...");
+}
+
+TEST_F(SettingsTest, ATypedTextThatIsNoCleanJsonIsText) {
+  const auto refusal_of_text = [this](const std::string& text) {
+    try {
+      set_setting_from_text(unit_, "board.handle", text);
+    } catch (const SettingError& error) {
+      return error.reason;
+    }
+    return std::string("taken");
+  };
+  const std::string must = "must be a whole number from 0 to 2147483647, not ";
+  EXPECT_EQ(refusal_of_text(std::string("5\0junk", 6)), must + "\"5\\u0000junk\"");
+  EXPECT_EQ(refusal_of_text("1e999"), must + "\"1e999\"");
+  EXPECT_EQ(refusal_of_text("5 5"), must + "\"5 5\"");
+  EXPECT_EQ(refusal_of_text("\xff"), must + "\"\xEF\xBF\xBD\"");
+  EXPECT_EQ(refusal_of_text(std::string(100'000, '[')), must + "\"" + std::string(59, '[') + "...");
+  EXPECT_EQ(refusal_of_text("5"), "taken");
+}
+
+TEST_F(SettingsTest, AFileThatCannotBeWrittenIsAnErrorOfItsSetting) {
+  doubles::write_text(folder_ / "sys", "a file where a folder must be");
+  EXPECT_NE(refusal("sysfs.celsius", "38.5").find("cannot be set: "), std::string::npos);
 }
 
 TEST_F(SettingsTest, ARefusedValueSetsNothing) {

@@ -1,6 +1,7 @@
 #include "simulator/settings/unit_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "simulator/settings/settings.h"
 #include "tests/unit/simulator/model/model_fixture.h"
@@ -101,7 +102,8 @@ TEST_F(UnitFileTest, AnUnknownKeyIsRefusedByItsWholeName) {
   EXPECT_STREQ(refusal_of(R"({"board": {"register": {"1": {"y": 2}}}})").what(),
                "unit.json: board.register.1.y: no such setting");
   EXPECT_STREQ(refusal_of(R"({"board": {"rf": {"adc_count": [1,2,3,4,5,6,7,8,9]}}})").what(),
-               "unit.json: board.rf.adc_count.8: no such setting");
+               "unit.json: board.rf.adc_count.8: no such setting; did you mean \"board.rf.adc_count.0\", "
+               "\"board.rf.adc_count.1\" or \"board.rf.adc_count.2\"?");
 }
 
 TEST_F(UnitFileTest, AnIllTypedValueIsRefused) {
@@ -109,8 +111,10 @@ TEST_F(UnitFileTest, AnIllTypedValueIsRefused) {
                "unit.json: board.handle: must be a whole number from 0 to 2147483647, not \"3\"");
   EXPECT_STREQ(refusal_of(R"({"board": {"handle": {"a": 1}}})").what(),
                "unit.json: board.handle: must be a whole number from 0 to 2147483647, not {\"a\":1}");
-  EXPECT_STREQ(refusal_of(R"({"sysfs": {"celsius": 38.5}})").what(),
-               "unit.json: sysfs.celsius: must be text of at most 4095 bytes or null, not 38.5");
+  EXPECT_STREQ(
+      refusal_of(R"({"sysfs": {"celsius": 38.5}})").what(),
+      "unit.json: sysfs.celsius: must be UTF-8 text of at most 4095 bytes, without control characters but tabs "
+      "and line ends, or null, not 38.5");
   EXPECT_STREQ(refusal_of(R"({"board": 5})").what(), "unit.json: board: must hold settings, not 5");
 }
 
@@ -134,6 +138,89 @@ TEST_F(UnitFileTest, AKeyGivenTwiceIsRefused) {
   EXPECT_STREQ(refusal_of(R"({"board": {"handle": 1, "digital": {}, "handle": 2}})").what(),
                "unit.json: board.handle: given twice");
   EXPECT_STREQ(refusal_of(R"({"board": {}, "sysfs": {}, "board": {}})").what(), "unit.json: board: given twice");
+}
+
+TEST_F(UnitFileTest, ASettingGivenInTwoSpellingsIsRefused) {
+  EXPECT_STREQ(refusal_of(R"({"board.handle": 1, "board": {"handle": 2}})").what(),
+               "unit.json: board.handle: given twice");
+  EXPECT_STREQ(refusal_of(R"({"board": {"rf": {"adc_count": [1, 2]}}, "board.rf.adc_count": {"1": 5}})").what(),
+               "unit.json: board.rf.adc_count.1: given twice");
+  EXPECT_STREQ(refusal_of(R"({"board": {"register": {"2": {"5": 1, "05": 2}}}})").what(),
+               "unit.json: board.register.2.05: no such setting; did you mean \"board.register.2.5\"?");
+  EXPECT_STREQ(refusal_of(R"({"board": {"register": {"02": {"5": 1}}}})").what(),
+               "unit.json: board.register.02: no such setting");
+  EXPECT_STREQ(refusal_of(R"({"board": {"register": [{"5": 1}]}, "board.register.0.5": 2})").what(),
+               "unit.json: board.register.0.5: given twice");
+  EXPECT_STREQ(refusal_of(R"({"board": {"digital": {"card_id": 1}, "register": {"1": {"0": 2}}}})").what(),
+               "unit.json: board.digital.card_id: given twice");
+}
+
+TEST_F(UnitFileTest, BytesThatAreNoTextAreRefusedWithTheirPlace) {
+  EXPECT_STREQ(refusal_of(std::string("{}\0{", 4)).what(), "unit.json: line 1, column 3: NUL byte");
+  EXPECT_STREQ(refusal_of(std::string("{\n \"a\0b\": 1}", 12)).what(), "unit.json: line 2, column 4: NUL byte");
+  EXPECT_STREQ(refusal_of("{\n \"a\xff\": 1}").what(), "unit.json: line 2, column 4: byte that is not UTF-8");
+  EXPECT_STREQ(refusal_of("{\"a\": 1} trailing").what(),
+               "unit.json: line 1, column 12: syntax error while parsing value - invalid literal; last read: '1} tra'; "
+               "expected end of input");
+  EXPECT_STREQ(refusal_of("{\"board\": {\"handle\": 1e999}}").what(),
+               "unit.json: line 1, column 22: number too large: 1e999");
+}
+
+TEST_F(UnitFileTest, NestingIsBounded) {
+  const std::string deep = std::string(100'000, '[');
+  EXPECT_STREQ(refusal_of(deep).what(), "unit.json: line 1, column 65: nested more than 64 deep");
+  std::string objects;
+  for (int level = 0; level < 100'000; ++level) {
+    objects += "{\"board\":";
+  }
+  EXPECT_STREQ(refusal_of(objects).what(), "unit.json: line 1, column 577: nested more than 64 deep");
+  EXPECT_STREQ(refusal_of("{\"sysfs\": {\"celsius\": \"" + deep.substr(0, 4000) + "\"}}").what(), ": taken");
+  EXPECT_EQ(refusal_of("{\"board\": " + std::string(60, '[') + std::string(60, ']') + "}").reason, "no such setting");
+}
+
+TEST_F(UnitFileTest, AMessageIsOneShortCleanLine) {
+  EXPECT_STREQ(refusal_of(R"({"a\u001b[31m\nb": 1})").what(), "unit.json: a\\u001b[31m\\nb: no such setting");
+  EXPECT_STREQ(refusal_of(R"({"a\u202eb": 1})").what(), "unit.json: a\\u202eb: no such setting");
+  EXPECT_STREQ(refusal_of("{\"" + std::string(500, 'x') + "\": 1}").what(),
+               ("unit.json: " + std::string(60, 'x') + "...: no such setting").c_str());
+  EXPECT_STREQ(refusal_of("{\"a\n\": 1}").what(),
+               "unit.json: line 2, column 0: syntax error while parsing object key - invalid string: control character "
+               "U+000A (LF) must be escaped to \\u000A or \\n; last read: '\"a<U+000A>'; expected string literal");
+  const std::string reason = refusal_of("{\"a\": \"" + std::string(500, 'x') + "\x1b\"}").reason;
+  EXPECT_EQ(reason.find_first_of("\n\x1b"), std::string::npos);
+  EXPECT_LT(reason.size(), 300U);
+  const std::string twice = "\"" + std::string(500, 'x') + "\": 1";
+  EXPECT_STREQ(refusal_of("{" + twice + "," + twice + "}").what(),
+               ("unit.json: " + std::string(60, 'x') + "...: given twice").c_str());
+}
+
+TEST_F(UnitFileTest, AnythingButARegularFileOfModestSizeIsRefused) {
+  const auto refusal_of_file = [](const std::string& path) {
+    try {
+      UnitFile::load(path);
+    } catch (const UnitFileError& error) {
+      EXPECT_EQ(error.file, path);
+      return error.reason;
+    }
+    return std::string("taken");
+  };
+  ASSERT_EQ(::mkfifo((folder_ / "fifo").c_str(), 0600), 0);
+  EXPECT_EQ(refusal_of_file(folder_ / "fifo"), "not a regular file");
+  EXPECT_EQ(refusal_of_file("/dev/zero"), "not a regular file");
+  EXPECT_EQ(refusal_of_file("/dev/null"), "not a regular file");
+  doubles::write_text(folder_ / "large", "{}" + std::string((1 << 20) - 2, ' '));
+  EXPECT_EQ(refusal_of_file(folder_ / "large"), "taken");
+  doubles::write_text(folder_ / "larger", "{}" + std::string((1 << 20) - 1, ' '));
+  EXPECT_EQ(refusal_of_file(folder_ / "larger"), "larger than 1048576 bytes");
+}
+
+TEST_F(UnitFileTest, AFileNameIsShownOnOneLine) {
+  EXPECT_STREQ(UnitFileError("a\nb", "", "reason").what(), "a\\nb: reason");
+}
+
+TEST_F(UnitFileTest, ARefusalSaysWhatWasExpected) {
+  EXPECT_EQ(refusal_of(R"({"board": {"handle": "3"}})").expected, "whole number from 0 to 2147483647");
+  EXPECT_EQ(refusal_of(R"({"board": 5})").expected, "object of settings");
 }
 
 TEST_F(UnitFileTest, ADocumentThatIsNoObjectIsRefused) {

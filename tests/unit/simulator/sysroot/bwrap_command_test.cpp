@@ -19,7 +19,8 @@ protected:
     return std::search(line_.begin(), line_.end(), sequence.begin(), sequence.end()) != line_.end();
   }
 
-  BwrapCommand bwrap_{"/the/build", "/the/state"};
+  BwrapCommand bwrap_{
+      {"/the/build", {"/some/sources"}, {{"/a/library.so", "/run/unit/library/library.so"}}, 3}};
   Words line_ = bwrap_.line({{"NAME", "value"}, {"OTHER", ""}}, {"program", "--option"});
 };
 
@@ -35,15 +36,26 @@ TEST_F(BwrapCommandTest, TheCommandHasExactlyTheEnvironmentGiven) {
                                                        "", "--", "program", "--option"));
 }
 
-TEST_F(BwrapCommandTest, TheMachineIsReadOnlyAndTheStateIsWritable) {
+TEST_F(BwrapCommandTest, TheMachineIsReadOnly) {
   EXPECT_TRUE(has({"--ro-bind", "/usr", "/usr"}));
   EXPECT_TRUE(has({"--ro-bind", "/the/build", "/opt/unit"}));
   EXPECT_TRUE(has({"--ro-bind", "/opt/unit", "/opt/unit"}));
-  for (const std::string name : {"sys", "tmp", "run", "root"}) {
-    EXPECT_TRUE(has({"--bind", "/the/state/" + name, "/state/" + name})) << name;
-    EXPECT_TRUE(has({"--bind", "/state/" + name, "/" + name})) << name;
-  }
   EXPECT_FALSE(has({"/home", "/home"}));
+}
+
+TEST_F(BwrapCommandTest, WhatTheUnitCanWriteIsInMemoryAndLimited) {
+  for (const char* folder : {"/sys", "/run", "/root", "/dev/shm", "/tmp"}) {
+    EXPECT_TRUE(has({"--size", "3145728", "--tmpfs", folder})) << folder;
+  }
+  EXPECT_TRUE(has({"--perms", "1777", "--size", "3145728", "--tmpfs", "/tmp"}));
+  EXPECT_FALSE(has({"--bind", "/the/build"}));
+}
+
+TEST_F(BwrapCommandTest, BoundPathsAreSeenReadOnlyAtTheirPlaces) {
+  EXPECT_TRUE(has({"--ro-bind", "/some/sources", "/bound/0"}));
+  EXPECT_TRUE(has({"--ro-bind", "/bound/0", "/some/sources"}));
+  EXPECT_TRUE(has({"--ro-bind", "/a/library.so", "/bound/1"}));
+  EXPECT_TRUE(has({"--ro-bind", "/bound/1", "/run/unit/library/library.so"}));
 }
 
 TEST_F(BwrapCommandTest, NamespacesKeepTheUnitApart) {

@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdlib>
-
+#include "tests/doubles/child_process.h"
 #include "tests/unit/simulator/model/this_unit.h"
 
 namespace {
 
+using doubles::ChildProcess;
 using doubles::text_of;
 using simulator::model::FaultKind;
 using simulator::model::Point;
@@ -25,10 +24,10 @@ protected:
   int run(const std::string& arguments, const std::string& environment = "") {
     const std::string command = environment + " " I2C_READ_TOOL " " + arguments + " >" + ThisUnit::get().file("out") +
                                 " 2>" + ThisUnit::get().file("err");
-    const int status = std::system(command.c_str());
+    const int status = ChildProcess({"sh", "-c", command}).wait();
     out_ = text_of(ThisUnit::get().file("out"));
     err_ = text_of(ThisUnit::get().file("err"));
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return status;
   }
 
   simulator::model::UnitModel& unit_ = ThisUnit::get().model();
@@ -79,6 +78,18 @@ TEST_F(I2cReadTest, MeetsItsFaults) {
   unit_.faults().arm(Point::I2C_READ, {FaultKind::GARBAGE, 0x100});
   EXPECT_EQ(run("3 0x48 0"), 0);
   EXPECT_EQ(out_, "100\n");
+  unit_.faults().arm(Point::I2C_READ, {FaultKind::FAIL, 7});
+  EXPECT_EQ(run("3 0x48 0"), 7);
+}
+
+TEST_F(I2cReadTest, AStuckSensorRepeatsItsLastValue) {
+  unit_.faults().arm(Point::I2C_READ, {FaultKind::STUCK, 0, 2});
+  unit_.sensors().set_mic284(0x1B);
+  EXPECT_EQ(run("3 0x48 0"), 0);
+  EXPECT_EQ(out_, "1b\n");
+  unit_.sensors().set_mic284(0x1C);
+  EXPECT_EQ(run("3 0x48 0"), 0);
+  EXPECT_EQ(out_, "1b\n");
 }
 
 TEST_F(I2cReadTest, WithoutAUnitItFails) {
