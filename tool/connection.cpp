@@ -1,15 +1,14 @@
 #include "tool/connection.h"
 
-#include <algorithm>
-
-#include "tool/errors.h"
-#include "tool/nearest.h"
-
 namespace tool {
 
-using control::client::ApiError;
+using control::client::Client;
 using control::client::FoundUnit;
 using nlohmann::ordered_json;
+
+ordered_json rows_at(Client& client, const std::string& target, const std::string& member) {
+  return client.get(target).at(member);
+}
 
 Connection::Connection(const Arguments& arguments) : Connection(control::client::find_unit(arguments.text("unit"))) {}
 
@@ -17,7 +16,7 @@ Connection::Connection(const FoundUnit& unit) : unit_(unit), client_(unit.socket
 
 std::vector<std::string> Connection::setting_names() {
   std::vector<std::string> names;
-  for (const ordered_json& setting : get("/v1/settings").at("settings")) {
+  for (const ordered_json& setting : rows("/v1/settings", "settings")) {
     names.push_back(setting.at("name"));
   }
   return names;
@@ -25,22 +24,10 @@ std::vector<std::string> Connection::setting_names() {
 
 std::vector<std::string> Connection::operation_names() {
   std::vector<std::string> names;
-  for (const ordered_json& operation : get("/v1/operations").at("operations")) {
+  for (const ordered_json& operation : rows("/v1/operations", "operations")) {
     names.push_back(operation.at("call"));
   }
   return names;
-}
-
-void refuse_unknown(Connection& connection, const ApiError& error, Names names, const std::string& name) {
-  constexpr int BAD_REQUEST = 400;
-  constexpr int UNKNOWN = 404;
-  if ((error.status != BAD_REQUEST && error.status != UNKNOWN) || name.rfind("board.register.", 0) == 0) {
-    return;
-  }
-  const std::vector<std::string> known = (connection.*names)();
-  if (std::find(known.begin(), known.end(), name) == known.end()) {
-    throw UsageError(error.what() + did_you_mean(name, known));
-  }
 }
 
 std::string with_names(const std::string& path, const std::string& parameter, const std::vector<std::string>& names) {

@@ -11,6 +11,9 @@
 
 namespace tool {
 
+/// The rows in the answer to a GET request: the member of that name.
+nlohmann::ordered_json rows_at(control::client::Client& client, const std::string& target, const std::string& member);
+
 /// The control service of one unit. One thread.
 class Connection {
 public:
@@ -24,11 +27,14 @@ public:
 
   /// Requests; throw what the client throws.
   nlohmann::ordered_json get(const std::string& target) { return client_.get(target); }
+  nlohmann::ordered_json rows(const std::string& target, const std::string& member) {
+    return rows_at(client_, target, member);
+  }
   nlohmann::ordered_json send(const std::string& method, const std::string& target, const nlohmann::json& body) {
     return client_.send(method, target, body);
   }
 
-  /// The names that the unit knows, for completion and suggestions.
+  /// The names that the unit knows.
   std::vector<std::string> setting_names();
   std::vector<std::string> operation_names();
 
@@ -36,27 +42,6 @@ private:
   control::client::FoundUnit unit_;
   control::client::Client client_;
 };
-
-/// Kinds of names that a unit knows.
-using Names = std::vector<std::string> (Connection::*)();
-
-/// Throws UsageError with the error's text and the names nearest to `name`, if the unit does not know that name; else
-/// returns.
-void refuse_unknown(Connection& connection, const control::client::ApiError& error, Names names,
-                    const std::string& name);
-
-/// Runs a request about names of that kind. If the unit does not know one of them, the error suggests the nearest.
-template <typename Request>
-auto suggesting(Connection& connection, Names kind, const std::vector<std::string>& names, Request request) {
-  try {
-    return request();
-  } catch (const control::client::ApiError& error) {
-    for (const std::string& name : names) {
-      refuse_unknown(connection, error, kind, name);
-    }
-    throw;
-  }
-}
 
 /// "/v1/settings?names=a,b": the path with the names as a query parameter; the path alone without names.
 std::string with_names(const std::string& path, const std::string& parameter, const std::vector<std::string>& names);

@@ -37,13 +37,13 @@ json request_of(const UnitCommand& command) {
 
 /// The status that stands for the end of a command; none if the message tells something else. Throws CommandError if
 /// the command could not be started.
-std::optional<int> status_in(const json& control, const std::string& program) {
+std::optional<int> status_in(const json& control) {
   const auto exit = control.find("exit");
   if (exit == control.end()) {
     return std::nullopt;
   }
   if (exit->contains("error")) {
-    throw CommandError(exit->at("status").get<int>(), program + ": " + exit->at("error").get<std::string>());
+    throw CommandError(exit->at("status").get<int>(), exit->at("error").get<std::string>());
   }
   return exit->contains("signal") ? STATUS_SIGNAL + exit->at("signal").get<int>() : exit->at("status").get<int>();
 }
@@ -52,8 +52,7 @@ std::optional<int> status_in(const json& control, const std::string& program) {
 class Session {
 public:
   Session(const std::filesystem::path& socket, const UnitCommand& command)
-      : program_(command.argv.front()),
-        signals_{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGWINCH},
+      : signals_{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGWINCH},
         command_(socket, request_of(command)),
         input_(command.input ? STDIN_FILENO : -1) {
     if (command.terminal) {
@@ -89,7 +88,7 @@ private:
   std::optional<int> take_output() {
     while (const std::optional<RemoteCommand::Message> message = command_.next(AT_ONCE)) {
       if (message->kind == RemoteCommand::Message::CONTROL) {
-        if (const std::optional<int> status = status_in(message->control, program_)) {
+        if (const std::optional<int> status = status_in(message->control)) {
           return status;
         }
       } else if (message->kind == RemoteCommand::Message::OUT) {
@@ -137,7 +136,6 @@ private:
     }
   }
 
-  const std::string program_;
   Signals signals_;
   RemoteCommand command_;
   int input_;
@@ -169,7 +167,7 @@ int pipe_through_unit(const std::filesystem::path& socket, const UnitCommand& co
       sink(message->bytes);
     } else if (message->kind == RemoteCommand::Message::ERR) {
       write_all(STDERR_FILENO, message->bytes, "standard error");
-    } else if (const std::optional<int> status = status_in(message->control, command.argv.front())) {
+    } else if (const std::optional<int> status = status_in(message->control)) {
       return *status;
     }
   }

@@ -1,17 +1,17 @@
 #include "tool/host_end.h"
+#include "tool/connection.h"
 
 #include <stdlib.h>
 #include <string.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 
 #include "tool/errors.h"
+#include "tool/host_output.h"
 #include "tool/line_buffer.h"
 #include "tool/output.h"
-#include "tool/text.h"
 
 namespace tool {
 namespace fs = std::filesystem;
@@ -29,7 +29,7 @@ std::string kept_logs(Client& client) {
   if (mkdtemp(folder.data()) == nullptr) {
     throw CommandError(STATUS_FAILED, folder + ": " + strerror(errno));
   }
-  for (const ordered_json& log : client.get("/v1/logs").at("logs")) {
+  for (const ordered_json& log : rows_at(client, "/v1/logs", "logs")) {
     const std::string name = log.at("name");
     std::ofstream file(fs::path(folder) / fs::path(name).filename());
     file << client.text("/v1/logs/" + control::client::escaped(name));
@@ -39,7 +39,7 @@ std::string kept_logs(Client& client) {
 
 void show_last_lines(Client& client, const std::string& log) {
   for (const std::string& line : last_lines(client.text("/v1/logs/" + log), LINES_SHOWN)) {
-    std::fprintf(stderr, "host: %s\n", printable(line).c_str());
+    show_host_line(line);
   }
 }
 
@@ -67,9 +67,9 @@ void report_host_end(Client& client, const ordered_json& host, const std::string
     show_last_lines(client, "host.out");
     show_last_lines(client, "host.err");
     const std::string logs = state.empty() ? kept_logs(client) : state;
-    complain("the host " + end_of_host(host) + "; logs: " + logs);
+    complain("host " + end_of_host(host) + "; logs: " + logs);
   } catch (const std::exception& error) {
-    complain("the host " + end_of_host(host) + "; logs are lost: " + error.what());
+    complain("host " + end_of_host(host) + "; logs are lost: " + error.what());
   }
 }
 

@@ -11,7 +11,9 @@ namespace tool {
 
 using control::client::Event;
 
-HostOutput::HostOutput(const std::filesystem::path& socket) : stream_(std::in_place, socket, "/v1/stream?events=log") {}
+HostOutput::HostOutput(const std::filesystem::path& socket)
+    : stream_(std::in_place, socket, "/v1/stream?events=log"),
+      lines_([](const std::string&, const std::string& line) { show_host_line(line); }) {}
 
 void HostOutput::wait_readable(int descriptor) {
   show_arrived();
@@ -36,7 +38,9 @@ void HostOutput::show_arrived() {
       if (!event) {
         return;
       }
-      show(*event);
+      if (event->type == "log" && is_hosts(event->data.value("name", ""))) {
+        lines_.take(*event);
+      }
     }
   } catch (const control::client::ConnectionError&) {
     // The unit is ending; the command's own connection reports it.
@@ -44,17 +48,8 @@ void HostOutput::show_arrived() {
   }
 }
 
-void HostOutput::show(const Event& event) {
-  if (event.type != "log" || !is_hosts(event.data.value("name", ""))) {
-    return;
-  }
-  for (const std::string& line : lines_[event.data["name"]].add(event.data.value("text", ""))) {
-    std::fprintf(stderr, "host: %s\n", printable(line).c_str());
-  }
-}
-
-bool is_hosts(const std::string& log) {
-  return log.rfind("host.", 0) == 0;
+void show_host_line(const std::string& line) {
+  std::fprintf(stderr, "host: %s\n", printable(line).c_str());
 }
 
 }  // namespace tool

@@ -1,12 +1,10 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <optional>
-#include <string>
 
 #include "control/client/client.h"
-#include "tool/line_buffer.h"
+#include "tool/log_lines.h"
 
 namespace tool {
 
@@ -14,21 +12,22 @@ namespace tool {
 /// thread.
 class HostOutput {
 public:
+  /// From now on.
   explicit HostOutput(const std::filesystem::path& socket);
 
+  /// Shows what was written before.
+  void show_kept(control::client::Client& client) { take_kept_host_logs(client, lines_); }
   /// Waits until the descriptor is readable and shows the output that arrives meanwhile. For Client::wait_with().
   void wait_readable(int descriptor);
   /// Shows the output that has arrived.
   void show_arrived();
 
 private:
-  void show(const control::client::Event& event);
-
   std::optional<control::client::EventStream> stream_;
-  std::map<std::string, LineBuffer> lines_;
+  LogLines lines_;
 };
 
-/// Whether the log is one of the host's.
-bool is_hosts(const std::string& log);
+/// Writes the line to standard error, "host: " before it.
+void show_host_line(const std::string& line);
 
 }  // namespace tool

@@ -122,7 +122,7 @@ json launch_document(const Arguments& arguments) {
                  {"state", ""},
                  {"library", ""},
                  {"host", nullptr},
-                 {"host_wrap", json::array()},
+
                  {"services", true},
                  {"host_arguments", json::array()},
                  {"without", json::array()},

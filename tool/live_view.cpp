@@ -1,15 +1,16 @@
 #include "tool/live_view.h"
+#include "tool/connection.h"
 
 #include <poll.h>
 #include <signal.h>
 
 #include <cerrno>
-#include <map>
 
 #include "tool/dialog_text.h"
 #include "tool/host_end.h"
-#include "tool/host_output.h"
+#include "tool/log_lines.h"
 #include "tool/operations.h"
+#include "tool/signals.h"
 #include "tool/text.h"
 
 namespace tool {
@@ -49,6 +50,7 @@ public:
   }
 
   [[noreturn]] void run() {
+    take_kept_host_logs(questions_, lines_);
     look_at_host();
     look_at_dialogs();
     for (int patience = FIRST_PATIENCE_MS;; patience = 0) {
@@ -122,7 +124,9 @@ private:
   void take_events() {
     while (const std::optional<Event> event = stream_.next(milliseconds(0))) {
       if (event->type == "log") {
-        take_output(event->data.value("name", ""), event->data.value("text", ""));
+        if (is_hosts(event->data.value("name", ""))) {
+          lines_.take(*event);
+        }
       } else if (event->type == "host") {
         look_at_host();
       } else if (event->type == "dialogs") {
@@ -131,17 +135,12 @@ private:
     }
   }
 
-  void take_output(const std::string& log, const std::string& text) {
-    if (!is_hosts(log)) {
-      return;
+  void show_line(const std::string& log, const std::string& line) {
+    live_.output.push_back(line);
+    if (live_.output.size() > LINES_KEPT) {
+      live_.output.pop_front();
     }
-    for (const std::string& line : lines_[log].add(text)) {
-      live_.output.push_back(line);
-      if (live_.output.size() > LINES_KEPT) {
-        live_.output.pop_front();
-      }
-      view_.output(live_, log, line);
-    }
+    view_.output(live_, log, line);
   }
 
   void look_at_host() {
@@ -153,7 +152,7 @@ private:
 
   void look_at_dialogs() {
     live_.question.reset();
-    for (const ordered_json& dialog : questions_.get("/v1/dialogs").at("dialogs")) {
+    for (const ordered_json& dialog : rows_at(questions_, "/v1/dialogs", "dialogs")) {
       if (is_open(dialog)) {
         live_.question = dialog;
       }
@@ -179,7 +178,7 @@ private:
   Client operations_;
   Client questions_;
   Clock::time_point asked_;
-  std::map<std::string, LineBuffer> lines_;
+  LogLines lines_{[this](const std::string& log, const std::string& line) { show_line(log, line); }};
 };
 
 }  // namespace

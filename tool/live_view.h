@@ -10,9 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "control/client/client.h"
-#include "tool/line_buffer.h"
 #include "tool/screen_layout.h"
-#include "tool/signals.h"
 #include "tool/unit_state.h"
 
 namespace tool {

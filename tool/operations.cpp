@@ -47,7 +47,7 @@ std::string shown(const ordered_json& value, const std::string& unit) {
   }
   const std::string text =
       value.is_string() ? value.get<std::string>() : value.dump(-1, ' ', false, json::error_handler_t::replace);
-  return unit.empty() ? text : text + " " + unit;
+  return value.is_number() && !unit.empty() ? text + " " + unit : text;
 }
 
 bool is_table(const ordered_json& value) {
@@ -57,7 +57,8 @@ bool is_table(const ordered_json& value) {
 std::string as_table(const std::string& operation, const std::string& key, const ordered_json& rows) {
   std::vector<std::string> header;
   for (const auto& [name, value] : rows[0].items()) {
-    header.push_back(name);
+    // A record's name stands first.
+    header.insert(name == "name" ? header.begin() : header.end(), name);
   }
   Table table(header);
   for (const ordered_json& row : rows) {

@@ -1,13 +1,12 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <map>
 
+#include "tool/host_output.h"
 #include "tool/live_view.h"
 #include "tool/output.h"
 #include "tool/terminal.h"
-#include "tool/text.h"
 
 namespace tool {
 namespace {
@@ -59,9 +58,7 @@ public:
     }
     question_ = question;
   }
-  void output(const LiveUnit&, const std::string&, const std::string& line) override {
-    std::fprintf(stderr, "host: %s\n", printable(line).c_str());
-  }
+  void output(const LiveUnit&, const std::string&, const std::string& line) override { show_host_line(line); }
   void resized(const LiveUnit&) override {}
   void suspend(const LiveUnit&) override { raise(SIGSTOP); }
 

@@ -33,7 +33,7 @@ ordered_json waiting_dialog(const ordered_json& dialogs, const std::optional<std
 
 int run(const Arguments& arguments) {
   Connection connection(arguments);
-  const ordered_json dialog = waiting_dialog(connection.get("/v1/dialogs").at("dialogs"), arguments.value("TITLE"));
+  const ordered_json dialog = waiting_dialog(connection.rows("/v1/dialogs", "dialogs"), arguments.value("TITLE"));
   const std::string label = arguments.text("LABEL");
   const std::optional<std::string> button = button_meant(dialog, label);
   if (!button) {

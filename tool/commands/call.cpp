@@ -1,7 +1,10 @@
+#include <algorithm>
+
 #include "tool/commands/table.h"
 #include "tool/connection.h"
 #include "tool/errors.h"
 #include "tool/host_output.h"
+#include "tool/nearest.h"
 #include "tool/numbers.h"
 #include "tool/operations.h"
 #include "tool/output.h"
@@ -12,8 +15,6 @@ namespace {
 using control::client::ApiError;
 using nlohmann::json;
 using nlohmann::ordered_json;
-
-constexpr int TIMED_OUT = 504;
 
 /// Calls the operation and shows the host's output meanwhile.
 ordered_json call(Connection& connection, const std::string& operation, const json& body) {
@@ -32,6 +33,27 @@ ordered_json call(Connection& connection, const std::string& operation, const js
   }
 }
 
+/// The error for people: an unknown name with the nearest ones, a time limit with its length.
+[[noreturn]] void refuse(Connection& connection, const std::string& operation, const ApiError& error,
+                         const std::optional<std::string>& timeout) {
+  constexpr int BAD_REQUEST = 400;
+  constexpr int UNKNOWN = 404;
+  constexpr int TIMED_OUT = 504;
+  if (error.status == BAD_REQUEST || error.status == UNKNOWN) {
+    const std::vector<std::string> names = connection.operation_names();
+    if (std::find(names.begin(), names.end(), operation) == names.end()) {
+      const std::string meant = did_you_mean(operation, names);
+      throw UsageError("unknown operation \"" + operation + "\"" +
+                       (meant.empty() ? "; \"unit operations\" lists all" : meant));
+    }
+  }
+  if (error.status == TIMED_OUT && timeout) {
+    throw CommandError(STATUS_FAILED, operation + ": no answer for " + in_seconds(seconds("--timeout", *timeout)) +
+                                          "; the call goes on");
+  }
+  throw error;
+}
+
 int run(const Arguments& arguments) {
   const std::string operation = arguments.text("OPERATION");
   json body = {{"args", json::array()}};
@@ -45,14 +67,9 @@ int run(const Arguments& arguments) {
   Connection connection(arguments);
   ordered_json answer;
   try {
-    answer = suggesting(connection, &Connection::operation_names, {operation},
-                        [&] { return call(connection, operation, body); });
+    answer = call(connection, operation, body);
   } catch (const ApiError& error) {
-    if (error.status != TIMED_OUT || !timeout) {
-      throw;
-    }
-    throw CommandError(STATUS_FAILED, operation + ": no answer for " + in_seconds(seconds("--timeout", *timeout)) +
-                                          "; the call goes on");
+    refuse(connection, operation, error, timeout);
   }
   const std::string exception = exception_in(answer);
   if (!exception.empty()) {

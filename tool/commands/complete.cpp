@@ -12,10 +12,7 @@ using Words = std::vector<std::string>;
 
 /// The candidates for a value. `unit`: the unit that the command line chooses.
 Words offered(Offer offer, const Words& words, const std::string& unit) {
-  const auto names = [&unit](Names kind) {
-    Connection connection(control::client::find_unit(unit));
-    return (connection.*kind)();
-  };
+  const auto connected = [&unit] { return Connection(control::client::find_unit(unit)); };
   Words all;
   switch (offer) {
     case Offer::NOTHING:
@@ -37,10 +34,10 @@ Words offered(Offer offer, const Words& words, const std::string& unit) {
       }
       break;
     case Offer::SETTINGS:
-      all = names(&Connection::setting_names);
+      all = connected().setting_names();
       break;
     case Offer::OPERATIONS:
-      all = names(&Connection::operation_names);
+      all = connected().operation_names();
       break;
     case Offer::SERVICES:
       all = {"gui_manager", "everybody_engine", "hw_enumerate", "services", "network"};

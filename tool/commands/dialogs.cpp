@@ -11,7 +11,7 @@ using nlohmann::ordered_json;
 
 int run(const Arguments& arguments) {
   Connection connection(arguments);
-  const ordered_json dialogs = connection.get("/v1/dialogs").at("dialogs");
+  const ordered_json dialogs = connection.rows("/v1/dialogs", "dialogs");
   if (arguments.has("json")) {
     print_json(dialogs);
     return 0;

@@ -32,7 +32,7 @@ int run(const Arguments& arguments) {
     }
     return 0;
   }
-  const ordered_json faults = connection.get("/v1/faults").at("faults");
+  const ordered_json faults = connection.rows("/v1/faults", "faults");
   if (arguments.has("json")) {
     print_json(faults);
     return 0;

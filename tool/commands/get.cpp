@@ -11,9 +11,7 @@ using nlohmann::ordered_json;
 int run(const Arguments& arguments) {
   Connection connection(arguments);
   const std::vector<std::string>& names = arguments.all("NAME");
-  const ordered_json settings = suggesting(connection, &Connection::setting_names, names, [&] {
-                                  return connection.get(with_names("/v1/settings", "names", names));
-                                }).at("settings");
+  const ordered_json settings = connection.rows(with_names("/v1/settings", "names", names), "settings");
   if (arguments.has("json")) {
     ordered_json rows = ordered_json::array();
     for (const ordered_json& setting : settings) {

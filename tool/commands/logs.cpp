@@ -4,7 +4,7 @@
 
 #include "tool/commands/table.h"
 #include "tool/connection.h"
-#include "tool/line_buffer.h"
+#include "tool/log_lines.h"
 #include "tool/output.h"
 #include "tool/text.h"
 
@@ -46,63 +46,36 @@ std::map<std::string, std::string> chosen_logs(const Arguments& arguments) {
   return logs;
 }
 
-/// Prints lines; on a terminal, control characters are escaped.
-class Printer {
-public:
-  explicit Printer(std::map<std::string, std::string> prefixes) : prefixes_(std::move(prefixes)) {}
-
-  bool shows(const std::string& log) const { return prefixes_.count(log) != 0; }
-  void add(const std::string& log, std::string_view bytes) {
-    for (const std::string& line : buffers_[log].add(bytes)) {
-      show(log, line);
-    }
-  }
-  /// Prints the last lines of the logs that do not end with a newline.
-  void finish() {
-    for (auto& [log, buffer] : buffers_) {
-      const std::string rest = buffer.rest();
-      if (!rest.empty()) {
-        show(log, rest);
-      }
-    }
-  }
-
-private:
-  void show(const std::string& log, const std::string& line) const {
-    print(prefixes_.at(log) + (escapes_ ? printable(line) : line) + '\n');
-  }
-
-  std::map<std::string, std::string> prefixes_;
-  std::map<std::string, LineBuffer> buffers_;
-  bool escapes_ = isatty(STDOUT_FILENO) == 1;
-};
-
-/// Prints the logs written so far.
-void print_kept(Connection& connection, Printer& printer) {
-  for (const ordered_json& log : connection.get("/v1/logs").at("logs")) {
+/// Takes the logs written so far.
+void take_kept(Connection& connection, const std::map<std::string, std::string>& chosen, LogLines& lines) {
+  for (const ordered_json& log : connection.rows("/v1/logs", "logs")) {
     const std::string name = log.at("name");
-    if (printer.shows(name)) {
-      printer.add(name, connection.client().text("/v1/logs/" + control::client::escaped(name)));
+    if (chosen.count(name) != 0) {
+      lines.take_kept(name, connection.client().text("/v1/logs/" + control::client::escaped(name)));
     }
   }
 }
 
 int run(const Arguments& arguments) {
+  const std::map<std::string, std::string> chosen = chosen_logs(arguments);
   Connection connection(arguments);
-  Printer printer(chosen_logs(arguments));
+  // The unit's programs must not control the terminal.
+  const bool escapes = isatty(STDOUT_FILENO) == 1;
+  LogLines lines([&chosen, escapes](const std::string& log, const std::string& line) {
+    print(chosen.at(log) + (escapes ? printable(line) : line) + '\n');
+  });
   if (!arguments.has("follow")) {
-    print_kept(connection, printer);
-    printer.finish();
+    take_kept(connection, chosen, lines);
+    lines.finish();
     return 0;
   }
   EventStream stream(connection.socket(), "/v1/stream?events=log");
-  print_kept(connection, printer);
-  flush_output();
+  take_kept(connection, chosen, lines);
   for (;;) {
+    flush_output();
     const std::optional<Event> event = stream.next(std::chrono::hours(1));
-    if (event && event->type == "log" && printer.shows(event->data.value("name", ""))) {
-      printer.add(event->data["name"], event->data.value("text", ""));
-      flush_output();
+    if (event && event->type == "log" && chosen.count(event->data.value("name", "")) != 0) {
+      lines.take(*event);
     }
   }
 }

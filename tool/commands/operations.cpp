@@ -18,7 +18,7 @@ std::string arguments_of(const ordered_json& operation) {
 
 int run(const Arguments& arguments) {
   Connection connection(arguments);
-  const ordered_json operations = connection.get("/v1/operations").at("operations");
+  const ordered_json operations = connection.rows("/v1/operations", "operations");
   if (arguments.has("json")) {
     print_json(operations);
     return 0;

@@ -93,6 +93,7 @@ ordered_json call(Client& client, const std::string& operation, const json& argu
 void show_once(const StartedUnit& unit, bool as_json) {
   HostOutput output(unit.socket());
   Client client(unit.socket());
+  output.show_kept(client);
   client.wait_with([&output](int descriptor) { output.wait_readable(descriptor); });
   const ordered_json state = read_unit_state(
       [&client](const std::string& operation, const json& arguments) { return call(client, operation, arguments); },

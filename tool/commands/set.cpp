@@ -25,7 +25,7 @@ json typed_value(const std::string& type, const std::string& text) {
 /// Several values are set together or not at all.
 json set_together(Connection& connection, const std::vector<std::string>& names,
                   const std::vector<std::string>& texts) {
-  const ordered_json settings = connection.get(with_names("/v1/settings", "names", names)).at("settings");
+  const ordered_json settings = connection.rows(with_names("/v1/settings", "names", names), "settings");
   json values = json::object();
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (values.contains(names[i])) {
@@ -48,12 +48,12 @@ int run(const Arguments& arguments) {
     texts.push_back(more[i + 1]);
   }
   Connection connection(arguments);
-  const json values = suggesting(connection, &Connection::setting_names, names, [&]() -> json {
-    if (names.size() > 1) {
-      return set_together(connection, names, texts);
-    }
-    return {{names[0], connection.send("PUT", path_of(names[0]), {{"text", texts[0]}}).at("value")}};
-  });
+  json values;
+  if (names.size() > 1) {
+    values = set_together(connection, names, texts);
+  } else {
+    values[names[0]] = connection.send("PUT", path_of(names[0]), {{"text", texts[0]}}).at("value");
+  }
   if (arguments.has("json")) {
     ordered_json rows = ordered_json::array();
     for (const std::string& name : names) {

@@ -54,7 +54,7 @@ void save(const std::string& path, const ordered_json& settings) {
 
 int run(const Arguments& arguments) {
   Connection connection(arguments);
-  const ordered_json settings = connection.get("/v1/settings").at("settings");
+  const ordered_json settings = connection.rows("/v1/settings", "settings");
   if (const auto path = arguments.value("save")) {
     save(*path, settings);
     return 0;

@@ -63,7 +63,7 @@ private:
   }
 
   std::optional<ordered_json> question() {
-    for (const ordered_json& dialog : connection_.get("/v1/dialogs").at("dialogs")) {
+    for (const ordered_json& dialog : connection_.rows("/v1/dialogs", "dialogs")) {
       if (dialog.at("title") == QUESTION && is_open(dialog)) {
         return dialog;
       }
@@ -136,7 +136,7 @@ private:
   }
 
   void report() {
-    ordered_json calls = connection_.get("/v1/record?from=" + std::to_string(first_)).at("calls");
+    ordered_json calls = connection_.rows("/v1/record?from=" + std::to_string(first_), "calls");
     if (strange_) {
       drop_own_interrupt(calls);
     }
@@ -145,7 +145,7 @@ private:
       shut_down = shut_down || call.value("at", "") == "/root/.shutdown";
     }
     if (shut_down) {
-      for (const ordered_json& dialog : connection_.get("/v1/dialogs").at("dialogs")) {
+      for (const ordered_json& dialog : connection_.rows("/v1/dialogs", "dialogs")) {
         if (!dialog.at("waits").get<bool>()) {
           say(dialog_as_text(dialog));
         }

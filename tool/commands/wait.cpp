@@ -63,12 +63,12 @@ private:
     if (!host_has_ended(host)) {
       return false;
     }
-    print("the host " + end_of_host(host) + '\n');
+    print("host " + end_of_host(host) + '\n');
     return true;
   }
 
   bool has_dialog(const std::optional<std::string>& title) {
-    for (const ordered_json& dialog : connection_.get("/v1/dialogs").at("dialogs")) {
+    for (const ordered_json& dialog : connection_.rows("/v1/dialogs", "dialogs")) {
       if (is_open(dialog) && (!title || dialog.at("title") == *title)) {
         return true;
       }
@@ -78,8 +78,7 @@ private:
 
   /// Whether an event that contains the text has been logged since the beginning.
   bool has_event(const std::optional<std::string>& text) {
-    for (const ordered_json& event :
-         connection_.get("/v1/eventlog?from=" + std::to_string(first_event_)).at("events")) {
+    for (const ordered_json& event : connection_.rows("/v1/eventlog?from=" + std::to_string(first_event_), "events")) {
       if (!text || event.dump().find(*text) != std::string::npos) {
         print_json(event);
         return true;
@@ -89,9 +88,7 @@ private:
   }
 
   bool has_value(const Condition& condition) {
-    const ordered_json value = suggesting(connection_, &Connection::setting_names, {condition.name}, [&] {
-      return connection_.get("/v1/settings/" + control::client::escaped(condition.name)).at("value");
-    });
+    const ordered_json value = connection_.get("/v1/settings/" + control::client::escaped(condition.name)).at("value");
     return value == ordered_json(typed_argument(*condition.value)) || value == ordered_json(*condition.value);
   }
 

@@ -27,18 +27,15 @@ int run(const Arguments& arguments) {
   const std::vector<std::string>& names = arguments.all("NAME");
   const bool as_json = arguments.has("json");
   // Listen before the first look, so that no change is missed.
-  const auto [stream, settings] = suggesting(connection, &Connection::setting_names, names, [&] {
-    auto opened = std::make_unique<EventStream>(connection.socket(),
-                                                with_names("/v1/stream", "settings", names) + "&events=settings");
-    return std::make_pair(std::move(opened), connection.get(with_names("/v1/settings", "names", names)).at("settings"));
-  });
+  EventStream stream(connection.socket(), with_names("/v1/stream", "settings", names) + "&events=settings");
+  const ordered_json settings = connection.rows(with_names("/v1/settings", "names", names), "settings");
   std::map<std::string, ordered_json> known;
   for (const ordered_json& setting : settings) {
     known[setting.at("name")] = setting;
     show(setting, as_json);
   }
   for (;;) {
-    const std::optional<Event> event = stream->next(std::chrono::hours(1));
+    const std::optional<Event> event = stream.next(std::chrono::hours(1));
     if (!event || event->type != "settings") {
       continue;
     }

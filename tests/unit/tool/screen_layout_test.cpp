@@ -59,7 +59,7 @@ TEST(ScreenLayoutTest, ALongValueMovesTowardsItsName) {
   picture.sections = {{"Versions", {{"Digital Board Firmware Version", "2"}, {"RF Firmware Version", "1.02.03 alpha"}}}};
   EXPECT_THAT(laid_out(picture, {24, 40}),
               ElementsAre("", "", "Versions", " Digital Board Firmware Version  2",
-                          " RF Firmware Version      1.02.03 alpha"));
+                          " RF Firmware Version       1.02.03 alpha"));
 }
 
 TEST(ScreenLayoutTest, NoticesComeBeforeTheValues) {
@@ -74,7 +74,7 @@ TEST(ScreenLayoutTest, WhatIsCutIsSaidToBe) {
   picture.output.clear();
   const std::vector<std::string> lines = laid_out(picture, {10, 60});
   ASSERT_EQ(lines.size(), 10U);
-  EXPECT_EQ(lines[9], "… 20 more lines");
+  EXPECT_EQ(lines[9], "… 19 more lines");
 }
 
 TEST(ScreenLayoutTest, OutputCannotControlTheTerminal) {
