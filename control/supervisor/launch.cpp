@@ -28,9 +28,7 @@ public:
     }
   }
 
-  void take(const char* name, std::string& value) {
-    assign(name, value, &json::is_string, "text");
-  }
+  void take(const char* name, std::string& value) { assign(name, value, &json::is_string, "text"); }
   void take(const char* name, bool& value) { assign(name, value, &json::is_boolean, "true or false"); }
   void take(const char* name, int& value) {
     std::int64_t number = value;
@@ -131,8 +129,8 @@ void take_unit_file(Members& members, Launch& launch) {
     launch.unit_file_name = (build_folder() / "share/handheld.json").string();
   }
   try {
-    launch.unit_file = text.is_string() ? text.get<std::string>()
-                                        : simulator::settings::UnitFile::text_of(launch.unit_file_name);
+    launch.unit_file =
+        text.is_string() ? text.get<std::string>() : simulator::settings::UnitFile::text_of(launch.unit_file_name);
     simulator::settings::UnitFile::parse(launch.unit_file, launch.unit_file_name);
   } catch (const simulator::settings::UnitFileError& error) {
     throw LaunchError(STATUS_BAD_USAGE, error.what());

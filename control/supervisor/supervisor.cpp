@@ -104,14 +104,18 @@ Supervisor::Supervisor(const Launch& launch, Report report, int lifeline)
       report_(report),
       lifeline_(lifeline),
       folder_(launch.name, launch.state),
+      memory_(folder_.name(), launch.limits.memory_mib),
       started_at_(now_as_text()),
       signals_(watched_signals()) {
   // Everything that the unit leaves behind becomes a child of this process, which waits for it.
   prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0);
   require(pipe2(failure_, O_CLOEXEC | O_NONBLOCK), "pipe");
+  memory_.enter();
   start_root();
+  memory_.leave();
   start_service();
-  folder_.describe({{"format", FORMAT}, {"name", folder_.name()}, {"supervisor", getpid()}, {"started_at", started_at_}});
+  folder_.describe(
+      {{"format", FORMAT}, {"name", folder_.name()}, {"supervisor", getpid()}, {"started_at", started_at_}});
 }
 
 Supervisor::~Supervisor() {
@@ -135,8 +139,8 @@ void Supervisor::start_root() {
   auto environment = simulator::sysroot::unit_environment();
   environment.insert(environment.end(), launch_.environment.begin(), launch_.environment.end());
   simulator::process::ChildOptions child;
-  child.descriptors = {{nothing, STDIN_FILENO}, {output[1], STDOUT_FILENO}, {output[1], STDERR_FILENO},
-                       {channel[1], CHANNEL_INSIDE}};
+  child.descriptors = {
+      {nothing, STDIN_FILENO}, {output[1], STDOUT_FILENO}, {output[1], STDERR_FILENO}, {channel[1], CHANNEL_INSIDE}};
   child.dies_with_starter = true;
   child.own_session = true;
   root_ = simulator::process::start_program(
@@ -198,15 +202,20 @@ void Supervisor::start_service() {
 }
 
 ordered_json Supervisor::facts(pid_t supervisor) const {
-  return {{"name", folder_.name()},
-          {"version", PROJECT_VERSION},
-          {"started_at", started_at_},
-          {"process", {{"supervisor", supervisor}, {"service", getpid()}, {"root", root_}}},
-          {"host", {{"program", launch_.host.empty() ? ordered_json() : ordered_json(launch_.host)}}},
-          {"library", launch_.library.empty() ? "/opt/unit/lib/libradalt_hardware.so" : library_inside(launch_.library)},
-          {"services", launch_.services},
-          {"network", launch_.network || launch_.dhcp_server},
-          {"limits", as_json(launch_.limits)}};
+  ordered_json limits = as_json(launch_.limits);
+  if (!memory_.exists()) {
+    limits["memory_mib"] = nullptr;
+  }
+  return {
+      {"name", folder_.name()},
+      {"version", PROJECT_VERSION},
+      {"started_at", started_at_},
+      {"process", {{"supervisor", supervisor}, {"service", getpid()}, {"root", root_}}},
+      {"host", {{"program", launch_.host.empty() ? ordered_json() : ordered_json(launch_.host)}}},
+      {"library", launch_.library.empty() ? "/opt/unit/lib/libradalt_hardware.so" : library_inside(launch_.library)},
+      {"services", launch_.services},
+      {"network", launch_.network || launch_.dhcp_server},
+      {"limits", limits}};
 }
 
 void Supervisor::take_signals() {

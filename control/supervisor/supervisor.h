@@ -6,6 +6,7 @@
 #include <string>
 
 #include "control/supervisor/launch.h"
+#include "control/supervisor/memory_group.h"
 #include "control/supervisor/unit_folder.h"
 
 namespace control::supervisor {
@@ -58,10 +59,11 @@ private:
   Report report_;
   int lifeline_;
   UnitFolder folder_;
+  MemoryGroup memory_;
   std::string started_at_;
   int signals_ = -1;
-  int agent_ = -1;        ///< our end of the channel, until the service has it
-  int root_output_ = -1;  ///< what the root and the agent write to standard error
+  int agent_ = -1;             ///< our end of the channel, until the service has it
+  int root_output_ = -1;       ///< what the root and the agent write to standard error
   int failure_[2] = {-1, -1};  ///< through which the service tells why the unit could not be set up
   std::string last_output_;
   pid_t root_ = -1;

@@ -50,8 +50,8 @@ private:
 /// The user of the control service if root starts a unit. It owns nothing but its logs.
 constexpr unsigned SERVICE_USER_OF_ROOT = 65533;
 
-/// The caller's runtime folder: $XDG_RUNTIME_DIR/unit, or /tmp/unit-<uid> if that is not set. Created if missing. Throws
-/// LaunchError if it is not a folder of the caller's own that nobody else can enter.
+/// The caller's runtime folder: $XDG_RUNTIME_DIR/unit, or /tmp/unit-<uid> if that is not set. Created if missing.
+/// Throws LaunchError if it is not a folder of the caller's own that nobody else can enter.
 std::filesystem::path runtime_folder();
 
 }  // namespace control::supervisor

@@ -126,6 +126,16 @@ TEST_F(HostileTest, AFullDiskIsTheUnitsOwn) {
   EXPECT_EQ(host.call("GetMaxInterfaces")["result"], 1);
 }
 
+TEST_F(HostileTest, MemoryMeetsTheLimitWhereTheMachineGrantsOne) {
+  unit_.limited("memory_mib", 96).start();
+  if (unit_.client().get("/v1/unit").at("limits").at("memory_mib").is_null()) {
+    GTEST_SKIP() << "this machine grants no control group";
+  }
+  EXPECT_THAT(unit_.run_to_end({"sh", "-c", "head -c 300000000 /dev/zero | tail > /dev/null"}).err,
+              HasSubstr("Killed"));
+  EXPECT_EQ(unit_.setting("board.handle"), 3);
+}
+
 TEST_F(HostileTest, ManyOpenFilesMeetTheLimit) {
   unit_.limited("open_files", 64).start();
   EXPECT_EQ(unit_.shell("ulimit -n"), "64\n");
