@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
@@ -30,6 +31,19 @@ std::string text_in(int file) {
 }
 
 }  // namespace
+
+RuntimeFolder::RuntimeFolder() : path_("/tmp/system-test-XXXXXX") {
+  if (mkdtemp(path_.data()) == nullptr) {
+    throw std::system_error(errno, std::generic_category(), path_);
+  }
+  setenv("XDG_RUNTIME_DIR", path_.c_str(), 1);
+}
+
+RuntimeFolder::~RuntimeFolder() {
+  unsetenv("XDG_RUNTIME_DIR");
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
 
 // The streams are files that the program appends to, so that reading them does not affect it.
 OutsideProgram::OutsideProgram(std::vector<std::string> line, const std::string& input,
@@ -84,7 +98,7 @@ bool OutsideProgram::ended() {
 
 Ending OutsideProgram::wait() {
   if (!eventually([this] { return ended(); })) {
-    throw std::runtime_error("a program does not end; out \"" + out() + "\", err \"" + err() + "\"");
+    throw std::runtime_error("a program does not exit; out \"" + out() + "\", err \"" + err() + "\"");
   }
   ending_.out = out();
   ending_.err = err();

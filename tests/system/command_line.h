@@ -8,6 +8,21 @@
 
 namespace system_test {
 
+/// A runtime folder of one's own: commands find only the units that were started meanwhile by this program and its
+/// children.
+class RuntimeFolder {
+public:
+  RuntimeFolder();
+  ~RuntimeFolder();
+  RuntimeFolder(const RuntimeFolder&) = delete;
+  RuntimeFolder& operator=(const RuntimeFolder&) = delete;
+
+  const std::string& path() const { return path_; }
+
+private:
+  std::string path_;
+};
+
 /// A program on the machine, outside any unit, started by the constructor and ended by the destructor at the latest.
 /// One thread.
 class OutsideProgram {

@@ -209,7 +209,7 @@ int run(const Arguments& arguments) {
         throw UsageError("--" + option.name + ": needs --new");
       }
     }
-    Shutdown(control::client::find_unit(arguments.text("unit")), as_json).run();
+    Shutdown(chosen_unit(arguments.text("unit")), as_json).run();
     return 0;
   }
   if (arguments.has("unit")) {
