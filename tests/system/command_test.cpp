@@ -19,10 +19,10 @@ TEST_F(CommandTest, GetPrintsAValue) {
 
 TEST_F(CommandTest, GetPrintsSeveralValuesAsATable) {
   EXPECT_EQ(said("get", {"board.handle", "power_supply.temperature", "sysfs.celsius"}),
-            "NAME                      VALUE       UNIT\n"
+            "NAME                      VALUE     UNIT\n"
             "board.handle              3\n"
-            "power_supply.temperature  253         0.1 degC\n"
-            "sysfs.celsius             \"38.5\\\\n\"\n");
+            "power_supply.temperature  253       0.1 degC\n"
+            "sysfs.celsius             \"38.5\\n\"\n");
   EXPECT_EQ(json::parse(said("get", {"--json", "board.handle", "board.rf.present"})),
             json::parse(R"([{"name":"board.handle","value":3,"unit":""},
                             {"name":"board.rf.present","value":true,"unit":""}])"));
@@ -83,7 +83,7 @@ TEST_F(CommandTest, CallAnswersWhatTheOperationDoes) {
   EXPECT_EQ(said("call", {"PsTemperature"}), "result: 29845 (25.30 °C)\n");
   EXPECT_EQ(said("call", {"--json", "PsTemperature"}), R"({"result":29845,"units":{"result":"0.01 K"}})"
                                                        "\n");
-  EXPECT_THAT(said("call", {"GetTemperature"}), HasSubstr("\n  RF Temperature              31.01 °C\n"));
+  EXPECT_THAT(said("call", {"GetTemperature"}), HasSubstr("\n  RF Temperature             31.01 °C\n"));
 }
 
 TEST_F(CommandTest, CallRefusesWhatTheHostRefuses) {
@@ -106,7 +106,10 @@ TEST_F(CommandTest, ACallThatHangsIsGivenUpAfterItsTimeLimit) {
 TEST_F(CommandTest, TheLibrarysOutputIsShownWithTheCommandThatWaitsForIt) {
   const Ending ending = command("call", {"GetFanState", "0"});
   EXPECT_EQ(ending.out, "result: 4\n");
-  EXPECT_EQ(ending.err, "host: BASE_HARDWARE::GetFanState index err\n");
+  // The library writes to both of its streams; only each stream's own order is kept.
+  const std::string out = "host: BASE_HARDWARE::GetFanState 0\n";
+  const std::string err = "host: BASE_HARDWARE::GetFanState index err\n";
+  EXPECT_THAT(ending.err, testing::AnyOf(out + err, err + out));
 }
 
 TEST_F(CommandTest, OperationsAreListedWithTheirArguments) {

@@ -47,7 +47,7 @@ TEST_F(SettingsTest, PeopleGetATable) {
                            "\nboard\\.handle  +3  +0\\.\\.2147483647  +handle returned by opening the board",
                            "\nboard\\.rf\\.present  +true  +true, false  +whether",
                            "\nboard\\.rf\\.transfer_time  +20  +us  +0\\.\\.60000000, never  +duration",
-                           "\nsysfs\\.celsius  +\"38\\.5\\\\\\\\n\"  +text or null  +/sys/class"}) {
+                           "\nsysfs\\.celsius  +\"38\\.5\\\\n\"  +text or null  +/sys/class"}) {
     EXPECT_THAT(out, testing::ContainsRegex(line));
   }
 }
