@@ -4,11 +4,13 @@
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <system_error>
 
@@ -139,6 +141,21 @@ OutsideFile::OutsideFile(const std::string& text) : path_("/tmp/system-test-XXXX
 
 OutsideFile::~OutsideFile() {
   unlink(path_.c_str());
+}
+
+OutsideFolder::OutsideFolder() : path_("/tmp/system-test-XXXXXX") {
+  if (mkdtemp(path_.data()) == nullptr || chmod(path_.c_str(), 0755) != 0) {
+    throw std::system_error(errno, std::generic_category(), path_);
+  }
+}
+
+OutsideFolder::~OutsideFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+void OutsideFolder::write(const std::string& name, const std::string& text) const {
+  std::ofstream(path_ + "/" + name) << text;
 }
 
 }  // namespace system_test

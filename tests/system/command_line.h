@@ -72,4 +72,19 @@ private:
   std::string path_;
 };
 
+/// A temporary folder for one test, outside any unit, readable by everybody, removed by the destructor.
+class OutsideFolder {
+public:
+  OutsideFolder();
+  ~OutsideFolder();
+  OutsideFolder(const OutsideFolder&) = delete;
+  OutsideFolder& operator=(const OutsideFolder&) = delete;
+
+  const std::string& path() const { return path_; }
+  void write(const std::string& name, const std::string& text) const;
+
+private:
+  std::string path_;
+};
+
 }  // namespace system_test

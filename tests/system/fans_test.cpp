@@ -39,9 +39,9 @@ TEST_F(FansTest, TheListOfFansComesBackAsItWas) {
 
 TEST_F(FansTest, SettingAStateChangesNothing) {
   EXPECT_EQ(call({"SetFanState", "0", "2"}, {"host: BASE_HARDWARE::SetFanState err"}), "{\"result\":0}\n");
-  EXPECT_EQ(call({"GetFanState", "0"},
-                 {"host: BASE_HARDWARE::GetFanState 0", "host: BASE_HARDWARE::GetFanState index err"}),
-            "{\"result\":4}\n");
+  EXPECT_EQ(
+      call({"GetFanState", "0"}, {"host: BASE_HARDWARE::GetFanState 0", "host: BASE_HARDWARE::GetFanState index err"}),
+      "{\"result\":4}\n");
 }
 
 TEST_F(FansTest, AdjustingSpeedsSaysNothing) {

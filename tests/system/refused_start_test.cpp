@@ -104,6 +104,8 @@ TEST(LibraryTest, ALibraryThatIsNotThereIsTheLoadersToReport) {
 
 TEST(LibraryTest, ALibraryThatIsNoneIsTheLoadersToReport) {
   const OutsideFile file("this is no library, however long it may be; it only has more bytes than a header needs");
+  // Programs of the unit may run as another user.
+  fs::permissions(file.path(), fs::perms::others_read, fs::perm_options::add);
   const Ending ending = unit_command({"run", "--once", "--json", "--library", file.path()});
   EXPECT_THAT(ending, ExitedWith(1));
   EXPECT_EQ(ending.out, "");

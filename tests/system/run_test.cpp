@@ -123,12 +123,11 @@ TEST_F(RunTest, WithACommandTheStatusIsTheCommands) {
 }
 
 TEST_F(RunTest, AProgramOfTheMachineRunsOnAUnitUnderItsOwnPath) {
-  fs::create_directory(path("mine"));
-  std::ofstream(path("mine/program")) << "#!/bin/sh\necho started as $0; touch " + path("mine/new") +
-                                             " || echo read-only\n";
-  fs::permissions(path("mine/program"), fs::perms::all);
-  const Ending ending = unit_command({"run", "--bind", path("mine"), "--", path("mine/program")});
-  EXPECT_EQ(ending.out, "started as " + path("mine/program") + "\nread-only\n") << ending.err;
+  const OutsideFolder mine;
+  mine.write("program", "#!/bin/sh\necho started as $0; touch " + mine.path() + "/new || echo read-only\n");
+  fs::permissions(mine.path() + "/program", fs::perms::all);
+  const Ending ending = unit_command({"run", "--bind", mine.path(), "--", mine.path() + "/program"});
+  EXPECT_EQ(ending.out, "started as " + mine.path() + "/program\nread-only\n") << ending.err;
   const Ending missing = unit_command({"run", "--bind", path("none"), "--", "true"});
   EXPECT_THAT(missing, ExitedWith(2));
   EXPECT_EQ(missing.err, "unit: run: --bind: " + path("none") + ": no such file or folder\n");

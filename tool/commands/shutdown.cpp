@@ -217,7 +217,6 @@ int run(const Arguments& arguments) {
   }
   json launch = launch_document(arguments);
   launch["host"] = "unit-host";
-  std::fputs("Starting a unit\n", stderr);
   StartedUnit unit(launch);
   Shutdown(unit.unit(), as_json).run();
   unit.stop();

@@ -82,7 +82,7 @@ TEST(ScreenLayoutTest, OutputCannotControlTheTerminal) {
   Picture picture;
   picture.title = "unit-1";
   picture.output = {"a\x1b[2Jb"};
-  EXPECT_THAT(laid_out(picture, {24, 80}), ElementsAre("unit-1", "", "", "Host output", " a\\x1b[2Jb"));
+  EXPECT_THAT(laid_out(picture, {24, 80}), ElementsAre("unit-1", "", "Host output", " a\\x1b[2Jb"));
 }
 
 }  // namespace
