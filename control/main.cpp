@@ -48,8 +48,18 @@ std::string standard_input() {
   return text;
 }
 
+/// Lets go of the starter's standard streams, which the unit may outlive.
+void detach_streams() {
+  const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    dup2(nothing, stream);
+  }
+  close(nothing);
+}
+
 void supervise(Report& report, int lifeline) {
   const Launch launch = read_launch(standard_input());
+  detach_streams();
   if (const auto missing = simulator::sysroot::missing_for_private_root()) {
     throw LaunchError(STATUS_NO_UNIT_ROOT, *missing);
   }

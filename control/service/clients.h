@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <set>
+#include <vector>
 
 namespace control::service {
 
@@ -14,9 +15,13 @@ public:
   std::size_t count() const { return all_.size(); }
   /// Asks each to end.
   void end_all();
+  /// Closes each.
+  void close_all();
 
 private:
   friend class Client;
+  std::vector<std::shared_ptr<Client>> all() const;
+
   std::set<Client*> all_;
 };
 
@@ -24,15 +29,18 @@ private:
 class Client : public std::enable_shared_from_this<Client> {
 public:
   explicit Client(Clients& clients) : clients_(clients) { clients_.all_.insert(this); }
-  virtual ~Client() { clients_.all_.erase(this); }
+  virtual ~Client() { leave(); }
   Client(const Client&) = delete;
   Client& operator=(const Client&) = delete;
 
   /// Closes the connection as soon as what it owes is sent.
   virtual void end() = 0;
+  /// Closes the connection now.
+  virtual void close() = 0;
 
 protected:
-  Clients& clients() const { return clients_; }
+  /// The connection is closed, even if somebody still refers to this object.
+  void leave() { clients_.all_.erase(this); }
 
 private:
   Clients& clients_;

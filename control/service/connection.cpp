@@ -50,6 +50,7 @@ public:
   bool open() const override { return state_ != State::CLOSED; }
   Taken take_over() override;
   void end() override;
+  void close() override;
 
 private:
   enum class State { IDLE, ARRIVING, SERVED, ANSWERING, LINGERING, CLOSED };
@@ -67,7 +68,6 @@ private:
   void after_answer(Failure failure);
   void linger();
   void discard();
-  void close();
 
   Socket socket_;
   asio::steady_timer timer_;
@@ -266,6 +266,7 @@ void HttpConnection::discard() {
 
 Connection::Taken HttpConnection::take_over() {
   state_ = State::CLOSED;
+  leave();
   timer_.cancel();
   Failure ignored;
   socket_.cancel(ignored);
@@ -282,6 +283,7 @@ void HttpConnection::end() {
 
 void HttpConnection::close() {
   state_ = State::CLOSED;
+  leave();
   timer_.cancel();
   Failure ignored;
   socket_.close(ignored);

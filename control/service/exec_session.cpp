@@ -15,7 +15,7 @@ using wire::ExecKind;
 constexpr std::uint64_t CREDIT_STEP = 64 << 10;
 constexpr std::size_t INPUT_PIECE = 64 << 10;
 constexpr std::size_t LARGEST_BACKLOG = 1 << 20;  // of the agent, while input is read
-constexpr std::chrono::milliseconds ROOM_POLL{5};
+constexpr std::chrono::milliseconds ROOM_POLL{20};
 
 bool is_whole(const json& value, std::int64_t minimum, std::int64_t maximum) {
   return value.is_number_integer() && value.get<std::int64_t>() >= minimum && value.get<std::int64_t>() <= maximum;
@@ -216,22 +216,33 @@ void ExecSession::look_again() {
   room_timer_.expires_after(ROOM_POLL);
   room_timer_.async_wait([this, weak = weak_from_this()](boost::system::error_code failure) {
     const auto self = weak.lock();
-    if (failure || self == nullptr || !open()) {
-      return;
-    }
-    pass_input();
-    if (input_.empty()) {
-      take_frames();
-    }
-    if (input_.empty()) {
-      resume();
+    if (!failure && self != nullptr && open()) {
+      go_on();
     }
   });
+}
+
+/// Continues with the input that was left, then with what arrived behind it.
+void ExecSession::go_on() {
+  if (client_left()) {
+    cut_off();
+    return;
+  }
+  pass_input();
+  if (input_.empty()) {
+    take_frames();
+  }
+  if (input_.empty()) {
+    resume();
+  }
 }
 
 void ExecSession::on_input_credit(std::uint64_t bytes) {
   if (input_credit_) {
     *input_credit_ += bytes;
+    if (!input_.empty() && open()) {
+      go_on();
+    }
   }
 }
 

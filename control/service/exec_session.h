@@ -45,6 +45,7 @@ private:
   void pass_input();
   bool has_room() const;
   void look_again();
+  void go_on();
   void forget();
 
   AgentLink& agent_;

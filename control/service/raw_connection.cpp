@@ -1,6 +1,9 @@
 #include "control/service/raw_connection.h"
 
+#include <poll.h>
+
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
 
 namespace control::service {
@@ -13,22 +16,11 @@ constexpr std::chrono::seconds LINGERING{2};  // for a client to see the end bef
 
 }  // namespace
 
-void Clients::end_all() {
-  std::vector<std::shared_ptr<Client>> all;
-  for (Client* each : all_) {
-    all.push_back(each->weak_from_this().lock());
-  }
-  for (const auto& each : all) {
-    if (each != nullptr) {
-      each->end();
-    }
-  }
-}
-
 RawConnection::RawConnection(Socket socket, Clients& clients, const Limits& limits)
     : Client(clients), socket_(std::move(socket)), limits_(limits), timer_(socket_.get_executor()) {}
 
 void RawConnection::start(std::string received) {
+  self_ = shared_from_this();
   if (!received.empty()) {
     on_bytes(received);
   }
@@ -59,6 +51,11 @@ void RawConnection::read() {
 void RawConnection::resume() {
   paused_ = false;
   read();
+}
+
+bool RawConnection::client_left() {
+  pollfd state{socket_.native_handle(), POLLRDHUP, 0};
+  return ::poll(&state, 1, 0) == 1;
 }
 
 void RawConnection::send(std::string bytes) {
@@ -132,12 +129,15 @@ void RawConnection::cut_off() {
     return;
   }
   open_ = false;
+  leave();
   timer_.cancel();
   Failure ignored;
   socket_.close(ignored);
   outgoing_.clear();
   waiting_ = 0;
   on_closed();
+  // Not before the caller is done with this object.
+  boost::asio::post(socket_.get_executor(), [self = std::move(self_)] {});
 }
 
 }  // namespace control::service

@@ -23,6 +23,7 @@ public:
   /// Starts to read. `received`: bytes that have arrived already.
   void start(std::string received);
   void end() override { finish(); }
+  void close() override { cut_off(); }
 
 protected:
   /// Queues bytes.
@@ -37,6 +38,8 @@ protected:
   /// Reading stops after the present block, until it is resumed.
   void pause() { paused_ = true; }
   void resume();
+  /// Whether the client has closed its end; for while reading is paused.
+  bool client_left();
   const Limits& limits() const { return limits_; }
   boost::asio::steady_timer::executor_type executor() { return socket_.get_executor(); }
 
@@ -52,6 +55,7 @@ private:
   void expect_progress();
   void shut_down();
 
+  std::shared_ptr<Client> self_;  ///< while the connection is open
   Socket socket_;
   const Limits& limits_;
   boost::asio::steady_timer timer_;

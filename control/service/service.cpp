@@ -102,6 +102,9 @@ Ended Service::Implementation::run() {
     accept(tcp_acceptor_, *guard_);
   }
   context_.run();
+  clients_.close_all();
+  context_.restart();
+  context_.poll();
   return *ended_;
 }
 

@@ -187,20 +187,21 @@ void Supervisor::order_set_up() const {
 
 void Supervisor::start_service() {
   const int listening = folder_.listen();
+  const pid_t supervisor = getpid();
   service_ = require(fork(), "fork");
   if (service_ == 0) {
-    serve(listening);
+    serve(listening, supervisor);
   }
   close(listening);
   close(agent_);
   agent_ = -1;
 }
 
-ordered_json Supervisor::facts() const {
+ordered_json Supervisor::facts(pid_t supervisor) const {
   return {{"name", folder_.name()},
           {"version", PROJECT_VERSION},
           {"started_at", started_at_},
-          {"process", {{"supervisor", getppid()}, {"service", getpid()}, {"root", root_}}},
+          {"process", {{"supervisor", supervisor}, {"service", getpid()}, {"root", root_}}},
           {"host", {{"program", launch_.host.empty() ? ordered_json() : ordered_json(launch_.host)}}},
           {"library", launch_.library.empty() ? "/opt/unit/lib/libradalt_hardware.so" : library_inside(launch_.library)},
           {"services", launch_.services},
@@ -278,7 +279,9 @@ void Supervisor::wait_for_root() {
 /// The service gets the chance to say good-bye; then nothing of the unit survives.
 void Supervisor::stop() {
   const auto deadline = Clock::now() + PATIENCE_WITH_SERVICE;
-  if (service_ != -1 && root_ != -1) {
+  if (root_ == -1) {
+    kill_orphans();
+  } else if (service_ != -1) {
     kill(service_, SIGTERM);
   }
   while (service_ != -1) {
@@ -296,12 +299,19 @@ void Supervisor::stop() {
 
 /// Ends the processes that a killed root has left to this one.
 void Supervisor::kill_orphans() {
-  while (waitpid(-1, nullptr, WNOHANG) != -1 || errno != ECHILD) {
+  for (bool found = true; found;) {
+    found = false;
     std::ifstream children("/proc/self/task/" + std::to_string(getpid()) + "/children");
     for (pid_t child = 0; children >> child;) {
-      kill(child, SIGKILL);
+      if (child != service_ && child != root_) {
+        found = true;
+        kill(child, SIGKILL);
+      }
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    reap();
+    if (found) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
   }
 }
 
@@ -317,8 +327,7 @@ void stop_at_signal(service::Service& service) {
   }).detach();
 }
 
-void Supervisor::serve(int listening) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);
+void Supervisor::serve(int listening, pid_t supervisor) {
   for (const int descriptor : {signals_, root_output_, lifeline_, failure_[0]}) {
     close(descriptor);
   }
@@ -326,9 +335,13 @@ void Supervisor::serve(int listening) {
   options.agent = agent_;
   options.listener = listening;
   options.logs = folder_.logs();
-  options.unit = facts();
-  options.on_ready = [this] { report_.ready(folder_, getppid()); };
+  options.unit = facts(supervisor);
+  options.on_ready = [this, supervisor] { report_.ready(folder_, supervisor); };
   become_service_user();
+  // A change of the user would cancel this.
+  if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != supervisor) {
+    _exit(STATUS_FAILED);
+  }
   int status = STATUS_FAILED;
   try {
     // Not destroyed: the waiting thread uses it until the process ends.

@@ -42,7 +42,7 @@ public:
 private:
   void start_root();
   void start_service();
-  [[noreturn]] void serve(int listening);
+  [[noreturn]] void serve(int listening, pid_t supervisor);
   void order_set_up() const;
   void take_signals();
   void take_root_output();
@@ -52,7 +52,7 @@ private:
   void kill_orphans();
   void tell_failure(const std::string& what) const;
   std::string failure();
-  nlohmann::ordered_json facts() const;
+  nlohmann::ordered_json facts(pid_t supervisor) const;
 
   Launch launch_;
   Report report_;

@@ -248,7 +248,7 @@ void Agent::send_ui_done(const Json& id) {
       if (end.status == 0) {
         link_.send({{"id", id}, {"ok", {{"sent", true}}}});
       } else {
-        refuse(CONFLICT, "nobody listens for the end of loading");
+        refuse(CONFLICT, "no hardware object has taken the message");
       }
     });
   } catch (const std::system_error& error) {

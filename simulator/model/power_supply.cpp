@@ -31,7 +31,7 @@ void PowerSupply::require_room() {
 std::optional<PowerSupply::Driver> PowerSupply::enter() {
   const std::lock_guard guard(interrupts_mutex_);
   const auto seat = std::find_if(seats_.begin(), seats_.end(), [](Seat& each) { return is_free(each); });
-  if (seat == seats_.end() || seat->held.take() != 0) {
+  if (seat == seats_.end() || seat->held.try_take() != 0) {
     return std::nullopt;
   }
   seat->taken = true;

@@ -1,22 +1,28 @@
-// unit-ui-done: tells the unit's hardware object that the user interface has loaded, as a user interface does. Waits up
-// to five seconds for somebody who listens.
+// unit-ui-done: tells the unit's hardware object that the user interface has loaded, as a user interface does. Repeats
+// the message until the object has set the system LED, for up to five seconds: a message that is sent before the
+// object's reader has found this writer is lost.
 
 #include <chrono>
 #include <cstdio>
 #include <exception>
 #include <thread>
 
+#include "simulator/model/unit_model.h"
 #include "varnok_attributes.h"
 #include "varnok_dds.h"
 
 namespace {
 
 using Done = Varnok::DDS_Attribute<Varnok::DDS_VoidMessage>;
+using simulator::model::Point;
+using simulator::model::UnitModel;
+using simulator::model::Watch;
 
 constexpr std::chrono::seconds PATIENCE{5};
 constexpr std::chrono::milliseconds STEP{2};
-constexpr int SENT = 0;
-constexpr int NOBODY_LISTENS = 1;
+constexpr int STEPS_PER_MESSAGE = 50;
+constexpr int TAKEN = 0;
+constexpr int NOT_TAKEN = 1;
 
 class DoneLoading : Varnok::DDS_BaseObj {
 public:
@@ -39,16 +45,6 @@ public:
   DoneLoading(const DoneLoading&) = delete;
   DoneLoading& operator=(const DoneLoading&) = delete;
 
-  bool wait_for_reader() const {
-    const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
-    for (DDS::PublicationMatchedStatus status{}; std::chrono::steady_clock::now() < deadline;
-         std::this_thread::sleep_for(STEP)) {
-      if (untyped_->get_publication_matched_status(status) == DDS::RETCODE_OK && status.current_count > 0) {
-        return true;
-      }
-    }
-    return false;
-  }
   void write() { writer_->write(Done::Sample{}, DDS::HANDLE_NIL); }
 
 private:
@@ -61,19 +57,54 @@ private:
   Done::DataWriter_var writer_;
 };
 
+/// Counts the settings of the system LED while it lives.
+class LedCount {
+public:
+  explicit LedCount(UnitModel& unit) : unit_(unit), counted_before_(unit.faults().watch().has(Watch::COUNTED)) {
+    unit_.count_calls(true);
+    first_ = calls();
+  }
+  ~LedCount() { unit_.count_calls(counted_before_); }
+  LedCount(const LedCount&) = delete;
+  LedCount& operator=(const LedCount&) = delete;
+
+  bool grown() const { return calls() != first_; }
+
+private:
+  std::uint64_t calls() const { return unit_.faults().calls(Point::SET_SYSTEM_LED_STATUS); }
+
+  UnitModel& unit_;
+  bool counted_before_;
+  std::uint64_t first_ = 0;
+};
+
+/// Sends the message until it has been taken; false on timeout.
+bool tell(DoneLoading& done, const LedCount& led) {
+  const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
+  while (std::chrono::steady_clock::now() < deadline) {
+    done.write();
+    for (int step = 0; step < STEPS_PER_MESSAGE; ++step) {
+      if (led.grown()) {
+        return true;
+      }
+      std::this_thread::sleep_for(STEP);
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
 int main() {
   try {
+    const LedCount led(UnitModel::of_this_unit());
     DoneLoading done;
-    if (!done.wait_for_reader()) {
-      std::fputs("unit-ui-done: nobody listens\n", stderr);
-      return NOBODY_LISTENS;
+    if (tell(done, led)) {
+      return TAKEN;
     }
-    done.write();
+    std::fputs("unit-ui-done: no hardware object has taken the message\n", stderr);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "unit-ui-done: %s\n", error.what());
-    return NOBODY_LISTENS;
   }
-  return SENT;
+  return NOT_TAKEN;
 }

@@ -1,5 +1,6 @@
 #include "tests/doubles/captured_output.h"
 
+#include <engine/diagnostics.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -21,7 +22,7 @@ std::string CapturedOutput::out() const {
 }
 
 std::string CapturedOutput::err() const {
-  return written(err_);
+  return without_engine_lines(written(err_));
 }
 
 CapturedOutput::Stream CapturedOutput::redirect(int number) {

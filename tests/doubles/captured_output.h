@@ -14,6 +14,7 @@ public:
   CapturedOutput& operator=(const CapturedOutput&) = delete;
 
   std::string out() const;
+  /// Without the engine's own lines.
   std::string err() const;
 
 private:

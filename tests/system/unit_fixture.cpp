@@ -60,6 +60,11 @@ SimulatedUnit& SimulatedUnit::with_dhcp_server() {
   return *this;
 }
 
+SimulatedUnit& SimulatedUnit::limited(const std::string& name, int most) {
+  launch_["limits"][name] = most;
+  return *this;
+}
+
 SimulatedUnit& SimulatedUnit::set(const std::string& name, const json& value) {
   if (client_) {
     client_->send("PUT", "/v1/settings/" + escaped(name), {{"value", value}});

@@ -117,6 +117,8 @@ public:
   SimulatedUnit& with_services();
   SimulatedUnit& with_network();
   SimulatedUnit& with_dhcp_server();
+  /// Sets a limit of the unit: "processes", "disk_mib", "open_files", "memory_mib". Before start().
+  SimulatedUnit& limited(const std::string& name, int most);
 
   /// Sets a value of the unit by name. Any time.
   SimulatedUnit& set(const std::string& name, const json& value);
@@ -167,6 +169,8 @@ public:
   void write(const std::string& path, const std::string& text) const;
 
   const control::client::FoundUnit& found() const { return launched_->unit; }
+  /// A client of the unit's control service.
+  control::client::Client& client() const { return *client_; }
 
 private:
   friend class Program;

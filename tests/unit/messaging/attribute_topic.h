@@ -50,17 +50,16 @@ public:
   }
 
   /// Waits until a reader has joined. Throws std::runtime_error if none does within ten seconds.
-  void wait_for_reader() const { wait_for_readers(1); }
-  void wait_for_readers(int count) const {
+  void wait_for_reader() const {
     DDS::PublicationMatchedStatus status{};
     for (int tries = 0; tries < 10000; ++tries) {
       writer_->get_publication_matched_status(status);
-      if (status.current_count >= count) {
+      if (status.current_count > 0) {
         return;
       }
       boost::this_thread::sleep(boost::get_system_time() + boost::posix_time::milliseconds(1));
     }
-    throw std::runtime_error("only " + std::to_string(status.current_count) + " readers have joined");
+    throw std::runtime_error("no reader has joined");
   }
   DDS::ReturnCode_t write() { return writer_->write(typename Attribute::Sample(), DDS::HANDLE_NIL); }
   DDS::ReturnCode_t dispose() { return writer_->dispose(typename Attribute::Sample(), DDS::HANDLE_NIL); }
@@ -72,17 +71,15 @@ private:
   typename Attribute::DataWriter_var writer_;
 };
 
-/// Reads the samples of a topic; with the default durability, also those of writers that existed before it.
+/// Reads the samples of a topic, also those written before it joined.
 template <typename Attribute>
 class AttributeReader {
 public:
-  explicit AttributeReader(const char* name,
-                           DDS::DurabilityQosPolicyKind durability = DDS::TRANSIENT_LOCAL_DURABILITY_QOS)
-      : topic_(name) {
+  explicit AttributeReader(const char* name) : topic_(name) {
     subscriber_ = topic_.participant()->create_subscriber(SUBSCRIBER_QOS_DEFAULT, DDS::SubscriberListener::_nil(), 0);
     DDS::DataReaderQos qos = TheServiceParticipant->initial_DataReaderQos();
     subscriber_->get_default_datareader_qos(qos);
-    qos.durability.kind = durability;
+    qos.durability.kind = DDS::TRANSIENT_LOCAL_DURABILITY_QOS;
     qos.reliability.kind = DDS::RELIABLE_RELIABILITY_QOS;
     qos.history.kind = DDS::KEEP_ALL_HISTORY_QOS;
     const DDS::DataReader_var reader =

@@ -209,13 +209,11 @@ TEST_F(DdsSubscriberTest, SamplesThatArriveWhileStartUpIsHeldUpAreAllHeardAfterw
   dds_.runs_last("create_datareader", [&] { gate.pass(); });
   const VoidSubscriber subscriber(TOPIC, &hear);
   const doubles::OpensAtEnd however_this_ends(gate);
-  AttributeReader<VoidAttribute> other(TOPIC, DDS::VOLATILE_DURABILITY_QOS);
   AttributeWriter<VoidAttribute> writer(TOPIC);
-  writer.wait_for_readers(2);
+  writer.wait_for_reader();
   for (int sample = 0; sample < 3; ++sample) {
     EXPECT_EQ(writer.write(), DDS::RETCODE_OK);
   }
-  EXPECT_EQ(other.take(3).size(), 3U) << "the samples have gone out";
   calls().clear();
   calls().record("start-up goes on");
   gate.open();
@@ -265,33 +263,6 @@ TEST_F(DdsSubscriberTest, DestructionRemovesReaderSubscriberAndTopicInOrder) {
               ElementsAre("dds delete_contained_entities of subscriber", "dds delete_subscriber", DELETE_TOPIC));
 }
 
-TEST_F(DdsSubscriberTest, DestructionWhileDataArrivesEndsTheCallsAndNothingElse) {
-  AttributeWriter<VoidAttribute> writer(TOPIC);
-  for (int round = 0; round < 5; ++round) {
-    auto subscriber = std::make_unique<VoidSubscriber>(TOPIC, &hear);
-    writer.wait_for_reader();
-    std::atomic<bool> enough{false};
-    std::atomic<unsigned int> written{0};
-    const std::future<void> writing = std::async(std::launch::async, [&] {
-      while (!enough) {
-        writer.write();
-        ++written;
-      }
-    });
-    EXPECT_TRUE(calls().wait_for(HEARD));
-    subscriber.reset();
-    const unsigned int heard = calls().count(HEARD);
-    const unsigned int then = written;
-    while (written < then + 100) {
-      std::this_thread::yield();
-    }
-    enough = true;
-    writing.wait();
-    EXPECT_EQ(calls().count(HEARD), heard);
-    calls().clear();
-  }
-}
-
 TEST_F(DdsSubscriberTest, AnInstanceThatAWriterDisposesIsReportedAndNotHeard) {
   const VoidSubscriber subscriber(TOPIC, &hear);
   AttributeWriter<VoidAttribute> writer(TOPIC);
@@ -318,6 +289,42 @@ TEST_F(DdsSubscriberTest, AnInstanceThatItsLastWriterLeavesIsReportedAndNotHeard
   }
   EXPECT_EQ(output_.out(), DELIVERY + " instance is unregistered\n");
   EXPECT_EQ(calls().count(HEARD), 1U);
+}
+
+// The last test: OpenDDS may stop sending for good when a reader leaves while a sample goes out to it.
+TEST_F(DdsSubscriberTest, DestructionWhileDataArrivesEndsTheCallsAndNothingElse) {
+  const std::vector<std::string> heard_by{"heard by 0", "heard by 1", "heard by 2", "heard by 3", "heard by 4"};
+  std::vector<std::unique_ptr<VoidSubscriber>> subscribers;
+  for (const std::string& heard : heard_by) {
+    subscribers.push_back(std::make_unique<VoidSubscriber>(TOPIC, [&](const char*) { calls().record(heard); }));
+  }
+  AttributeWriter<VoidAttribute> writer(TOPIC);
+  std::atomic<bool> enough{false};
+  std::atomic<unsigned int> written{0};
+  const std::future<void> writing = std::async(std::launch::async, [&] {
+    while (!enough) {
+      writer.write();
+      ++written;
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
+  });
+  for (const std::string& heard : heard_by) {
+    EXPECT_TRUE(calls().wait_for(heard));
+  }
+  std::vector<unsigned int> counts;
+  for (std::size_t i = 0; i < subscribers.size(); ++i) {
+    subscribers[i].reset();
+    counts.push_back(calls().count(heard_by[i]));
+  }
+  const unsigned int then = written;
+  while (written < then + 100) {
+    std::this_thread::yield();
+  }
+  enough = true;
+  writing.wait();
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    EXPECT_EQ(calls().count(heard_by[i]), counts[i]) << heard_by[i];
+  }
 }
 
 }  // namespace

@@ -120,16 +120,16 @@ TEST_F(RadaltTest, EachGarbledReadIsDrawn) {
 
 TEST_F(RadaltTest, AStuckReadRepeatsTheRegistersLastWord) {
   unit_.board().set_register(1, 40, 70);
-  unit_.board().set_register(1, 44, 80);
+  unit_.board().set_register(9, 1, 80);
   arm(Point::RADALT_READ, {FaultKind::STUCK, 0, 2});
   unit_.board().set_register(1, 40, 71);
-  unit_.board().set_register(1, 44, 81);
+  unit_.board().set_register(9, 1, 81);
   EXPECT_EQ(Radalt_Read(handle_, 1, 40, &value_), 0);
   EXPECT_EQ(value_, 71U) << "not hit";
   unit_.board().set_register(1, 40, 72);
   EXPECT_EQ(Radalt_Read(handle_, 1, 40, &value_), 0);
   EXPECT_EQ(value_, 71U) << "delivered before";
-  EXPECT_EQ(Radalt_Read(handle_, 1, 44, &value_), 0);
+  EXPECT_EQ(Radalt_Read(handle_, 9, 1, &value_), 0);
   EXPECT_EQ(value_, 80U) << "current when the fault was armed";
   arm(Point::RADALT_READ, Fault{});
   EXPECT_EQ(Radalt_Read(handle_, 1, 40, &value_), 0);
