@@ -1,5 +1,7 @@
 #include "tool/connection.h"
 
+#include "tool/errors.h"
+
 namespace tool {
 
 using control::client::Client;
@@ -10,7 +12,25 @@ ordered_json rows_at(Client& client, const std::string& target, const std::strin
   return client.get(target).at(member);
 }
 
-Connection::Connection(const Arguments& arguments) : Connection(control::client::find_unit(arguments.text("unit"))) {}
+FoundUnit chosen_unit(const std::string& name) {
+  if (!name.empty()) {
+    return control::client::find_unit(name);
+  }
+  const std::vector<FoundUnit> units = control::client::list_units();
+  if (units.empty()) {
+    throw UsageError("no unit is running; start one with \"unit run\"");
+  }
+  if (units.size() > 1) {
+    std::string names;
+    for (const FoundUnit& unit : units) {
+      names += (names.empty() ? "" : ", ") + unit.name;
+    }
+    throw UsageError("several units are running; choose one with --unit: " + names);
+  }
+  return units.front();
+}
+
+Connection::Connection(const Arguments& arguments) : Connection(chosen_unit(arguments.text("unit"))) {}
 
 Connection::Connection(const FoundUnit& unit) : unit_(unit), client_(unit.socket()) {}
 

@@ -11,13 +11,16 @@
 
 namespace tool {
 
+/// The running unit of that name; "": the only one. Throws UsageError and control::client::NoSuchUnit.
+control::client::FoundUnit chosen_unit(const std::string& name);
+
 /// The rows in the answer to a GET request: the member of that name.
 nlohmann::ordered_json rows_at(control::client::Client& client, const std::string& target, const std::string& member);
 
 /// The control service of one unit. One thread.
 class Connection {
 public:
-  /// The unit chosen with --unit. Throws control::client::NoSuchUnit.
+  /// The unit chosen with --unit. Throws as chosen_unit().
   explicit Connection(const Arguments& arguments);
   explicit Connection(const control::client::FoundUnit& unit);
 

@@ -62,14 +62,16 @@ std::string end_of_host(const ordered_json& host) {
   return "ended";
 }
 
-void report_host_end(Client& client, const ordered_json& host, const std::string& state) {
+void report_host_end(Client& client, const ordered_json& host, const std::string& state, bool with_output) {
   try {
-    show_last_lines(client, "host.out");
-    show_last_lines(client, "host.err");
+    if (with_output) {
+      show_last_lines(client, "host.out");
+      show_last_lines(client, "host.err");
+    }
     const std::string logs = state.empty() ? kept_logs(client) : state;
-    complain("host " + end_of_host(host) + "; logs: " + logs);
+    complain("run: host " + end_of_host(host) + "; logs: " + logs);
   } catch (const std::exception& error) {
-    complain("host " + end_of_host(host) + "; logs are lost: " + error.what());
+    complain("run: host " + end_of_host(host) + "; logs are lost: " + error.what());
   }
 }
 

@@ -84,7 +84,7 @@ std::vector<std::string> laid_out(const Picture& picture, const TerminalSize& si
   }
   add_cut(lines, head, rows, columns);
   const Lines body = body_of(picture, columns);
-  if (lines.size() + body.size() < rows) {
+  if (!body.empty() && lines.size() + body.size() < rows) {
     lines.emplace_back();
   }
   add_cut(lines, body, rows, columns);

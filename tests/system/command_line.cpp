@@ -4,10 +4,13 @@
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <system_error>
 
@@ -30,6 +33,19 @@ std::string text_in(int file) {
 }
 
 }  // namespace
+
+RuntimeFolder::RuntimeFolder() : path_("/tmp/system-test-XXXXXX") {
+  if (mkdtemp(path_.data()) == nullptr) {
+    throw std::system_error(errno, std::generic_category(), path_);
+  }
+  setenv("XDG_RUNTIME_DIR", path_.c_str(), 1);
+}
+
+RuntimeFolder::~RuntimeFolder() {
+  unsetenv("XDG_RUNTIME_DIR");
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
 
 // The streams are files that the program appends to, so that reading them does not affect it.
 OutsideProgram::OutsideProgram(std::vector<std::string> line, const std::string& input,
@@ -84,7 +100,7 @@ bool OutsideProgram::ended() {
 
 Ending OutsideProgram::wait() {
   if (!eventually([this] { return ended(); })) {
-    throw std::runtime_error("a program does not end; out \"" + out() + "\", err \"" + err() + "\"");
+    throw std::runtime_error("a program does not exit; out \"" + out() + "\", err \"" + err() + "\"");
   }
   ending_.out = out();
   ending_.err = err();
@@ -125,6 +141,21 @@ OutsideFile::OutsideFile(const std::string& text) : path_("/tmp/system-test-XXXX
 
 OutsideFile::~OutsideFile() {
   unlink(path_.c_str());
+}
+
+OutsideFolder::OutsideFolder() : path_("/tmp/system-test-XXXXXX") {
+  if (mkdtemp(path_.data()) == nullptr || chmod(path_.c_str(), 0755) != 0) {
+    throw std::system_error(errno, std::generic_category(), path_);
+  }
+}
+
+OutsideFolder::~OutsideFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+void OutsideFolder::write(const std::string& name, const std::string& text) const {
+  std::ofstream(path_ + "/" + name) << text;
 }
 
 }  // namespace system_test

@@ -8,6 +8,21 @@
 
 namespace system_test {
 
+/// A runtime folder of one's own: commands find only the units that were started meanwhile by this program and its
+/// children.
+class RuntimeFolder {
+public:
+  RuntimeFolder();
+  ~RuntimeFolder();
+  RuntimeFolder(const RuntimeFolder&) = delete;
+  RuntimeFolder& operator=(const RuntimeFolder&) = delete;
+
+  const std::string& path() const { return path_; }
+
+private:
+  std::string path_;
+};
+
 /// A program on the machine, outside any unit, started by the constructor and ended by the destructor at the latest.
 /// One thread.
 class OutsideProgram {
@@ -52,6 +67,21 @@ public:
   OutsideFile& operator=(const OutsideFile&) = delete;
 
   const std::string& path() const { return path_; }
+
+private:
+  std::string path_;
+};
+
+/// A temporary folder for one test, outside any unit, readable by everybody, removed by the destructor.
+class OutsideFolder {
+public:
+  OutsideFolder();
+  ~OutsideFolder();
+  OutsideFolder(const OutsideFolder&) = delete;
+  OutsideFolder& operator=(const OutsideFolder&) = delete;
+
+  const std::string& path() const { return path_; }
+  void write(const std::string& name, const std::string& text) const;
 
 private:
   std::string path_;

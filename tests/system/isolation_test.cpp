@@ -1,7 +1,5 @@
 // A unit shares nothing with the machine and with other units except the folders that it was given.
 
-#include <fcntl.h>
-#include <sched.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -104,103 +102,6 @@ TEST(IsolationTest, EverythingOfAUnitGoesWithIt) {
     EXPECT_TRUE(fs::exists(folder));
   }
   EXPECT_FALSE(fs::exists(folder));
-}
-
-TEST(UnitFileTest, AMissingUnitFileIsRefused) {
-  const Ending ending = unit_command({"run", "--once", "--unit", "/tmp/no-such-unit.json"});
-  EXPECT_THAT(ending, ExitedWith(2));
-  EXPECT_EQ(ending.out, "");
-  EXPECT_EQ(ending.err, "unit: /tmp/no-such-unit.json: cannot be read: No such file or directory\n");
-}
-
-// A rejected unit file, and the reason.
-struct Refused {
-  std::string text;
-  std::string reason;
-};
-
-void PrintTo(const Refused& refused, std::ostream* stream) {
-  *stream << refused.text << ": " << refused.reason;
-}
-
-class RefusedUnitFileTest : public testing::TestWithParam<Refused> {};
-
-TEST_P(RefusedUnitFileTest, NothingStarts) {
-  const OutsideFile file(GetParam().text);
-  for (const std::vector<std::string>& command :
-       {std::vector<std::string>{"run", "--once", "--json", "--unit", file.path()},
-        std::vector<std::string>{"exec", "--unit", file.path(), "--", "echo", "started"}}) {
-    const Ending ending = unit_command(command);
-    EXPECT_THAT(ending, ExitedWith(2));
-    EXPECT_EQ(ending.out, "");
-    EXPECT_EQ(ending.err, "unit: " + file.path() + ": " + GetParam().reason + "\n");
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    UnitFiles, RefusedUnitFileTest,
-    testing::Values(
-        Refused{"{\n  \"board\": {\n    \"handle\": 3,,\n",
-                "line 3, column 17: syntax error while parsing object key - unexpected ','; expected string literal"},
-        Refused{"",
-                "line 1, column 1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
-                "literal"},
-        Refused{"[1]", "must hold one JSON object"},
-        Refused{R"({"power_supply":{"colour":1}})", "power_supply.colour: no such setting"},
-        Refused{R"({"colour":1})", "colour: no such setting"},
-        Refused{R"({"power_supply":{"temperature":"warm"}})",
-                "power_supply.temperature: must be a whole number from -2147483648 to 2147483647, not \"warm\""},
-        Refused{R"({"power_supply":{"reply_delay":-1}})",
-                "power_supply.reply_delay: must be a whole number from 0 to 60000000, not -1"},
-        Refused{R"({"board":7})", "board: must hold settings, not 7"},
-        Refused{R"({"board":{"handle":1,"handle":2}})", "board.handle: given twice"}));
-
-TEST(LibraryTest, ALibraryThatIsNotThereIsTheLoadersToReport) {
-  const Ending ending = unit_command({"run", "--once", "--json", "--library", "/no/such/library.so"});
-  EXPECT_THAT(ending, ExitedWith(1));
-  EXPECT_EQ(ending.out, "");
-  EXPECT_EQ(ending.err, "/no/such/library.so: cannot open shared object file: No such file or directory\n");
-}
-
-TEST(LibraryTest, ALibraryThatIsNoneIsTheLoadersToReport) {
-  const OutsideFile file("this is no library, however long it may be; it only has more bytes than a header needs");
-  const Ending ending = unit_command({"run", "--once", "--json", "--library", file.path()});
-  EXPECT_THAT(ending, ExitedWith(1));
-  EXPECT_EQ(ending.out, "");
-  EXPECT_EQ(ending.err, "/run/unit/library/" + fs::path(file.path()).filename().string() + ": invalid ELF header\n");
-}
-
-void write_text(const char* path, const std::string& text) {
-  const int file = open(path, O_WRONLY | O_CLOEXEC);
-  if (file == -1 || write(file, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
-    _exit(126);
-  }
-  close(file);
-}
-
-/// Makes this process an ordinary user on a machine without user namespaces.
-void forbid_user_namespaces() {
-  const std::string user = std::to_string(getuid());
-  const std::string group = std::to_string(getgid());
-  if (unshare(CLONE_NEWUSER) != 0) {
-    _exit(125);
-  }
-  write_text("/proc/self/setgroups", "deny");
-  write_text("/proc/self/uid_map", "1000 " + user + " 1");
-  write_text("/proc/self/gid_map", "1000 " + group + " 1");
-  write_text("/proc/sys/user/max_user_namespaces", "0");
-}
-
-TEST(UserNamespacesTest, WithoutThemTheCommandSaysWhatToEnable) {
-  for (const std::vector<std::string>& command :
-       {std::vector<std::string>{"run", "--once", "--json"}, std::vector<std::string>{"exec", "--", "true"}}) {
-    const Ending ending = unit_command(command, "", forbid_user_namespaces);
-    EXPECT_THAT(ending, ExitedWith(3));
-    EXPECT_EQ(ending.out, "");
-    EXPECT_EQ(ending.err,
-              "unit: the simulated unit needs user namespaces, which this machine refuses (No space left on device); "
-              "enable them with: sysctl -w user.max_user_namespaces=10000\n");
-  }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The set-up that "unit exec" does in the root before its command runs: network, naming service and services.
+// The set-up of a unit before the command of "unit run" starts: network, naming service and services.
 
 #include "tests/system/command_line.h"
 
@@ -12,7 +12,7 @@ using testing::Not;
 
 /// A shell command's output on a new unit started with these options.
 std::string said(std::vector<std::string> options, const std::string& command) {
-  options.insert(options.begin(), "exec");
+  options.insert(options.begin(), "run");
   options.insert(options.end(), {"--", "bash", "-c", command});
   const Ending ending = unit_command(options);
   EXPECT_THAT(ending, ExitedWith(0));
@@ -26,20 +26,21 @@ const char NAMING_SERVICE[] = "0100007F:0AF9 00000000:0000 0A";
 const char SHOW_LISTENERS[] = "cat /proc/net/tcp";
 
 TEST(SetUpTest, EveryUnitHasALoopbackWithMulticast) {
-  EXPECT_THAT(said({}, SHOW_LINKS), MatchesRegex("1: lo: <LOOPBACK,MULTICAST,UP,LOWER_UP> [^\n]*\n"));
-  EXPECT_THAT(said({}, "ip route show"), MatchesRegex("224\\.0\\.0\\.0/4 dev lo [^\n]*\n"));
+  EXPECT_THAT(said({"--without", "network"}, SHOW_LINKS),
+              MatchesRegex("1: lo: <LOOPBACK,MULTICAST,UP,LOWER_UP> [^\n]*\n"));
+  EXPECT_THAT(said({"--without", "network"}, "ip route show"), MatchesRegex("224\\.0\\.0\\.0/4 dev lo [^\n]*\n"));
 }
 
 TEST(SetUpTest, ANetworkIsAnInterfaceWithoutAddressThatIsUp) {
-  const std::string links = said({"--network"}, SHOW_LINKS);
+  const std::string links = said({}, SHOW_LINKS);
   EXPECT_THAT(links, ContainsRegex("\n[0-9]+: eth0@"));
   EXPECT_EQ(std::count(links.begin(), links.end(), '\n'), 2) << links;
-  EXPECT_EQ(said({"--network"}, "ip -4 -o address show eth0"), "");
+  EXPECT_EQ(said({}, "ip -4 -o address show eth0"), "");
 }
 
 // The far end refuses the connection; without a far end, the address cannot be reached.
 TEST(SetUpTest, AtTheFarEndOfTheNetworkThereIsAMachine) {
-  EXPECT_THAT(said({"--network"}, "ip address add 10.77.0.9/24 dev eth0; { : < /dev/tcp/10.77.0.1/9; } 2>&1; true"),
+  EXPECT_THAT(said({}, "ip address add 10.77.0.9/24 dev eth0; { : < /dev/tcp/10.77.0.1/9; } 2>&1; true"),
               HasSubstr("Connection refused"));
 }
 
@@ -49,16 +50,16 @@ TEST(SetUpTest, ADhcpServerAnswersBeforeTheCommandRuns) {
 }
 
 TEST(SetUpTest, WithoutADhcpServerNobodyAnswers) {
-  EXPECT_THAT(said({"--network"}, "udhcpc -i eth0 -n -q -t 1 -T 1 -s /bin/true 2>&1; true"), HasSubstr("no lease"));
+  EXPECT_THAT(said({}, "udhcpc -i eth0 -n -q -t 1 -T 1 -s /bin/true 2>&1; true"), HasSubstr("no lease"));
 }
 
 TEST(SetUpTest, ServicesAreThereBeforeTheCommandRuns) {
-  EXPECT_THAT(said({"--services"}, SHOW_LISTENERS), HasSubstr(NAMING_SERVICE));
-  EXPECT_EQ(said({"--services"}, "cat /proc/[0-9]*/comm | grep -cx unit-services"), "1\n");
+  EXPECT_THAT(said({}, SHOW_LISTENERS), HasSubstr(NAMING_SERVICE));
+  EXPECT_EQ(said({}, "cat /proc/[0-9]*/comm | grep -cx unit-services"), "1\n");
 }
 
 TEST(SetUpTest, WithoutServicesThereIsNoNamingService) {
-  EXPECT_THAT(said({}, SHOW_LISTENERS), Not(HasSubstr(NAMING_SERVICE)));
+  EXPECT_THAT(said({"--without", "services"}, SHOW_LISTENERS), Not(HasSubstr(NAMING_SERVICE)));
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ using Words = std::vector<std::string>;
 
 /// The candidates for a value. `unit`: the unit that the command line chooses.
 Words offered(Offer offer, const Words& words, const std::string& unit) {
-  const auto connected = [&unit] { return Connection(control::client::find_unit(unit)); };
+  const auto connected = [&unit] { return Connection(chosen_unit(unit)); };
   Words all;
   switch (offer) {
     case Offer::NOTHING:

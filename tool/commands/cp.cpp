@@ -52,7 +52,7 @@ private:
 
 std::filesystem::path socket_of(const Place& place, const Arguments& arguments) {
   const std::string name = place.unit.empty() ? arguments.text("unit") : place.unit;
-  return control::client::find_unit(name).socket();
+  return chosen_unit(name).socket();
 }
 
 void require(int status, const Place& place) {

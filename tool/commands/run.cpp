@@ -114,6 +114,10 @@ void show_started(const StartedUnit& unit, bool as_json) {
   }
 }
 
+bool shows_screen(const Arguments& arguments) {
+  return !arguments.has("once") && !arguments.has("json") && can_draw_screen();
+}
+
 void show(StartedUnit& unit, const Arguments& arguments) {
   const bool as_json = arguments.has("json");
   if (arguments.has("detach")) {
@@ -126,7 +130,7 @@ void show(StartedUnit& unit, const Arguments& arguments) {
   } else if (arguments.has("once")) {
     show_once(unit, as_json);
   } else {
-    const auto view = as_json ? json_view() : can_draw_screen() ? screen_view() : line_view();
+    const auto view = as_json ? json_view() : shows_screen(arguments) ? screen_view() : line_view();
     show_live(unit.unit(), *view);
   }
 }
@@ -137,7 +141,9 @@ int run_host(const json& launch, const Arguments& arguments) {
     show(unit, arguments);
   } catch (const HostEnded& end) {
     Client client(unit.socket());
-    report_host_end(client, end.host, launch["state"]);
+    // The other views have shown the output as it came.
+    const bool hidden = arguments.has("detach") || shows_screen(arguments);
+    report_host_end(client, end.host, launch["state"], hidden);
     return STATUS_FAILED;
   }
   unit.stop();

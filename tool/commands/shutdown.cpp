@@ -209,7 +209,7 @@ int run(const Arguments& arguments) {
         throw UsageError("--" + option.name + ": needs --new");
       }
     }
-    Shutdown(control::client::find_unit(arguments.text("unit")), as_json).run();
+    Shutdown(chosen_unit(arguments.text("unit")), as_json).run();
     return 0;
   }
   if (arguments.has("unit")) {
@@ -217,7 +217,6 @@ int run(const Arguments& arguments) {
   }
   json launch = launch_document(arguments);
   launch["host"] = "unit-host";
-  std::fputs("Starting a unit\n", stderr);
   StartedUnit unit(launch);
   Shutdown(unit.unit(), as_json).run();
   unit.stop();

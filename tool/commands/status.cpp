@@ -1,6 +1,7 @@
 #include "tool/arguments.h"
 #include "tool/commands/table.h"
 #include "tool/commands/unit_text.h"
+#include "tool/connection.h"
 #include "tool/errors.h"
 #include "tool/output.h"
 #include "tool/text.h"
@@ -40,7 +41,7 @@ std::string host_line(const ordered_json& unit) {
 }
 
 int run(const Arguments& arguments) {
-  const ordered_json unit = described(control::client::find_unit(arguments.text("unit")));
+  const ordered_json unit = described(chosen_unit(arguments.text("unit")));
   if (unit.contains("reason")) {
     throw CommandError(STATUS_FAILED, unit.at("name").get<std::string>() + ": " + unit["reason"].get<std::string>());
   }

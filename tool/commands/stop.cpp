@@ -1,4 +1,5 @@
 #include "tool/commands/table.h"
+#include "tool/connection.h"
 #include "tool/errors.h"
 #include "tool/launch.h"
 
@@ -22,7 +23,7 @@ std::vector<FoundUnit> chosen(const Arguments& arguments) {
   }
   std::vector<FoundUnit> units;
   for (const std::string& name : names) {
-    units.push_back(control::client::find_unit(name));
+    units.push_back(chosen_unit(name));
   }
   return units;
 }

@@ -26,11 +26,11 @@ TEST(NearestTest, NearNamesComeBestFirst) {
 }
 
 TEST(NearestTest, TheLastPartOfANameIsEnough) {
-  const std::vector<std::string> names = {"board.handle", "power_supply.battery_temperature", "power_supply.temperature"};
+  const std::vector<std::string> names = {"board.handle", "power_supply.battery_temperature",
+                                          "power_supply.temperature"};
   EXPECT_THAT(nearest("handel", names), ElementsAre("board.handle"));
   EXPECT_THAT(nearest("board.handel", names), ElementsAre("board.handle"));
-  EXPECT_THAT(nearest("temperature", names),
-              ElementsAre("power_supply.temperature"));
+  EXPECT_THAT(nearest("temperature", names), ElementsAre("power_supply.temperature"));
 }
 
 TEST(NearestTest, ANameThatContainsTheWordIsNear) {

@@ -30,7 +30,8 @@ TEST(NumbersTest, DecimalAndHexadecimalAreTheOnlyBases) {
 }
 
 TEST(NumbersTest, OtherTextsAreNoNumbers) {
-  for (const char* text : {"", "-", "0x", "1.5", "1e3", " 1", "1 ", "--1", "0x-1", "9223372036854775808", "0b1", "1_0"}) {
+  for (const char* text :
+       {"", "-", "0x", "1.5", "1e3", " 1", "1 ", "--1", "0x-1", "9223372036854775808", "0b1", "1_0"}) {
     EXPECT_EQ(parse_number(text), std::nullopt) << text;
   }
 }

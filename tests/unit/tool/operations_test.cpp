@@ -34,7 +34,8 @@ TEST(OperationsTest, AListIsATable) {
 }
 
 TEST(OperationsTest, OtherAnswersAreOneLinePerValue) {
-  EXPECT_EQ(answer_as_text("read_hw", ordered_json::parse(R"({"result":0,"value":92881})")), "result: 0\nvalue: 92881\n");
+  EXPECT_EQ(answer_as_text("read_hw", ordered_json::parse(R"({"result":0,"value":92881})")),
+            "result: 0\nvalue: 92881\n");
   EXPECT_EQ(answer_as_text("GetFansList", ordered_json::parse(R"({"fans":[],"result":0})")), "fans: []\nresult: 0\n");
   EXPECT_EQ(answer_as_text("GetName", ordered_json::parse("{\"result\":\"a\\u001bb\"}")), "result: a\\x1bb\n");
   EXPECT_EQ(answer_as_text("rftemp", ordered_json::parse(R"({"result":{"name":"RF","celsius":31.01001}})")),

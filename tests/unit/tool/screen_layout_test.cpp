@@ -32,8 +32,9 @@ Picture full_picture() {
 TEST(ScreenLayoutTest, EveryPictureFitsItsTerminal) {
   Picture picture = full_picture();
   picture.notices = {"GetTemperature: no answer for 3 s", "Dialog", "Answer it with: unit answer -u unit-1 Ok"};
-  for (const TerminalSize size : {TerminalSize{24, 80}, TerminalSize{50, 132}, TerminalSize{24, 79}, TerminalSize{10, 40},
-                                  TerminalSize{5, 20}, TerminalSize{2, 2}, TerminalSize{1, 1}, TerminalSize{0, 0}}) {
+  for (const TerminalSize size :
+       {TerminalSize{24, 80}, TerminalSize{50, 132}, TerminalSize{24, 79}, TerminalSize{10, 40}, TerminalSize{5, 20},
+        TerminalSize{2, 2}, TerminalSize{1, 1}, TerminalSize{0, 0}}) {
     const std::vector<std::string> lines = laid_out(picture, size);
     EXPECT_LE(lines.size(), static_cast<std::size_t>(std::max(1, size.rows))) << size.columns << "x" << size.rows;
     for (const std::string& line : lines) {
@@ -56,10 +57,10 @@ TEST(ScreenLayoutTest, AUsualTerminalShowsEverythingInTwoColumns) {
 
 TEST(ScreenLayoutTest, ALongValueMovesTowardsItsName) {
   Picture picture;
-  picture.sections = {{"Versions", {{"Digital Board Firmware Version", "2"}, {"RF Firmware Version", "1.02.03 alpha"}}}};
-  EXPECT_THAT(laid_out(picture, {24, 40}),
-              ElementsAre("", "", "Versions", " Digital Board Firmware Version  2",
-                          " RF Firmware Version       1.02.03 alpha"));
+  picture.sections = {
+      {"Versions", {{"Digital Board Firmware Version", "2"}, {"RF Firmware Version", "1.02.03 alpha"}}}};
+  EXPECT_THAT(laid_out(picture, {24, 40}), ElementsAre("", "", "Versions", " Digital Board Firmware Version  2",
+                                                       " RF Firmware Version       1.02.03 alpha"));
 }
 
 TEST(ScreenLayoutTest, NoticesComeBeforeTheValues) {
@@ -81,7 +82,7 @@ TEST(ScreenLayoutTest, OutputCannotControlTheTerminal) {
   Picture picture;
   picture.title = "unit-1";
   picture.output = {"a\x1b[2Jb"};
-  EXPECT_THAT(laid_out(picture, {24, 80}), ElementsAre("unit-1", "", "", "Host output", " a\\x1b[2Jb"));
+  EXPECT_THAT(laid_out(picture, {24, 80}), ElementsAre("unit-1", "", "Host output", " a\\x1b[2Jb"));
 }
 
 }  // namespace

@@ -59,9 +59,8 @@ TEST(UnitStateTest, AValueThatCannotBeHadIsNullWithItsReason) {
   const ordered_json state = read_unit_state(std::ref(unit), 0);
   EXPECT_EQ(state["temperatures"], nullptr);
   EXPECT_EQ(state["power"]["charge_percent"], nullptr);
-  EXPECT_EQ(state["reasons"].dump(),
-            R"({"power.charge_percent":"GetBatteryChargeStatus returned false",)"
-            R"("temperatures":"GetTemperature: no answer for 10 s"})");
+  EXPECT_EQ(state["reasons"].dump(), R"({"power.charge_percent":"GetBatteryChargeStatus returned false",)"
+                                     R"("temperatures":"GetTemperature: no answer for 10 s"})");
 }
 
 TEST(UnitStateTest, PeopleGetOneLinePerItem) {
