@@ -46,7 +46,7 @@ UnitFiles::Place UnitFiles::place_of(const SysfsFile& file) const {
 }
 
 std::optional<std::string> UnitFiles::own_text(const Place& place, const Fault& fault) const {
-  const std::optional<std::string> seen = place.folder.text(place.file);
+  std::optional<std::string> seen = place.folder.text(place.file);
   switch (fault.kind) {
     case FaultKind::FAIL:
       return seen ? seen : kept_.text(place.point);

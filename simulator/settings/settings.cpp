@@ -90,7 +90,7 @@ std::string choice_list(const Setting& setting) {
 
 /// The values that the setting accepts.
 std::string expected_of(const Setting& setting) {
-  const std::string number =
+  std::string number =
       "whole number from " + std::to_string(setting.minimum) + " to " + std::to_string(setting.maximum);
   switch (setting.type) {
     case SettingType::NUMBER:
