@@ -41,6 +41,11 @@ void tell_changes(EventStream& stream, const json& settings) {
   }
 }
 
+/// The answer as an event's data, which has no line breaks.
+std::string data_of(const Reply& reply) {
+  return reply.text.find_first_of("\r\n") == std::string::npos ? reply.text : reply.ok.dump();
+}
+
 json rows_in(const Reply& reply) {
   const json rows = reply.error ? json() : reply.ok.value("settings", json());
   return rows.is_array() ? rows : json::array();
@@ -152,7 +157,7 @@ void EventHub::refresh_dialogs() {
       asks_dialogs_ = false;
       if (!reply.error) {
         for (const auto& stream : listening("dialogs")) {
-          stream->event("dialogs", reply.text);
+          stream->event("dialogs", data_of(reply));
         }
       }
       if (std::exchange(dialogs_changed_, false)) {
@@ -211,7 +216,7 @@ void EventHub::poll_eventlog() {
       }
       if (place && place->second) {
         for (const auto& stream : listening("eventlog")) {
-          stream->event("eventlog", reply.text);
+          stream->event("eventlog", data_of(reply));
         }
       }
       later(eventlog_timer_, limits_.eventlog_poll, &EventHub::poll_eventlog);

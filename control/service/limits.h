@@ -14,7 +14,7 @@ struct Limits {
   std::size_t stream = 1u << 20;         ///< bytes that wait for a client of the event stream
   unsigned notices_per_second = 10'000;  ///< from the agent, answers without request included
 
-  std::chrono::milliseconds idle{60'000};          ///< without request, or without progress of an answer
+  std::chrono::milliseconds idle{60'000};          ///< without request, or until an answer is taken
   std::chrono::milliseconds arrival{10'000};       ///< from a request's first byte to its last
   std::chrono::milliseconds agent_answer{10'000};  ///< besides the time limit of the request itself
   std::chrono::milliseconds ending{10'000};        ///< from the order to stop to the agent's end

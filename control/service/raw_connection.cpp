@@ -17,7 +17,7 @@ constexpr std::chrono::seconds LINGERING{2};  // for a client to see the end bef
 }  // namespace
 
 RawConnection::RawConnection(Socket socket, Clients& clients, const Limits& limits)
-    : Client(clients), socket_(std::move(socket)), limits_(limits), timer_(socket_.get_executor()) {}
+    : Client(clients), socket_(std::move(socket)), limits_(limits), linger_timer_(socket_.get_executor()) {}
 
 void RawConnection::start(std::string received) {
   self_ = shared_from_this();
@@ -70,7 +70,6 @@ void RawConnection::send(std::string bytes) {
 }
 
 void RawConnection::write() {
-  expect_progress();
   asio::async_write(socket_, asio::buffer(outgoing_.front()),
                     [this, self = shared_from_this()](Failure failure, std::size_t size) {
                       if (!open_) {
@@ -80,7 +79,6 @@ void RawConnection::write() {
                         cut_off();
                         return;
                       }
-                      timer_.cancel();
                       waiting_ -= size;
                       outgoing_.pop_front();
                       if (!outgoing_.empty()) {
@@ -90,16 +88,6 @@ void RawConnection::write() {
                       }
                       on_sent(size);
                     });
-}
-
-void RawConnection::expect_progress() {
-  timer_.expires_after(limits_.idle);
-  timer_.async_wait([this, weak = weak_from_this()](Failure failure) {
-    const auto self = weak.lock();
-    if (!failure && self != nullptr) {
-      cut_off();
-    }
-  });
 }
 
 void RawConnection::finish() {
@@ -116,8 +104,8 @@ void RawConnection::finish() {
 void RawConnection::shut_down() {
   Failure ignored;
   socket_.shutdown(Socket::shutdown_send, ignored);
-  timer_.expires_after(LINGERING);
-  timer_.async_wait([this, self = shared_from_this()](Failure failure) {
+  linger_timer_.expires_after(LINGERING);
+  linger_timer_.async_wait([this, self = shared_from_this()](Failure failure) {
     if (!failure) {
       cut_off();
     }
@@ -130,7 +118,7 @@ void RawConnection::cut_off() {
   }
   open_ = false;
   leave();
-  timer_.cancel();
+  linger_timer_.cancel();
   Failure ignored;
   socket_.close(ignored);
   outgoing_.clear();

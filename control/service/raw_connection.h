@@ -14,8 +14,8 @@ namespace control::service {
 
 using Socket = boost::asio::generic::stream_protocol::socket;
 
-/// A connection that has left HTTP's turn of request and answer: bytes go out and come in at any time. It is closed if
-/// the client closes it or takes nothing for Limits::idle. The service's thread.
+/// A connection that has left HTTP's turn of request and answer: bytes go out and come in at any time. A client that
+/// takes nothing may stay; users bound what waits for it. The service's thread.
 class RawConnection : public Client {
 public:
   RawConnection(Socket socket, Clients& clients, const Limits& limits);
@@ -52,13 +52,12 @@ protected:
 private:
   void read();
   void write();
-  void expect_progress();
   void shut_down();
 
   std::shared_ptr<Client> self_;  ///< while the connection is open
   Socket socket_;
   const Limits& limits_;
-  boost::asio::steady_timer timer_;
+  boost::asio::steady_timer linger_timer_;
   std::vector<char> block_ = std::vector<char>(16 << 10);
   std::deque<std::string> outgoing_;
   std::size_t waiting_ = 0;

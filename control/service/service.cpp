@@ -1,5 +1,7 @@
 #include "control/service/service.h"
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -132,6 +134,9 @@ void Service::Implementation::admit(Socket socket, RequestHandler& handler) {
     turn_away(socket);
     return;
   }
+  // Events are small and must not wait for each other; no effect on a UNIX socket.
+  const int on = 1;
+  ::setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   make_connection(std::move(socket), clients_, limits_, handler)->start();
 }
 

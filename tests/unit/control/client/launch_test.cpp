@@ -80,13 +80,16 @@ TEST_F(LaunchTest, ADetachedUnitHasNoLifelineAndNoErrorOutput) {
 
 TEST_F(LaunchTest, TheSupervisorIsInASessionOfItsOwnWithDefaultSignals) {
   ::signal(SIGPIPE, SIG_IGN);
-  const Launched launched = start_unit(
-      json::object(),
-      program("cut -d' ' -f6 /proc/$$/stat > session; grep -E 'SigBlk|SigIgn' /proc/$$/status > signals\n" + READY));
+  // Read by the shell itself, which blocks signals while it starts programs.
+  const std::string script = R"(
+while read -r name value; do case $name in SigBlk:|SigIgn:) echo $name $value;; esac; done < /proc/$$/status > signals
+read -r line < /proc/$$/stat; set -- $line; echo $6 > session
+)";
+  const Launched launched = start_unit(json::object(), program(script + READY));
   ::signal(SIGPIPE, SIG_DFL);
   ::close(launched.lifeline);
   EXPECT_NE(std::stoi(text("session")), ::getsid(0));
-  EXPECT_EQ(text("signals"), "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n");
+  EXPECT_EQ(text("signals"), "SigBlk: 0000000000000000\nSigIgn: 0000000000000000\n");
 }
 
 TEST_F(LaunchTest, AFailureHasItsReasonAndStatus) {

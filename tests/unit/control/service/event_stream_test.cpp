@@ -113,6 +113,16 @@ TEST(EventStreamTest, TellsOfDialogsWhenTheAgentSaysSo) {
   EXPECT_EQ(next(stream), R"(dialogs {"dialogs":[{"id":1},{"id":2}]})");
 }
 
+TEST(EventStreamTest, AnAnswerOfSeveralLinesIsOneEvent) {
+  ServiceUnderTest unit;
+  unit.agent().on("dialogs.list", ordered_json());
+  EventStream stream(unit.socket(), "/v1/stream?events=dialogs");
+  EXPECT_EQ(stream.next(LONG)->type, "hello");
+  const auto request = unit.agent().take("dialogs.list");
+  unit.agent().frame(0, "{\"id\":" + request["id"].dump() + ",\"ok\":{\"dialogs\":\r\n\n[]}}");
+  EXPECT_EQ(next(stream), R"(dialogs {"dialogs":[]})");
+}
+
 TEST(EventStreamTest, TellsOfEventsSinceItsBegin) {
   ServiceUnderTest unit;
   std::atomic<int> written = 2;

@@ -163,6 +163,23 @@ TEST_F(ExecTest, AClientThatGoesAwayWhileItsInputWaitsAbandonsItsCommand) {
   EXPECT_EQ(unit.agent().take("exec.control")["with"].dump(), R"({"abandon":true,"stream":4})");
 }
 
+TEST(ExecIdleTest, AClientMayRestWhileOutputWaits) {
+  control::service::ServiceOptions options;
+  options.limits.idle = std::chrono::milliseconds(50);
+  ServiceUnderTest unit(std::move(options));
+  unit.agent().on("exec.start", {{"ok", {{"stream", 4}, {"pid", 17}}}});
+  Command command(unit.socket(), TRUE_COMMAND);
+  const std::string output(256 << 10, 'o');
+  unit.agent().frame(4, output);
+  unit.agent().notice({{"notice", "exit"}, {"stream", 4}, {"status", 0}});
+  // Until two connections were closed for their idleness.
+  RawClient(unit.socket()).rest();
+  RawClient(unit.socket()).rest();
+  EXPECT_EQ(command.next(LONG)->control, (json{{"started", {{"pid", 17}}}}));
+  EXPECT_TRUE(command.next(LONG)->bytes == output);
+  EXPECT_EQ(command.next(LONG)->control, (json{{"exit", {{"status", 0}}}}));
+}
+
 TEST_F(ExecTest, AClientThatGoesAwayAbandonsItsCommand) {
   { const RawClient client = raw_command(); }
   EXPECT_EQ(unit.agent().take("exec.control")["with"].dump(), R"({"abandon":true,"stream":4})");
