@@ -55,4 +55,14 @@ TEST_F(DdsListenerReleaseTest, IsNotAwaitedIfNothingHoldsTheListener) {
   EXPECT_THAT(time.sleeps(), IsEmpty());
 }
 
+TEST_F(DdsListenerReleaseTest, IsNotAwaitedIfTheReaderCannotBeDeleted) {
+  dds_.refuses("delete_contained_entities of subscriber");
+  DDS::DataReaderListener_var held = dds_.reader_listener();
+  PlayedTime time;
+  time.runs_in_sleep(1, [&held] { held = DDS::DataReaderListener::_nil(); });
+  subscriber_.reset();
+  EXPECT_THAT(time.sleeps(), IsEmpty());
+  held._retn();  // The listener has gone with the subscriber.
+}
+
 }  // namespace
