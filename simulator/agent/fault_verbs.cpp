@@ -22,8 +22,8 @@ Json list(UnitModel& unit) {
                     {"doc", row.doc},
                     {"kinds", kinds},
                     {"armed", settings::text_of(unit.faults().armed_at(row.key))},
-                    {"calls", unit.faults().calls(row.key)},
-                    {"hits", unit.faults().hits(row.key)}});
+                    {"calls", row.is_counted ? Json(unit.faults().calls(row.key)) : Json()},
+                    {"hits", row.is_counted ? Json(unit.faults().hits(row.key)) : Json()}});
   }
   return {{"faults", rows}};
 }

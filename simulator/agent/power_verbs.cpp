@@ -12,12 +12,19 @@ using model::UnitModel;
 
 constexpr std::chrono::milliseconds DAY{86'400'000};
 
+std::uint64_t raised(UnitModel& unit, std::int32_t value) {
+  try {
+    return unit.power_supply().raise_interrupt(value);
+  } catch (const model::InterruptsFull& full) {
+    throw Refusal(CONFLICT, full.what());
+  }
+}
+
 Json raise(const Arguments& with, UnitModel& unit) {
   const std::int64_t value = with.number("value", INT32_MIN, UINT32_MAX);
   const bool wait = with.flag("wait", false);
   const auto timeout = with.timeout();
-  const std::uint64_t number =
-      unit.power_supply().raise_interrupt(static_cast<std::int32_t>(static_cast<std::uint32_t>(value)));
+  const std::uint64_t number = raised(unit, static_cast<std::int32_t>(static_cast<std::uint32_t>(value)));
   Json handled;
   if (wait) {
     handled = unit.power_supply().wait_interrupt_handled(number, timeout.value_or(DAY));

@@ -23,9 +23,11 @@ namespace {
 
 constexpr const char* RUN_FOLDER = "/run/unit";
 
-/// Runs last in a shutdown; adds a line to the record of calls and creates a marker file.
+/// Runs last in a shutdown; adds a line to the record of calls and creates a marker file. A fault of the script ends it
+/// first.
 constexpr const char* SHUTDOWN_SCRIPT =
     "#!/bin/sh\n"
+    "/opt/unit/bin/unit-command shutdown || exit\n"
     "/opt/unit/bin/unit-record /root/.shutdown\n"
     "touch /run/unit/shutdown\n";
 

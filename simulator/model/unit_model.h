@@ -60,6 +60,7 @@ public:
   bool watched() const noexcept { return shared_->faults.watch().any(); }
   /// Switches call counting on and off; recorded and faulted units always count.
   void count_calls(bool on) noexcept { shared_->faults.watch().set(Watch::COUNTED, on); }
+  bool counts_calls() const noexcept { return shared_->faults.watch().has(Watch::COUNTED); }
 
   /// Crosses a closed interface: counts the call, records it with its arguments (JSON text) and returns its fault. For
   /// a SLOW fault, returns after the delay.

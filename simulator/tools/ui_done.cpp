@@ -16,7 +16,6 @@ namespace {
 using Done = Varnok::DDS_Attribute<Varnok::DDS_VoidMessage>;
 using simulator::model::Point;
 using simulator::model::UnitModel;
-using simulator::model::Watch;
 
 constexpr std::chrono::seconds PATIENCE{5};
 constexpr std::chrono::milliseconds STEP{2};
@@ -60,7 +59,7 @@ private:
 /// Counts the settings of the system LED while it lives.
 class LedCount {
 public:
-  explicit LedCount(UnitModel& unit) : unit_(unit), counted_before_(unit.faults().watch().has(Watch::COUNTED)) {
+  explicit LedCount(UnitModel& unit) : unit_(unit), counted_before_(unit.counts_calls()) {
     unit_.count_calls(true);
     first_ = calls();
   }
