@@ -22,8 +22,8 @@ Json list(UnitModel& unit) {
                     {"doc", row.doc},
                     {"kinds", kinds},
                     {"armed", settings::text_of(unit.faults().armed_at(row.key))},
-                    {"calls", row.is_counted ? Json(unit.faults().calls(row.key)) : Json()},
-                    {"hits", row.is_counted ? Json(unit.faults().hits(row.key)) : Json()}});
+                    {"calls", model::row_of(row.crossing).is_counted ? Json(unit.faults().calls(row.key)) : Json()},
+                    {"hits", model::row_of(row.crossing).is_counted ? Json(unit.faults().hits(row.key)) : Json()}});
   }
   return {{"faults", rows}};
 }
