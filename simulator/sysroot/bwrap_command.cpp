@@ -79,7 +79,7 @@ Words BwrapCommand::outer() const {
   Words words{"/usr/bin/bwrap", "--die-with-parent"};
   append(words, machine());
   append(words, {"--bind", "/proc", "/proc", "--dev-bind", "/dev", "/dev", "--dir", "/tmp"});
-  append(words, {"--ro-bind", options_.build, "/opt/unit"});
+  append(words, {"--ro-bind", options_.build, "/opt/unit", "--dir", "/bound"});
   for (std::size_t i = 0; i < options_.binds.size(); ++i) {
     append(words, {"--ro-bind", options_.binds[i], bound(i)});
   }
