@@ -80,6 +80,8 @@ Words BwrapCommand::outer() const {
   append(words, machine());
   append(words, {"--bind", "/proc", "/proc", "--dev-bind", "/dev", "/dev", "--dir", "/tmp"});
   append(words, {"--ro-bind", options_.build, "/opt/unit"});
+  // The unit's user must find what is below.
+  append(words, {"--perms", "0755", "--dir", "/bound"});
   for (std::size_t i = 0; i < options_.binds.size(); ++i) {
     append(words, {"--ro-bind", options_.binds[i], bound(i)});
   }

@@ -107,7 +107,8 @@ TEST_F(ScreenTest, FollowsTheUnitAndTheSizeOfTheTerminal) {
   terminal_->resize(10, 40);
   run_->kill(SIGWINCH);
   EXPECT_TRUE(shows(" more lines"));
-  EXPECT_EQ(std::count(picture().begin(), picture().end(), '\n'), 9);
+  const std::string small = picture();
+  EXPECT_EQ(std::count(small.begin(), small.end(), '\n'), 9);
   terminal_->resize(24, 80);
   run_->kill(SIGWINCH);
   EXPECT_TRUE(shows_all());
