@@ -79,13 +79,9 @@ Words BwrapCommand::outer() const {
   Words words{"/usr/bin/bwrap", "--die-with-parent"};
   append(words, machine());
   append(words, {"--bind", "/proc", "/proc", "--dev-bind", "/dev", "/dev", "--dir", "/tmp"});
-<<<<<<< HEAD
-  append(words, {"--ro-bind", options_.build, "/opt/unit", "--dir", "/bound"});
-=======
   append(words, {"--ro-bind", options_.build, "/opt/unit"});
   // The unit's user must find what is below.
   append(words, {"--perms", "0755", "--dir", "/bound"});
->>>>>>> cli
   for (std::size_t i = 0; i < options_.binds.size(); ++i) {
     append(words, {"--ro-bind", options_.binds[i], bound(i)});
   }
