@@ -226,9 +226,8 @@ TEST_F(UnitEndTest, TheStartersEndIsTheUnitsEnd) {
   ASSERT_TRUE(eventually([&] { return run.out().find('\n') != std::string::npos; }));
   run.kill(SIGKILL);
   run.wait();
-  EXPECT_TRUE(eventually([] {
-    return unit_command({"ps"}).out.find("starter-" + std::to_string(getpid()) + " ") == std::string::npos;
-  }));
+  EXPECT_TRUE(eventually(
+      [] { return unit_command({"ps"}).out.find("starter-" + std::to_string(getpid()) + " ") == std::string::npos; }));
 }
 
 }  // namespace
