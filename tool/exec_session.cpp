@@ -22,8 +22,22 @@ using nlohmann::json;
 
 constexpr std::chrono::milliseconds AT_ONCE{0};
 
+/// The path on the unit of a program in this program's build folder; other paths are returned unchanged.
+std::string seen_inside(const std::string& path) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const fs::path whole = fs::canonical(path, error);
+  if (error || path.find('/') == std::string::npos) {
+    return path;
+  }
+  const std::string build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().string() + '/';
+  return whole.string().rfind(build, 0) == 0 ? "/opt/unit/" + whole.string().substr(build.size()) : path;
+}
+
 json request_of(const UnitCommand& command) {
-  json request = {{"argv", command.argv},
+  std::vector<std::string> words = command.argv;
+  words.front() = seen_inside(words.front());
+  json request = {{"argv", words},
                   {"environment", command.environment},
                   {"directory", "/"},
                   {"stdin", command.input},

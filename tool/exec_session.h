@@ -15,7 +15,7 @@ namespace tool {
 
 /// A command to run on a unit.
 struct UnitCommand {
-  std::vector<std::string> argv;
+  std::vector<std::string> argv;  ///< a program in the build folder may be named by its path there
   std::map<std::string, std::string> environment;
   bool terminal = false;  ///< gives it a terminal of its own, of the size of the one on standard input
   bool input = true;      ///< passes standard input on; otherwise it has none

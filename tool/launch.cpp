@@ -187,18 +187,19 @@ std::string unit_file_text(const std::string& path) {
     refuse(std::string("cannot be read: ") + std::strerror(error));
   }
   if (!regular) {
-    refuse(S_ISDIR(status.st_mode) ? "is a folder, not a file" : "not a regular file");
+    refuse("not a regular file");
   }
   if (size > LARGEST_UNIT_FILE) {
-    refuse("too large: a unit file may hold 1 MiB");
+    refuse("larger than " + std::to_string(LARGEST_UNIT_FILE) + " bytes");
   }
   text.resize(size);
-  const std::size_t zero = text.find('\0');
-  if (zero != std::string::npos) {
-    refuse("byte " + std::to_string(zero + 1) + " is NUL");
-  }
-  if (!is_utf8(text)) {
-    refuse("not valid UTF-8");
+  // Other bytes cannot be passed on; whatever else is wrong is reported where the text is read.
+  const std::size_t valid = valid_utf8(text);
+  if (valid != text.size()) {
+    const std::size_t line_begin = text.rfind('\n', valid) + 1;
+    refuse("line " +
+           std::to_string(1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(valid), '\n')) +
+           ", column " + std::to_string(valid - line_begin + 1) + ": byte that is not UTF-8");
   }
   return text;
 }

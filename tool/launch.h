@@ -20,7 +20,7 @@ nlohmann::json launch_document(const Arguments& arguments);
 /// The path made absolute.
 std::string whole_path(const std::string& path);
 
-/// The text of a unit file: a regular file of at most 1 MiB in UTF-8, without NUL bytes. Throws UsageError.
+/// The text of a unit file: a regular file of at most 1 MiB in UTF-8. Throws UsageError.
 std::string unit_file_text(const std::string& path);
 
 /// The words of a command line with '…', "…" and backslashes, as a shell splits it. Throws UsageError naming `what`.

@@ -67,15 +67,16 @@ std::string escaped_except(std::string_view text, std::string_view kept) {
 
 }  // namespace
 
-bool is_utf8(std::string_view text) {
-  while (!text.empty()) {
-    const std::size_t length = character(text);
+std::size_t valid_utf8(std::string_view text) {
+  std::size_t valid = 0;
+  while (valid < text.size()) {
+    const std::size_t length = character(text.substr(valid));
     if (length == 0) {
-      return false;
+      break;
     }
-    text.remove_prefix(length);
+    valid += length;
   }
-  return true;
+  return valid;
 }
 
 std::string printable(std::string_view text) {

@@ -5,8 +5,11 @@
 
 namespace tool {
 
-/// Whether the bytes are valid UTF-8.
-bool is_utf8(std::string_view text);
+/// Number of bytes before the first that is not valid UTF-8; all if the text is valid.
+std::size_t valid_utf8(std::string_view text);
+inline bool is_utf8(std::string_view text) {
+  return valid_utf8(text) == text.size();
+}
 /// The text with control characters escaped ("\x1b", "\n"), for one line on a terminal. Invalid bytes are escaped too.
 std::string printable(std::string_view text);
 /// As printable(), but newlines and tabs stay.

@@ -74,7 +74,7 @@ TEST(UnitFileTest, WhatIsNoRegularFileIsRefusedAtOnce) {
                                                                        {link, "not a regular file"},
                                                                        {"/dev/zero", "not a regular file"},
                                                                        {"/dev/tty", ""},
-                                                                       {"/tmp", "is a folder, not a file"}}) {
+                                                                       {"/tmp", "not a regular file"}}) {
     const Ending ending = unit_command({"run", "--unit-file", path, "--", "true"});
     EXPECT_THAT(ending, ExitedWith(2));
     EXPECT_THAT(ending.err, testing::StartsWith("unit: run: " + path + ": " + reason));
@@ -84,13 +84,13 @@ TEST(UnitFileTest, WhatIsNoRegularFileIsRefusedAtOnce) {
 TEST(UnitFileTest, AnEndlessFileAndOneWithNulBytesAreRefused) {
   const OutsideFile large("{}" + std::string(1024 * 1024, ' '));
   EXPECT_EQ(unit_command({"run", "--unit-file", large.path(), "--", "true"}).err,
-            "unit: run: " + large.path() + ": too large: a unit file may hold 1 MiB\n");
+            "unit: run: " + large.path() + ": larger than 1048576 bytes\n");
   const OutsideFile with_nul(std::string("{}\0", 3));
   EXPECT_EQ(unit_command({"run", "--unit-file", with_nul.path(), "--", "true"}).err,
-            "unit: run: " + with_nul.path() + ": byte 3 is NUL\n");
+            "unit: run: " + with_nul.path() + ": line 1, column 3: NUL byte\n");
   const OutsideFile bytes("{\"\xff\":1}");
   EXPECT_EQ(unit_command({"run", "--unit-file", bytes.path(), "--", "true"}).err,
-            "unit: run: " + bytes.path() + ": not valid UTF-8\n");
+            "unit: run: " + bytes.path() + ": line 1, column 3: byte that is not UTF-8\n");
 }
 
 TEST(LibraryTest, ALibraryThatIsNotThereIsTheLoadersToReport) {

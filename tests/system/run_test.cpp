@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "tests/system/command_line.h"
+#include "tests/system/terminal.h"
 
 namespace {
 
@@ -140,6 +141,22 @@ TEST_F(RunTest, AHostOfOnesOwnRunsUnderATool) {
   const Ending own = unit_command({"run", "--once", "--host", "/bin/false"});
   EXPECT_THAT(own, ExitedWith(1));
   EXPECT_THAT(own.err, MatchesRegex("unit: run: host exited with status 1; logs: [^\n]+\n"));
+}
+
+TEST_F(RunTest, AToolHasTheTerminalThatThisCommandHas) {
+  Terminal terminal;
+  OutsideProgram run({built_program("unit"), "run", "--wrap", "env GREETING=hello"}, "",
+                     [&terminal] { terminal.take_over(); });
+  EXPECT_TRUE(eventually([] {
+    return unit_command({"call", "GetMaxInterfaces"}).out == "result: 1\n";
+  })) << terminal.written();
+  EXPECT_TRUE(terminal.shows("BASE_HARDWARE::BASE_HARDWARE1 0x"));
+  terminal.type("\x03");
+  EXPECT_THAT(run.wait(), ExitedWith(0));
+}
+
+TEST_F(RunTest, AProgramOfTheBuildIsFoundByItsPathThere) {
+  EXPECT_THAT(unit_command({"run", "--", built_program("unit-host"), "--colour"}), ExitedWith(2));
 }
 
 TEST_F(RunTest, AHostThatIsKilledIsReportedWithItsLogs) {

@@ -108,4 +108,29 @@ TEST_F(UsageTest, NamesAreCompletedByTheRunningUnit) {
   EXPECT_THAT(unit_command({"stop"}), ExitedWith(0));
 }
 
+TEST_F(UsageTest, TheShellCompletesWithTheProgramsWords) {
+  const std::string script =
+      "PATH=" BUILD_FOLDER "/bin:$PATH; . " BUILD_FOLDER
+      "/share/bash-completion/completions/unit\n"
+      "COMP_WORDS=(unit sta); COMP_CWORD=1; _unit; echo \"${COMPREPLY[@]}\"\n"
+      "COMP_WORDS=(unit run --unit-file /etc/passw); COMP_CWORD=3; _unit; echo \"${COMPREPLY[@]}\"\n"
+      "complete -p unit\n";
+  const Ending ending = OutsideProgram({"/bin/bash", "-c", script}).wait();
+  EXPECT_THAT(ending.out, StartsWith("status\n/etc/passwd"));
+  EXPECT_THAT(ending.out, testing::EndsWith("complete -F _unit unit\n"));
+}
+
+TEST_F(UsageTest, AnInstallationWorks) {
+  const OutsideFolder prefix;
+  const Ending ending =
+      OutsideProgram({"/bin/sh", "-c", "exec cmake --install " BUILD_FOLDER " --prefix " + prefix.path()}).wait();
+  ASSERT_THAT(ending, ExitedWith(0)) << ending.err;
+  EXPECT_THAT(OutsideProgram({prefix.path() + "/bin/unit", "run", "--", "sh", "-c", "exit 7"}).wait(), ExitedWith(7));
+  EXPECT_THAT(OutsideProgram({prefix.path() + "/bin/unit", "run", "--once"}).wait(), ExitedWith(0));
+  for (const char* file : {"man/man1/unit.1", "man/man1/unit-run.1", "man/man5/unit-file.5",
+                           "bash-completion/completions/unit", "zsh/site-functions/_unit"}) {
+    EXPECT_TRUE(std::filesystem::is_regular_file(prefix.path() + "/share/" + file)) << file;
+  }
+}
+
 }  // namespace

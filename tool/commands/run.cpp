@@ -1,4 +1,4 @@
-#include <unistd.h>
+#include <filesystem>
 
 #include "tool/commands/table.h"
 #include "tool/connection.h"
@@ -15,6 +15,8 @@
 
 namespace tool {
 namespace {
+
+namespace fs = std::filesystem;
 
 using control::client::ApiError;
 using control::client::Client;
@@ -56,15 +58,19 @@ int run_on_fresh_unit(const json& launch, std::vector<std::string> words) {
   return status;
 }
 
-/// The command line of a host that a tool runs on the terminal.
-std::vector<std::string> wrapped_host(const Arguments& arguments, const json& launch) {
+/// The command line of a host that a tool runs on the terminal; its library is shown on the unit under its own path.
+std::vector<std::string> wrapped_host(const Arguments& arguments, json& launch) {
   std::vector<std::string> words = shell_words("--wrap", arguments.text("wrap"));
   const std::string program = arguments.value("host").value_or(HOST);
   words.push_back(program == HOST ? HOST_INSIDE : program);
   if (program == HOST) {
     words.insert(words.end(), {"--socket", "/run/unit/host.sock"});
-    if (!launch["library"].get<std::string>().empty()) {
-      words.insert(words.end(), {"--library", launch["library"]});
+    const std::string library = launch["library"];
+    if (!library.empty()) {
+      words.insert(words.end(), {"--library", library});
+    }
+    if (fs::exists(library)) {
+      launch["binds"].push_back(library);
     }
   }
   return words;
@@ -159,12 +165,13 @@ int run(const Arguments& arguments) {
   if (arguments.has("once") && arguments.has("detach")) {
     throw UsageError("--once: cannot be used with --detach");
   }
-  const json launch = document_of(arguments);
+  json launch = document_of(arguments);
   if (arguments.has("COMMAND")) {
     return run_on_fresh_unit(launch, arguments.all("COMMAND"));
   }
   if (runs_on_terminal(arguments)) {
-    return run_on_fresh_unit(launch, wrapped_host(arguments, launch));
+    const std::vector<std::string> words = wrapped_host(arguments, launch);
+    return run_on_fresh_unit(launch, words);
   }
   return run_host(launch, arguments);
 }
