@@ -64,6 +64,7 @@ private:
   void read_body();
   void serve();
   void watch();
+  void give_up(Failure failure);
   void refuse(const RequestError& error);
   void after_answer(Failure failure);
   void linger();
@@ -87,7 +88,8 @@ void HttpConnection::limit(std::chrono::milliseconds time) {
   timer_.expires_after(time);
   timer_.async_wait([weak = std::weak_ptr<HttpConnection>(self())](Failure failure) {
     const auto connection = weak.lock();
-    if (!failure && connection != nullptr) {
+    // A limit that has been replaced may pass all the same.
+    if (!failure && connection != nullptr && connection->timer_.expiry() <= asio::steady_timer::clock_type::now()) {
       connection->time_out();
     }
   });
@@ -139,12 +141,8 @@ void HttpConnection::after_header(Failure failure) {
   }
   if (late_) {
     refuse({408, "request did not arrive in time"});
-  } else if (failure == http::error::end_of_stream) {
-    close();
-  } else if (failure.category() != http::make_error_code(http::error::end_of_stream).category() && failure) {
-    close();
   } else if (failure) {
-    refuse(error_of(failure));
+    give_up(failure);
   } else if (parser_->get().version() != 11) {
     refuse({400, "must be HTTP/1.1"});
   } else if (boost::beast::iequals(parser_->get()[http::field::expect], "100-continue")) {
@@ -166,15 +164,22 @@ void HttpConnection::read_body() {
     }
     if (self->late_) {
       self->refuse({408, "request did not arrive in time"});
-    } else if (!failure) {
-      self->serve();
-    } else if (failure.category() == http::make_error_code(http::error::body_limit).category() &&
-               failure != http::error::partial_message) {
-      self->refuse(error_of(failure));
+    } else if (failure) {
+      self->give_up(failure);
     } else {
-      self->close();
+      self->serve();
     }
   });
+}
+
+/// Answers a request that is not acceptable; closes the connection if it has broken or the client has ended it.
+void HttpConnection::give_up(Failure failure) {
+  const bool by_client = failure == http::error::end_of_stream || failure == http::error::partial_message;
+  if (by_client || failure.category() != http::make_error_code(http::error::body_limit).category()) {
+    close();
+  } else {
+    refuse(error_of(failure));
+  }
 }
 
 void HttpConnection::serve() {

@@ -11,6 +11,7 @@ using nlohmann::json;
 using nlohmann::ordered_json;
 
 constexpr unsigned MOST_LOG_STREAMS = 64;
+constexpr std::size_t LONGEST_REASON = 4000;  // bytes
 
 /// Whether a route is served while the unit stops.
 bool served_at_end(Server server) {
@@ -122,7 +123,7 @@ void Core::on_notice(const std::string& name, const json& notice) {
     note_credit(notice);
   } else if (name == "failed") {
     const json what = notice.value("what", json());
-    agent_.fail(what.is_string() ? what.get<std::string>() : "the unit could not be set up");
+    agent_.fail(what.is_string() ? what.get<std::string>().substr(0, LONGEST_REASON) : "the unit could not be set up");
   }
 }
 
