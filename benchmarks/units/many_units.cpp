@@ -130,11 +130,13 @@ void measure_many(int count) {
 
 void measure_one() {
   show("unit run -- true", median_of(STARTS, [] { command({"run", "--", "true"}); }), "ms");
-  show("start of a unit to its first version list", median_of(STARTS, [] {
-         const Launched unit = start();
-         read_versions(unit);
-         close(unit.lifeline);
-       }),
+  show("start of a unit to its first version list",
+       median_of(STARTS,
+                 [] {
+                   const Launched unit = start();
+                   read_versions(unit);
+                   close(unit.lifeline);
+                 }),
        "ms");
   const Launched unit = start();
   const std::string name = unit.unit.name;

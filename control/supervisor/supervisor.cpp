@@ -384,7 +384,7 @@ std::string Supervisor::failure() {
     while (!output.empty() && output.back() == '\n') {
       output.pop_back();
     }
-    return text + "\n" + output;
+    return text + ": " + output;
   }
   return text;
 }

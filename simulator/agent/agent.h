@@ -14,8 +14,8 @@ namespace simulator::agent {
 /// The unit's first process: sets the unit up as ordered, answers the control service's requests, streams the output of
 /// commands and logs, reaps every orphan of the unit. The process ends with the service.
 ///
-/// The main thread runs an event loop and starts all processes; the set-up and each request run on threads of their own,
-/// so that a request that blocks holds up no other.
+/// The main thread runs an event loop and starts all processes; the set-up and each request run on threads of their
+/// own, so that a request that blocks holds up no other.
 class Agent {
 public:
   /// `channel`: the socket to the service.
@@ -23,8 +23,8 @@ public:
   Agent(const Agent&) = delete;
   Agent& operator=(const Agent&) = delete;
 
-  /// Serves until the service closes the channel or orders the end. Throws channel::FrameError if the service breaks the
-  /// protocol.
+  /// Serves until the service closes the channel or orders the end. Throws channel::FrameError if the service breaks
+  /// the protocol.
   void run();
 
 private:

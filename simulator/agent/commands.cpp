@@ -113,8 +113,7 @@ void Commands::open_terminal(Command& command, int& slave) const {
   set_nonblocking(master);
 }
 
-std::pair<std::uint32_t, pid_t> Commands::start(const CommandLine& line,
-                                                std::function<void(const CommandEnd&)> ended) {
+std::pair<std::uint32_t, pid_t> Commands::start(const CommandLine& line, std::function<void(const CommandEnd&)> ended) {
   if (commands_.size() >= MOST_COMMANDS) {
     throw Refusal(CONFLICT, "too many commands are running; at most " + std::to_string(MOST_COMMANDS) + " are allowed");
   }
@@ -346,8 +345,8 @@ void Commands::kill_abandoned() {
 void Commands::note_exit(pid_t process, int wait_status) {
   for (const auto& [stream, command] : commands_) {
     if (command->process == process) {
-      command->end = WIFEXITED(wait_status) ? CommandEnd{WEXITSTATUS(wait_status), {}}
-                                            : CommandEnd{{}, WTERMSIG(wait_status)};
+      command->end =
+          WIFEXITED(wait_status) ? CommandEnd{WEXITSTATUS(wait_status), {}} : CommandEnd{{}, WTERMSIG(wait_status)};
     }
   }
 }

@@ -21,8 +21,8 @@ struct CommandLine {
   std::vector<std::string> words;  ///< at least one; the program is found in PATH
   std::vector<std::pair<std::string, std::string>> environment;
   std::string directory = "/";
-  bool input = false;                                ///< takes input; otherwise it reads an empty one
-  std::optional<std::pair<int, int>> terminal;       ///< rows and columns of a terminal of its own
+  bool input = false;                           ///< takes input; otherwise it reads an empty one
+  std::optional<std::pair<int, int>> terminal;  ///< rows and columns of a terminal of its own
 };
 
 /// How a command ended: one of the two.
@@ -44,8 +44,7 @@ public:
   /// Starts a command and returns its stream and process. `ended` is called when it has exited and its output has been
   /// sent; empty: the service is told. Throws Refusal (CONFLICT: too many commands) and
   /// std::system_error.
-  std::pair<std::uint32_t, pid_t> start(const CommandLine& line,
-                                        std::function<void(const CommandEnd&)> ended = {});
+  std::pair<std::uint32_t, pid_t> start(const CommandLine& line, std::function<void(const CommandEnd&)> ended = {});
   /// A stream for a command that could not be started.
   std::uint32_t next_stream();
   /// Starts a program whose standard output and error are the logs NAME.out and NAME.err. `ended` is called when it has

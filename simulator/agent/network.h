@@ -10,7 +10,8 @@ void prepare_loopback();
 
 /// Creates the interface eth0, up and without address. Its far end, srv0 with address 10.77.0.1/24, is in its own
 /// network namespace, kept by a child process; with `dhcp_server` that process is a DHCP server, ready when this
-/// returns. `log`: descriptor that receives its output. Throws std::runtime_error if the interface cannot be created or the server does not start.
+/// returns. `log`: descriptor that receives its output. Throws std::runtime_error if the interface cannot be created or
+/// the server does not start.
 void make_eth0(bool dhcp_server, int log);
 
 }  // namespace simulator::agent

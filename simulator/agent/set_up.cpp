@@ -23,12 +23,10 @@ namespace {
 
 constexpr const char* RUN_FOLDER = "/run/unit";
 
-/// Runs last in a shutdown; adds a line to the record of calls and creates a marker file. A fault of the script ends it
-/// first.
+/// Runs last in a shutdown; crosses its fault point, which also records the call, and creates a marker file.
 constexpr const char* SHUTDOWN_SCRIPT =
     "#!/bin/sh\n"
     "/opt/unit/bin/unit-command shutdown || exit\n"
-    "/opt/unit/bin/unit-record /root/.shutdown\n"
     "touch /run/unit/shutdown\n";
 
 /// OpenDDS discovers the other processes by multicast on the loopback interface and sends by unicast. With its default

@@ -205,7 +205,7 @@ TEST_F(RunTest, AnsweringOkShutsANewUnitDown) {
               ElementsAre("psdriver.interrupt", "locker.take", "orb.lookup", "orb.lookup", "orb.lookup",
                           "gui.ShowDialog", "gui.ShowDialog", "gui.SetDialogSize", "everybody_engine.GetShutdown",
                           "locker.Init_core", "everybody_engine.ShutdownAll", "hw_enumerate.ShutdownEngine",
-                          "/root/.shutdown", "psdriver.SetUserInterface_CommunicationStatus"));
+                          "shell.shutdown", "psdriver.SetUserInterface_CommunicationStatus"));
   EXPECT_THAT(ending.err, HasSubstr("Do you want to shutdown?"));
   EXPECT_EQ(unit_command({"ps", "--json"}).out, "[]\n");
 }

@@ -155,6 +155,8 @@ TEST_F(ScreenTest, ErrorsAreShownOnTheScreenAndAgainWhenTheHostHasEnded) {
   start({{"TERM", "xterm"}, {"TMPDIR", folder_.path()}});
   ASSERT_TRUE(shows_all());
   unit_command({"call", "NetworkOff", "; echo last words >&2; kill -KILL $PPID #"});
+  // The terminal is read meanwhile: it takes no more than its buffer holds.
+  EXPECT_TRUE(terminal_->shows(GIVE_SCREEN_BACK));
   const Ending ending = run_->wait();
   EXPECT_THAT(ending, ExitedWith(1));
   EXPECT_THAT(ending.err, MatchesRegex("(host: [^\n]*\n)*host: last words\n"

@@ -29,7 +29,7 @@ inline const std::vector<std::string> SCREEN = {"gui.ShowDialog", "gui.SetDialog
 inline const std::vector<std::string> EVERYBODY = {"everybody_engine.GetShutdown", "locker.Init_core",
                                                    "everybody_engine.ShutdownAll"};
 inline const std::vector<std::string> ENUMERATION = {"hw_enumerate.ShutdownEngine"};
-inline const std::vector<std::string> HARDWARE = {"/root/.shutdown", "psdriver.SetUserInterface_CommunicationStatus"};
+inline const std::vector<std::string> HARDWARE = {"shell.shutdown", "psdriver.SetUserInterface_CommunicationStatus"};
 
 inline std::vector<std::string> joined(std::initializer_list<std::vector<std::string>> parts) {
   std::vector<std::string> all;

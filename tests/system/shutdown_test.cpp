@@ -40,8 +40,8 @@ TEST_F(ShutdownTest, EveryCallCarriesItsArguments) {
           json{{"title", QUESTION}, {"text", "Do you want to shutdown?"}, {"buttons", "Cancel,1|Ok,0"}, {"wait", 1}},
           json{{"title", "Shutdown"}, {"text", screen}, {"buttons", ""}, {"wait", 0}},
           json{{"title", "Shutdown"}, {"size", "Max"}}, json::object(), json::object(),
-          json{{"process", host_.pid()}, {"serial", 1}}, json{{"engine", "SYSTEM_ENGINE1"}}, json::object(),
-          json{{"value", 256}}));
+          json{{"process", host_.pid()}, {"serial", 1}}, json{{"engine", "SYSTEM_ENGINE1"}},
+          json::parse(R"({"arguments":[]})"), json{{"value", 256}}));
 }
 
 TEST_F(ShutdownTest, AnswerCancelEndsTheRequest) {

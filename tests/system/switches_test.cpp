@@ -95,7 +95,7 @@ TEST_F(SwitchesTest, AQuestionThatIsOpenIsTheOneThatIsAnswered) {
   // The calls that the answer causes; the interrupt came before the record was on.
   EXPECT_THAT(names_in(document["calls"]),
               ElementsAre("gui.ShowDialog", "gui.SetDialogSize", "everybody_engine.GetShutdown", "locker.Init_core",
-                          "everybody_engine.ShutdownAll", "hw_enumerate.ShutdownEngine", "/root/.shutdown",
+                          "everybody_engine.ShutdownAll", "hw_enumerate.ShutdownEngine", "shell.shutdown",
                           "psdriver.SetUserInterface_CommunicationStatus"));
   EXPECT_EQ(json::parse(said("dialogs", {"--json"})).size(), 2U) << "asked once";
 }

@@ -125,8 +125,12 @@ std::string SimulatedUnit::stream_file(int number, const char* stream) const {
 Program SimulatedUnit::run(std::vector<std::string> line, const std::map<std::string, std::string>& environment) {
   const int number = static_cast<int>(programs_.size());
   line.front() = place_inside(line.front());
-  std::vector<std::string> words{"/bin/sh", "-c", "out=$1 err=$2; shift 2; exec \"$@\" >>\"$out\" 2>>\"$err\"", "sh",
-                                 stream_file(number, "out"), stream_file(number, "err")};
+  std::vector<std::string> words{"/bin/sh",
+                                 "-c",
+                                 "out=$1 err=$2; shift 2; exec \"$@\" >>\"$out\" 2>>\"$err\"",
+                                 "sh",
+                                 stream_file(number, "out"),
+                                 stream_file(number, "err")};
   words.insert(words.end(), line.begin(), line.end());
   programs_.push_back(std::make_unique<Known>(
       Known{Command(launched_->unit.socket(), {{"argv", words}, {"environment", environment}}), 0, {}, false}));

@@ -80,7 +80,7 @@ std::vector<std::string> wrapped_host(const Arguments& arguments, json& launch) 
 /// Calls an operation for "--once"; the host's output is shown meanwhile.
 ordered_json call(Client& client, const std::string& operation, const json& arguments) {
   try {
-    const ordered_json answer =
+    ordered_json answer =
         client.send("POST", "/v1/operations/" + operation, {{"args", arguments}, {"timeout_ms", PATIENCE_ONCE_MS}});
     const std::string exception = exception_in(answer);
     if (!exception.empty()) {

@@ -106,7 +106,7 @@ private:
     }
     bool shut_down = false;
     for (const ordered_json& call : calls) {
-      shut_down = shut_down || call.value("at", "") == "/root/.shutdown";
+      shut_down = shut_down || call.value("at", "") == "shell.shutdown";
     }
     if (shut_down) {
       for (const ordered_json& dialog : connection_.rows("/v1/dialogs", "dialogs")) {

@@ -202,6 +202,14 @@ TEST(OpenApiTest, DescribesTheAnswersOfTheRunningService) {
   EXPECT_EQ(violation_in("stream", "/v1/stream", stream.until("\r\n\r\n")), "");
 }
 
+TEST(OpenApiTest, ThePageShowsEveryRoute) {
+  const std::string page = doubles::text_of(CONTROL_API_PAGE);
+  for (const Route& route : routes()) {
+    const std::string shown = std::string("`") + route.method + ' ' + route.path;
+    EXPECT_NE(page.find(shown), std::string::npos) << shown;
+  }
+}
+
 TEST(OpenApiTest, ViolationsAreFound) {
   const json setting = {{"name", "a"},        {"type", "number"},   {"unit", ""}, {"minimum", 0},
                         {"maximum", nullptr}, {"choices", {"one"}}, {"doc", ""},  {"value", 5}};

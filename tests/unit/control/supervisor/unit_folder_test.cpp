@@ -158,8 +158,8 @@ TEST_F(UnitFolderTest, ANameTooLongForASocketIsRefused) {
     unit.listen();
     FAIL() << "listens";
   } catch (const LaunchError& error) {
-    EXPECT_EQ(std::string(error.what()), unit.path().string() +
-                                             "/control.sock: name too long for a socket; at most 107 bytes are allowed");
+    EXPECT_EQ(std::string(error.what()),
+              unit.path().string() + "/control.sock: name too long for a socket; at most 107 bytes are allowed");
   }
 }
 

@@ -32,9 +32,9 @@ simulator::sysroot::RootOptions RealAgent::default_options() {
 }
 
 Json RealAgent::plain_orders() {
-  return {{"unit_file_name", "test"},     {"unit_file", "{}"},      {"services", false}, {"without", Json::array()},
-          {"network", false},             {"dhcp_server", false},   {"record", false},   {"host", Json::array()},
-          {"host_serves", true},          {"processes", 512},       {"open_files", 1024}, {"root_mib", 64}};
+  return {{"unit_file_name", "test"}, {"unit_file", "{}"},    {"services", false},  {"without", Json::array()},
+          {"network", false},         {"dhcp_server", false}, {"record", false},    {"host", Json::array()},
+          {"host_serves", true},      {"processes", 512},     {"open_files", 1024}, {"root_mib", 64}};
 }
 
 RealAgent::RealAgent(const simulator::sysroot::RootOptions& options) {

@@ -118,7 +118,8 @@ TEST(AgentTest, ACallThatNeverReturnsHoldsUpNoOther) {
   orders["unit_file"] = R"({"faults":{"psdriver":{"GetBatteryRelativeStateOfCharge":"no_reply"}}})";
   ASSERT_EQ(agent.set_up(orders)["notice"], "ready");
   agent.begin("operations.call", {{"name", "GetBatteryChargeStatus"}});
-  const Json error = agent.request("operations.call", {{"name", "GetBatteryChargeStatus"}, {"timeout_ms", 50}})["error"];
+  const Json error =
+      agent.request("operations.call", {{"name", "GetBatteryChargeStatus"}, {"timeout_ms", 50}})["error"];
   EXPECT_EQ(error["code"], 504);
   EXPECT_EQ(agent.request("operations.call", {{"name", "GetMaxInterfaces"}})["result"], 1);
 }

@@ -108,8 +108,8 @@ TEST_F(CommandsTest, AProcessLeftBehindDoesNotHoldUpTheEnd) {
 
 TEST_F(CommandsTest, OrphansAreReaped) {
   agent_.run({"sh", "-c", "(sh -c 'exit 0' &)"});
-  const Json end = agent_.run({"sh", "-c",
-                               "n=1; while [ $n != 0 ]; do n=$(cat /proc/[0-9]*/stat | grep -c ' Z '); done; echo none"});
+  const Json end = agent_.run(
+      {"sh", "-c", "n=1; while [ $n != 0 ]; do n=$(cat /proc/[0-9]*/stat | grep -c ' Z '); done; echo none"});
   EXPECT_EQ(end["out"], "none\n");
 }
 

@@ -19,8 +19,7 @@ protected:
     return std::search(line_.begin(), line_.end(), sequence.begin(), sequence.end()) != line_.end();
   }
 
-  BwrapCommand bwrap_{
-      {"/the/build", {"/some/sources"}, {{"/a/library.so", "/run/unit/library/library.so"}}, 3}};
+  BwrapCommand bwrap_{{"/the/build", {"/some/sources"}, {{"/a/library.so", "/run/unit/library/library.so"}}, 3}};
   Words line_ = bwrap_.line({{"NAME", "value"}, {"OTHER", ""}}, {"program", "--option"});
 };
 
