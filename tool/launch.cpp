@@ -1,34 +1,23 @@
 #include "tool/launch.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstring>
+#include <filesystem>
 
-#include "control/client/client.h"
 #include "tool/errors.h"
 #include "tool/exec_session.h"
 #include "tool/nearest.h"
 #include "tool/numbers.h"
 #include "tool/text.h"
+#include "tool/unit_file.h"
 
 namespace tool {
 namespace fs = std::filesystem;
 
-using control::client::FoundUnit;
 using nlohmann::json;
 
 namespace {
-
-constexpr std::size_t LARGEST_UNIT_FILE = 1024 * 1024;
-constexpr int PATIENCE_AT_END_MS = 10000;
 
 const std::vector<std::string> SERVICES = {"gui_manager", "everybody_engine", "hw_enumerate"};
 
@@ -162,48 +151,6 @@ std::string whole_path(const std::string& path) {
   return fs::absolute(path).lexically_normal().string();
 }
 
-std::string unit_file_text(const std::string& path) {
-  const auto refuse = [&path](const std::string& reason) { throw UsageError(path + ": " + reason); };
-  // Opening a FIFO or a device waits for nobody.
-  const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (file == -1) {
-    refuse(std::string("cannot be read: ") + std::strerror(errno));
-  }
-  struct stat status {};
-  std::string text(LARGEST_UNIT_FILE + 1, '\0');
-  std::size_t size = 0;
-  int error = fstat(file, &status) == 0 ? 0 : errno;
-  const bool regular = S_ISREG(status.st_mode);
-  while (regular && error == 0 && size < text.size()) {
-    const ssize_t part = read(file, text.data() + size, text.size() - size);
-    if (part == 0) {
-      break;
-    }
-    error = part < 0 && errno != EINTR ? errno : 0;
-    size += part > 0 ? static_cast<std::size_t>(part) : 0;
-  }
-  close(file);
-  if (error != 0) {
-    refuse(std::string("cannot be read: ") + std::strerror(error));
-  }
-  if (!regular) {
-    refuse("not a regular file");
-  }
-  if (size > LARGEST_UNIT_FILE) {
-    refuse("larger than " + std::to_string(LARGEST_UNIT_FILE) + " bytes");
-  }
-  text.resize(size);
-  // Other bytes cannot be passed on; whatever else is wrong is reported where the text is read.
-  const std::size_t valid = valid_utf8(text);
-  if (valid != text.size()) {
-    const std::size_t line_begin = text.rfind('\n', valid) + 1;
-    refuse("line " +
-           std::to_string(1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(valid), '\n')) +
-           ", column " + std::to_string(valid - line_begin + 1) + ": byte that is not UTF-8");
-  }
-  return text;
-}
-
 std::vector<std::string> shell_words(const std::string& what, const std::string& text) {
   std::vector<std::string> words;
   bool in_word = false;
@@ -232,54 +179,6 @@ std::vector<std::string> shell_words(const std::string& what, const std::string&
     throw UsageError(what + ": unterminated " + quote);
   }
   return words;
-}
-
-StartedUnit::StartedUnit(const json& launch) : launched_(control::client::start_unit(launch)) {}
-
-StartedUnit::~StartedUnit() {
-  try {
-    stop();
-  } catch (const std::exception&) {
-    // The unit ends with its lifeline.
-  }
-  if (launched_.lifeline != -1) {
-    close(launched_.lifeline);
-  }
-}
-
-void StartedUnit::detach() {
-  running_ = false;
-}
-
-void StartedUnit::stop() {
-  if (running_) {
-    running_ = false;
-    stop_unit(launched_.unit);
-  }
-}
-
-void stop_unit(const FoundUnit& unit) {
-  const int supervisor = static_cast<int>(syscall(SYS_pidfd_open, unit.supervisor, 0));
-  if (supervisor == -1) {
-    return;
-  }
-  try {
-    control::client::Client(unit.socket()).send("POST", "/v1/unit/stop", json::object());
-  } catch (const control::client::ApiError&) {
-    // It is stopping already.
-  } catch (const control::client::ConnectionError&) {
-    // No service answers: the supervisor ends the unit. It holds the unit's lock, so the number is still its own.
-    syscall(SYS_pidfd_send_signal, supervisor, SIGTERM, nullptr, 0);
-  }
-  pollfd ended{supervisor, POLLIN, 0};
-  int result = 0;
-  do {
-    result = poll(&ended, 1, PATIENCE_AT_END_MS);
-  } while (result == -1 && errno == EINTR);
-  close(supervisor);
-  if (result == 0) {
-    throw CommandError(STATUS_FAILED, unit.name + ": did not stop within 10 s");
-  }
 }
 
 }  // namespace tool

@@ -10,6 +10,7 @@
 #include "tool/live_view.h"
 #include "tool/operations.h"
 #include "tool/output.h"
+#include "tool/started_unit.h"
 #include "tool/terminal.h"
 #include "tool/unit_state.h"
 

@@ -1,8 +1,5 @@
 #include <poll.h>
-#include <strings.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 
 #include "tool/commands/interrupts.h"
@@ -13,6 +10,8 @@
 #include "tool/host_output.h"
 #include "tool/launch.h"
 #include "tool/output.h"
+#include "tool/prompt.h"
+#include "tool/started_unit.h"
 #include "tool/text.h"
 
 namespace tool {
@@ -34,7 +33,7 @@ public:
       : connection_(unit),
         switch_(unit.socket()),
         output_(unit.socket()),
-        screen_(as_json ? stderr : stdout),
+        prompt_(as_json ? stderr : stdout, output_),
         as_json_(as_json) {}
 
   void run() {
@@ -95,44 +94,9 @@ private:
   }
 
   void answer(const ordered_json& dialog) {
-    const std::string label = ask(dialog);
+    const std::string label = prompt_.ask(dialog);
     connection_.send("POST", "/v1/dialogs/" + dialog.at("id").dump() + "/answer", {{"button", label}});
     deadline_ = Clock::now() + PATIENCE;
-  }
-
-  /// The label of the button chosen on standard input by its label or number. Asks again until the answer is valid.
-  std::string ask(const ordered_json& dialog) {
-    say(dialog_as_text(dialog));
-    for (;;) {
-      say("answer: ");
-      const std::optional<std::string> line = read_line();
-      if (!line) {
-        throw CommandError(STATUS_FAILED, "standard input ended before the question was answered");
-      }
-      if (const auto label = button_meant(dialog, *line)) {
-        return *label;
-      }
-      say("no button \"" + printable(*line) + "\"\n");
-    }
-  }
-
-  /// One line of standard input; none at its end. The host's output is shown meanwhile.
-  std::optional<std::string> read_line() {
-    std::string line;
-    for (char byte = 0;; line += byte) {
-      output_.wait_readable(STDIN_FILENO);
-      const ssize_t size = read(STDIN_FILENO, &byte, 1);
-      if (size == -1 && errno == EINTR) {
-        byte = '\0';
-        continue;
-      }
-      if (size != 1) {
-        return line.empty() ? std::nullopt : std::optional(line);
-      }
-      if (byte == '\n') {
-        return line;
-      }
-    }
   }
 
   void report() {
@@ -147,7 +111,7 @@ private:
     if (shut_down) {
       for (const ordered_json& dialog : connection_.rows("/v1/dialogs", "dialogs")) {
         if (!dialog.at("waits").get<bool>()) {
-          say(dialog_as_text(dialog));
+          prompt_.say(dialog_as_text(dialog));
         }
       }
     }
@@ -182,19 +146,10 @@ private:
     }
   }
 
-  void say(const std::string& text) const {
-    if (screen_ == stdout) {
-      print(text);
-      flush_output();
-    } else {
-      std::fputs(text.c_str(), screen_);
-    }
-  }
-
   Connection connection_;
   Client switch_;
   HostOutput output_;
-  std::FILE* screen_;
+  Prompt prompt_;
   bool as_json_;
   bool strange_ = false;  ///< the request was somebody else's
   std::int64_t first_ = 0;

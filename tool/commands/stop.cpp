@@ -1,7 +1,7 @@
 #include "tool/commands/table.h"
 #include "tool/connection.h"
 #include "tool/errors.h"
-#include "tool/launch.h"
+#include "tool/started_unit.h"
 
 namespace tool {
 namespace {

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include "tests/doubles/temporary_folder.h"
 #include "tool/errors.h"
@@ -76,24 +75,6 @@ TEST(LaunchTest, BadOptionsAreRefused) {
             "--without: unknown part \"gui_manger\"; did you mean gui_manager?");
   EXPECT_EQ(refusal([] { launch({"--env", "=x"}); }), "--env: must be NAME=VALUE, not \"=x\"");
   EXPECT_EQ(refusal([] { launch({"--bind", "/none"}); }), "--bind: /none: no such file or folder");
-}
-
-TEST(LaunchTest, AUnitFileIsARegularFileOfAtMostOneMebibyte) {
-  const doubles::TemporaryFolder folder;
-  const std::string file = folder / "unit.json";
-  const auto reason = [&file] { return refusal([&] { unit_file_text(file); }).substr(file.size() + 2); };
-  EXPECT_EQ(reason(), "cannot be read: No such file or directory");
-  doubles::write_text(file, std::string(1024 * 1024, ' '));
-  EXPECT_EQ(unit_file_text(file).size(), 1024U * 1024U);
-  doubles::write_text(file, std::string(1024 * 1024 + 1, ' '));
-  EXPECT_EQ(reason(), "larger than 1048576 bytes");
-  doubles::write_text(file, "{\n \"\x80\":1}");
-  EXPECT_EQ(reason(), "line 2, column 3: byte that is not UTF-8");
-  std::filesystem::remove(file);
-  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
-  EXPECT_EQ(reason(), "not a regular file");
-  EXPECT_EQ(refusal([] { unit_file_text("/dev/zero"); }), "/dev/zero: not a regular file");
-  EXPECT_EQ(refusal([] { unit_file_text("/tmp"); }), "/tmp: not a regular file");
 }
 
 TEST(LaunchTest, WordsAreSplitAsAShellDoes) {
