@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include "handheld/driver_link.h"
@@ -56,6 +57,15 @@ void attempt(const Step& step) {
   }
 }
 
+/// A copy for a service. Throws std::bad_alloc; TAO itself returns null when memory runs out.
+CORBA::String_var copy_of(const char* text) {
+  char* const copy = CORBA::string_dup(text);
+  if (copy == nullptr) {
+    throw std::bad_alloc();
+  }
+  return copy;
+}
+
 /// False if the user declined. If the user cannot be asked, the shutdown counts as confirmed.
 bool user_agrees() {
   if (CORBA::is_nil(GuiManagerPtr.in())) {
@@ -63,9 +73,9 @@ bool user_agrees() {
   }
   CORBA::Long answer = ANSWER_OK;
   attempt([&answer] {
-    const CORBA::String_var title = CORBA::string_dup("System Prompt");
-    const CORBA::String_var text = CORBA::string_dup("Do you want to shutdown?");
-    const CORBA::String_var buttons = CORBA::string_dup("Cancel,1|Ok,0");
+    const CORBA::String_var title = copy_of("System Prompt");
+    const CORBA::String_var text = copy_of("Do you want to shutdown?");
+    const CORBA::String_var buttons = copy_of("Cancel,1|Ok,0");
     answer = GuiManagerPtr->ShowDialog(title.in(), text.in(), buttons.in(), 1);
   });
   return answer == ANSWER_OK;
@@ -76,14 +86,14 @@ void show_shutdown_screen() {
     return;
   }
   attempt([] {
-    const CORBA::String_var title = CORBA::string_dup("Shutdown");
-    const CORBA::String_var text = CORBA::string_dup(SHUTDOWN_SCREEN_TEXT);
-    const CORBA::String_var no_buttons = CORBA::string_dup("");
+    const CORBA::String_var title = copy_of("Shutdown");
+    const CORBA::String_var text = copy_of(SHUTDOWN_SCREEN_TEXT);
+    const CORBA::String_var no_buttons = copy_of("");
     GuiManagerPtr->ShowDialog(title.in(), text.in(), no_buttons.in(), 0);
   });
   attempt([] {
-    const CORBA::String_var title = CORBA::string_dup("Shutdown");
-    const CORBA::String_var size = CORBA::string_dup("Max");
+    const CORBA::String_var title = copy_of("Shutdown");
+    const CORBA::String_var size = copy_of("Max");
     GuiManagerPtr->SetDialogSize(title.in(), size.in());
   });
 }
@@ -111,7 +121,7 @@ void shut_down_hardware_engines() {
     return;
   }
   attempt([] {
-    const CORBA::String_var engine = CORBA::string_dup("SYSTEM_ENGINE1");
+    const CORBA::String_var engine = copy_of("SYSTEM_ENGINE1");
     EnumEngPtr->ShutdownEngine(engine.in());
   });
 }

@@ -16,6 +16,8 @@ std::atomic<long> living{0};
 thread_local std::size_t watched_size = 0;
 std::atomic<void*> watched{nullptr};
 std::atomic<bool> watched_released{false};
+/// The status with which its release ends the process; negative: it does not.
+std::atomic<int> status_at_release{-1};
 
 void* allocate(std::size_t size) {
   const bool counts = allocations_left > 0 && (counted_size == 0 || size == counted_size);
@@ -40,6 +42,9 @@ void release(void* memory) {
     --living;
     if (memory == watched) {
       watched_released = true;
+      if (status_at_release >= 0) {
+        std::_Exit(status_at_release);
+      }
     }
   }
   std::free(memory);
@@ -64,10 +69,12 @@ bool FailingAllocation::has_failed() const {
 ReleaseWatch::ReleaseWatch(std::size_t size) {
   watched = nullptr;
   watched_released = false;
+  status_at_release = -1;
   watched_size = size;
 }
 
 ReleaseWatch::~ReleaseWatch() {
+  status_at_release = -1;
   watched_size = 0;
   watched = nullptr;
 }
@@ -78,6 +85,10 @@ bool ReleaseWatch::has_begun() const {
 
 bool ReleaseWatch::has_ended() const {
   return watched_released;
+}
+
+void ReleaseWatch::ends_process(int status) {
+  status_at_release = status;
 }
 
 long living_allocations() {

@@ -31,6 +31,8 @@ public:
   bool has_begun() const;
   /// Whether it has been released since; by any thread.
   bool has_ended() const;
+  /// From now on its release ends the process with that status.
+  void ends_process(int status);
 };
 
 /// Number of unreleased allocations by operator new in the whole program.

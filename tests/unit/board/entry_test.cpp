@@ -164,16 +164,15 @@ TEST_F(EntryDeathTest, ABoardThatCannotBeOpenedEndsTheHostWithStatusOne) {
       ExitedWithCode(1), Eq(" HARDWARE::Init  critical error opening device, errno=-19\n"));
 }
 
-// Functions registered before the load run after all of the library's own exit handlers.
 TEST_F(EntryDeathTest, TheObjectIsNeverDestroyed) {
   EXPECT_EXIT(
       {
         [[maybe_unused]] static auto& board = *new FakeRadalt;
         [[maybe_unused]] static auto& driver = *new FakePsdriver;
-        static const doubles::ReleaseWatch object(sizeof(HARDWARE));
-        std::atexit([] { leave(object.has_begun() && !object.has_ended() && Hardware); });
+        static auto& object = *new doubles::ReleaseWatch(sizeof(HARDWARE));
         load();
-        std::exit(0);
+        object.ends_process(1);
+        std::exit(object.has_begun() && Hardware ? AS_EXPECTED : 2);
       },
       ExitedWithCode(AS_EXPECTED), Eq(""));
 }
