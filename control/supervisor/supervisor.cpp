@@ -380,11 +380,11 @@ std::string Supervisor::failure() {
     take_root_output();
   }
   std::string text = size > 0 ? std::string(block, static_cast<std::size_t>(size)) : "the unit exited";
-  for (std::string output = last_output_; !output.empty() && text.find(output) == std::string::npos;) {
-    while (!output.empty() && output.back() == '\n') {
-      output.pop_back();
-    }
-    return text + ": " + output;
+  while (!last_output_.empty() && last_output_.back() == '\n') {
+    last_output_.pop_back();
+  }
+  if (!last_output_.empty() && text.find(last_output_) == std::string::npos) {
+    text.append(": ").append(last_output_);
   }
   return text;
 }

@@ -107,8 +107,8 @@ void take_state_folder(const fs::path& state) {
 
 fs::path runtime_folder() {
   const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
-  const fs::path folder = runtime != nullptr && *runtime == '/' ? fs::path(runtime) / "unit"
-                                                                : fs::path("/tmp/unit-" + std::to_string(geteuid()));
+  fs::path folder = runtime != nullptr && *runtime == '/' ? fs::path(runtime) / "unit"
+                                                          : fs::path("/tmp/unit-" + std::to_string(geteuid()));
   if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
     fail(folder, "cannot be created");
   }

@@ -25,7 +25,7 @@ public:
   Connection() : descriptor_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    std::strcpy(address.sun_path, HOST_SOCKET);
+    std::memcpy(address.sun_path, HOST_SOCKET, std::strlen(HOST_SOCKET));
     connected_ = ::connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
   }
   ~Connection() { ::close(descriptor_); }

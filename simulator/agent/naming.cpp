@@ -45,10 +45,10 @@ void wait_until(Ready ready, pid_t process, const std::string& what, const std::
   const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
   while (!ready()) {
     if (has_ended(process)) {
-      throw std::runtime_error(what + " exited before it was ready; see " + log);
+      throw std::runtime_error(std::string(what).append(" exited before it was ready; see ").append(log));
     }
     if (std::chrono::steady_clock::now() > deadline) {
-      throw std::runtime_error(what + " was not ready in time; see " + log);
+      throw std::runtime_error(std::string(what).append(" was not ready in time; see ").append(log));
     }
   }
 }

@@ -96,7 +96,7 @@ Json answer(const Arguments& with, UnitModel& unit) {
 void add_screen_verbs(Verbs& verbs, UnitModel& unit, Link& link) {
   verbs["dialogs.list"] = [&unit](const Arguments&) { return list(unit); };
   verbs["dialogs.answer"] = [&unit, &link](const Arguments& with) {
-    const Json done = answer(with, unit);
+    Json done = answer(with, unit);
     link.send({{"notice", "dialogs"}});
     return done;
   };

@@ -101,7 +101,7 @@ private:
   /// The starter's environment with the options' variables.
   void fill_environment() {
     for (const auto& [name, value] : options_.environment) {
-      variables_.push_back(name + "=" + value);
+      variables_.push_back(std::string(name).append("=").append(value));
     }
     const auto replaced = [this](const char* entry) {
       return std::any_of(variables_.begin(), variables_.end(), [entry](const std::string& each) {
