@@ -140,6 +140,10 @@ void FakeService::reply(int connection, const std::string& request) {
     send_text(connection, "HTTP/1.1 " + std::to_string(answer.status) +
                               " X\r\nContent-Length: " + std::to_string(answer.body.size()) + "\r\n\r\n" + answer.body);
   }
+  // A command's connection breaks as soon as it is made.
+  if (answer.status == 101) {
+    ::shutdown(connection, SHUT_RDWR);
+  }
 }
 
 Ended run(const std::vector<std::string>& words) {
