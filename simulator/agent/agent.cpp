@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <exception>
 #include <thread>
+#include <utility>
 
 #include "simulator/agent/naming.h"
 #include "simulator/agent/network.h"
@@ -57,6 +58,11 @@ void Agent::run() {
   while (!ends_) {
     int limit = host_.look();
     limit = limit == -1 ? 3'600'000 : limit;
+    // What was written before an answer was ready is sent before it.
+    const std::vector<Json> due = take_answers();
+    if (!due.empty()) {
+      limit = 0;
+    }
     std::vector<pollfd> events{{link_.descriptor(), POLLIN, 0}, {children_, POLLIN, 0}, {wake_up_, POLLIN, 0}};
     commands_.watch(events, limit);
     if (::poll(events.data(), events.size(), limit) == -1 && errno != EINTR) {
@@ -73,6 +79,9 @@ void Agent::run() {
       reap();
     }
     commands_.serve(events);
+    for (const Json& answer : due) {
+      link_.send(answer);
+    }
     if (events[0].revents != 0 && !link_.receive()) {
       return;
     }
@@ -124,9 +133,22 @@ void Agent::answer_on_thread(const Json& request) {
   }
   ++requests_;
   std::thread([this, request] {
-    link_.send(answer_of(verbs_, request));
+    add_answer(answer_of(verbs_, request));
     --requests_;
   }).detach();
+}
+
+void Agent::add_answer(Json answer) {
+  {
+    const std::lock_guard guard(answers_mutex_);
+    answers_.push_back(std::move(answer));
+  }
+  ::eventfd_write(wake_up_, 1);
+}
+
+std::vector<Json> Agent::take_answers() {
+  const std::lock_guard guard(answers_mutex_);
+  return std::exchange(answers_, {});
 }
 
 void Agent::begin_set_up(const Json& with) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <atomic>
+#include <mutex>
 #include <optional>
+#include <vector>
 
 #include "simulator/agent/commands.h"
 #include "simulator/agent/host_process.h"
@@ -34,6 +36,8 @@ private:
   void set_up(const Orders& orders);
   void finish_set_up();
   void answer_on_thread(const Json& request);
+  void add_answer(Json answer);
+  std::vector<Json> take_answers();
   CommandLine command_in(const Arguments& with) const;
   void start_command(const Json& id, const Arguments& with);
   void send_ui_done(const Json& id);
@@ -51,6 +55,8 @@ private:
   bool reaps_ = false;
   bool ends_ = false;
   std::atomic<int> requests_{0};
+  std::mutex answers_mutex_;
+  std::vector<Json> answers_;  ///< of requests answered on threads of their own, to be sent
 };
 
 }  // namespace simulator::agent
