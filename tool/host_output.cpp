@@ -11,6 +11,13 @@ namespace tool {
 
 using control::client::Event;
 
+namespace {
+
+/// The answer and the output that belongs to it come on two connections: the latter may be a little later.
+constexpr std::chrono::milliseconds GRACE{5};
+
+}  // namespace
+
 HostOutput::HostOutput(const std::filesystem::path& socket)
     : stream_(std::in_place, socket, "/v1/stream?events=log"),
       lines_([](const std::string&, const std::string& line) { show_host_line(line); }) {}
@@ -32,9 +39,17 @@ void HostOutput::wait_readable(int descriptor) {
 }
 
 void HostOutput::show_arrived() {
+  show_until_quiet(std::chrono::milliseconds(0));
+}
+
+void HostOutput::show_rest() {
+  show_until_quiet(GRACE);
+}
+
+void HostOutput::show_until_quiet(std::chrono::milliseconds pause) {
   try {
     while (stream_) {
-      const std::optional<Event> event = stream_->next(std::chrono::milliseconds(0));
+      const std::optional<Event> event = stream_->next(pause);
       if (!event) {
         return;
       }

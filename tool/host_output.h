@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 
@@ -21,8 +22,12 @@ public:
   void wait_readable(int descriptor);
   /// Shows the output that has arrived.
   void show_arrived();
+  /// Shows what belongs to an answer that has come.
+  void show_rest();
 
 private:
+  void show_until_quiet(std::chrono::milliseconds pause);
+
   std::optional<control::client::EventStream> stream_;
   LogLines lines_;
 };

@@ -23,11 +23,11 @@ ordered_json call(Connection& connection, const std::string& operation, const js
   const std::string target = "/v1/operations/" + control::client::escaped(operation);
   try {
     ordered_json answer = connection.send("POST", target, body);
-    output.show_arrived();
+    output.show_rest();
     connection.client().wait_with({});
     return answer;
   } catch (...) {
-    output.show_arrived();
+    output.show_rest();
     connection.client().wait_with({});
     throw;
   }

@@ -37,7 +37,7 @@ void raise_interrupt(const Arguments& arguments, std::int64_t value) {
   }
   const ordered_json answer = connection.send("POST", "/v1/interrupts", body);
   if (output) {
-    output->show_arrived();
+    output->show_rest();
   }
   if (arguments.has("json")) {
     print_json(answer);
